@@ -1,0 +1,29 @@
+#include "core/error_reporter.h"
+
+#include "core/interpreter.h"
+
+namespace vessa {
+
+void ErrorReporter::CheckInterpreterResult(const QVariant& result, const QString& message) {
+    if (isSuccessResult(result))
+        return;
+    display_.showModal(internalErrorContent(state_.VersionText, message, result.toString()));
+    if (state_.ExitOnFatal)
+        process_.endProcess(1);
+}
+
+void ErrorReporter::reportAtTop(ReportForm form, const QString& firstLine,
+                                const RunTimeError& error) {
+    state_.ErrorChain = reportBlock(form, firstLine, error, state_.ErrorLine, state_.ErrorChain);
+    const QString chain = state_.ErrorChain;
+    state_.ErrorChain.clear();
+    CheckInterpreterResult(chain, QStringLiteral("Vessa47 - Error"));
+}
+
+void raiseWithReport(AppState& state, ReportForm form, const QString& firstLine,
+                     const RunTimeError& error) {
+    state.ErrorChain = reportBlock(form, firstLine, error, state.ErrorLine, state.ErrorChain);
+    throw RunTimeError(error.number(), state.ErrorChain, error.source());
+}
+
+} // namespace vessa

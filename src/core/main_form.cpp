@@ -1,0 +1,291 @@
+#include "core/main_form.h"
+
+#include "core/accessible_names.h"
+#include "core/error_form.h"
+#include "core/render_form.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFrame>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTextEdit>
+
+namespace vessa {
+
+namespace {
+
+// Diagnostics stay in the program but are switched off.
+constexpr bool kLogMessagesOn = false;
+
+// Pace of IdleTimer when the engine has nothing due: it only has to keep the
+// engine alive while a dialog holds the main loop.
+constexpr int kIdleTimerRestMs = 250;
+
+struct MenuItemSpec {
+    const char* control;
+    const char* caption; // empty: a separator
+};
+
+struct MenuSpec {
+    const char* control;
+    const char* caption;
+    std::initializer_list<MenuItemSpec> items;
+};
+
+const MenuSpec kMenus[] = {
+    {"FileMenuButton",
+     "&File",
+     {{"FileNewMenuButton", "&New World"},
+      {"FileOpenMenuButton", "&Open World..."},
+      {"mnuImportVES", "&Import VES File..."},
+      {"", ""},
+      {"FileSaveMenuButton", "&Save"},
+      {"FileSaveAsMenuButton", "Save &As..."},
+      {"FileSaveAsWWWMenuButton", "Save As &WWW Page..."},
+      {"mnuSendToFriend", "Send To A &Friend..."},
+      {"", ""},
+      {"FileStartCameraHere", "Make Camera Start Here in Opening Scene"},
+      {"FileOpeningScene", "Make This the Opening Scene"},
+      {"", ""},
+      {"mnuMakeObject", "Make Object..."},
+      {"mnuAddObject", "Add Object..."},
+      {"mnuAddSounds", "Add Sound..."},
+      {"mnuAddText", "Add Text..."},
+      {"", ""},
+      {"FileExitMenuButton", "E&xit"}}},
+    {"EditMenuButton",
+     "&Edit",
+     {{"EditUndoTextMenuButton", "&Undo Changes to Script"},
+      {"", ""},
+      {"EditCutMenuButton", "Cu&t"},
+      {"EditCopyMenuButton", "&Copy"},
+      {"EditPasteMenuButton", "&Paste"},
+      {"EditDeleteMenuButton", "&Delete"},
+      {"", ""},
+      {"EditSelectAllMenuButton", "Select A&ll"},
+      {"", ""},
+      {"EditFindMenuButton", "&Find..."},
+      {"EditReplaceMenuButton", "Replace..."}}},
+    {"HelpMenuButton",
+     "&Help",
+     {{"HelpViewMenuButton", "View Online Help..."},
+      {"HelpExampleMenuButton", "Example Worlds..."},
+      {"HelpPythonMenuButton", "Python Example Worlds..."},
+      {"", ""},
+      {"HelpAboutMenuButton", "About Vessa..."}}},
+    {"SiteSpecificMenuButton", "S&ite Specific", {}},
+    {"ScriptTextMenuButton", "Script Text", {{"ScriptTextOTFButton", "Make \"On The Fly\" &Button"}}},
+};
+
+} // namespace
+
+MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
+                   RenderForm& renderForm)
+    : state_(state), engine_(engine), reporter_(reporter), renderForm_(renderForm),
+      differences_(state, engine, reporter, *this), outputText_(new QTextEdit(this)),
+      openingSceneFrame_(new QFrame(this)) {
+    setObjectName(QStringLiteral("MainForm"));
+    setWindowTitle(QStringLiteral("Vessa47"));
+    menuBar()->setObjectName(QStringLiteral("menuBar"));
+    buildMenus();
+
+    openingSceneFrame_->setObjectName(QStringLiteral("OpeningSceneFrame"));
+    openingSceneFrame_->setFrameShape(QFrame::StyledPanel);
+    openingSceneFrame_->setMinimumSize(320, 240);
+    openingSceneFrame_->setStyleSheet(QStringLiteral("QFrame#OpeningSceneFrame { background: #20242c; }"));
+
+    outputText_->setObjectName(QStringLiteral("OutputText"));
+    outputText_->setReadOnly(true);
+    outputText_->setAcceptRichText(false);
+    outputText_->setLineWrapMode(QTextEdit::WidgetWidth);
+
+    auto* split = new QSplitter(Qt::Vertical, this);
+    split->setObjectName(QStringLiteral("SplitterH1"));
+    split->addWidget(openingSceneFrame_);
+    split->addWidget(outputText_);
+    split->setStretchFactor(0, 11);
+    split->setStretchFactor(1, 1);
+    setCentralWidget(split);
+    resize(9000 / 15, 9360 / 15);
+
+    MainLoopTimer.setObjectName(QStringLiteral("MainLoopTimer"));
+    IdleTimer.setObjectName(QStringLiteral("IdleTimer"));
+    StatsTimer.setObjectName(QStringLiteral("StatsTimer"));
+    connect(&IdleTimer, &QTimer::timeout, this, &MainForm::IdleTimer_Timer);
+
+    applyAccessibleNames(this);
+}
+
+void MainForm::buildMenus() {
+    for (const MenuSpec& spec : kMenus) {
+        QMenu* menu = menuBar()->addMenu(QString::fromUtf8(spec.caption));
+        menu->setObjectName(QString::fromUtf8(spec.control));
+        menu->menuAction()->setObjectName(QString::fromUtf8(spec.control));
+        for (const MenuItemSpec& item : spec.items) {
+            if (*item.control == '\0') {
+                menu->addSeparator();
+                continue;
+            }
+            QAction* action = menu->addAction(QString::fromUtf8(item.caption));
+            action->setObjectName(QString::fromUtf8(item.control));
+            // Commands come to life as the subsystems behind them are built.
+            action->setEnabled(false);
+        }
+    }
+    // Shown only when the engine offers site commands.
+    findChild<QMenu*>(QStringLiteral("SiteSpecificMenuButton"))->menuAction()->setVisible(false);
+    QAction* exit = findChild<QAction*>(QStringLiteral("FileExitMenuButton"));
+    exit->setEnabled(true);
+    exit->setShortcut(QKeySequence::Quit);
+    connect(exit, &QAction::triggered, this, &QWidget::close);
+}
+
+QWidget* MainForm::OpeningSceneFrame() const { return openingSceneFrame_; }
+
+bool MainForm::objectTreeVisible() const { return false; }
+
+bool MainForm::IsWorldDirty() {
+    bool engineDirty = false;
+    if (engine_.isSet())
+        engineDirty = engine_.call(QStringLiteral("getisdirty")).toInt() != 0;
+    return vessa::IsWorldDirty(world_, state_.HomeDir, engineDirty);
+}
+
+int MainForm::SaveChangesPrompt() {
+    const auto answer = QMessageBox::question(
+        this, QStringLiteral("Vessa47"), QStringLiteral("Save changes to your world first?"),
+        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
+    if (answer == QMessageBox::Cancel || answer == QMessageBox::Escape)
+        return 2;
+    if (answer == QMessageBox::No)
+        return 1;
+    FileSaveMenuButton_Click();
+    return 0;
+}
+
+void MainForm::FileSaveMenuButton_Click() {
+    // Saving a world arrives with the world folder; until then nothing can be
+    // dirty, so nothing is lost here.
+}
+
+void MainForm::SetSaveName(const QString& name) {
+    QString path = name;
+    if (path.toLower() == (state_.HomeDir + QStringLiteral("worlds/default")).toLower())
+        path.clear();
+    world_.worldSaveFile = path;
+    const QString version = engine_.call(QStringLiteral("GetVersionText")).toString();
+    setWindowTitle(path.isEmpty() ? QStringLiteral("Vessa47 [") + version + QLatin1Char(']')
+                                  : QStringLiteral("Vessa47 - ") + path + QStringLiteral(" [") +
+                                        version + QLatin1Char(']'));
+    reporter_.CheckInterpreterResult(engine_.call(QStringLiteral("SetIsDirty"), {0}),
+                                     QStringLiteral("MainForm:SetSaveName: Error making world clean."));
+}
+
+void MainForm::closeEvent(QCloseEvent* event) {
+    if (cleanedUp_) {
+        event->accept();
+        return;
+    }
+    try {
+        if (IsWorldDirty() && SaveChangesPrompt() == 2) {
+            event->ignore();
+            return;
+        }
+    } catch (const RunTimeError& e) {
+        reporter_.reportAtTop(ReportForm::C, QStringLiteral("VB:MainForm:Form_QueryUnload() Error"), e);
+    }
+    event->accept();
+    CleanUpAndExit();
+}
+
+void MainForm::CleanUpAndExit() {
+    cleanedUp_ = true;
+    IdleTimer.stop();
+    // Errors are ignored from here on: the program is on its way out.
+    const auto ignoringErrors = [&](const QString& method, const QString& message) {
+        try {
+            reporter_.CheckInterpreterResult(engine_.call(method), message);
+        } catch (const RunTimeError&) {
+        }
+    };
+    ignoringErrors(QStringLiteral("DestroyImageNavigator"),
+                   QStringLiteral("Mainform:CleanUpAndExit() - PyInterpreter.DestroyImageNavigator() failed"));
+    ignoringErrors(QStringLiteral("Close"),
+                   QStringLiteral("MainForm:CleanUpAndExit() - PyInterpreter.Close() failed"));
+    engine_.release();
+    renderForm_.close();
+}
+
+void MainForm::setIdleTimerInterval(int ms) {
+    if (ms <= 0) {
+        IdleTimer.stop();
+        return;
+    }
+    IdleTimer.start(ms);
+}
+
+void MainForm::IdleTimer_Timer() {
+    if (!engine_.isSet())
+        return;
+    try {
+        reporter_.CheckInterpreterResult(engine_.call(QStringLiteral("Loop")),
+                                         QStringLiteral("MainForm:IdleTimer_Timer() - Error calling PyInterpreter.Loop()"));
+        // Tick as often as the engine has work; rest while it has none. An
+        // external tool that drives the engine through this timer keeps its pace.
+        if (state_.RunEngineLoop) {
+            const int wait = engine_.call(QStringLiteral("GetLoopWait")).toInt();
+            IdleTimer.setInterval(wait < 0 ? kIdleTimerRestMs : std::clamp(wait, 1, kIdleTimerRestMs));
+        }
+    } catch (const RunTimeError& e) {
+        IdleTimer.setInterval(kIdleTimerRestMs);
+        reporter_.reportAtTop(ReportForm::C, QStringLiteral("VB:MainForm:IdleTimer_Timer() Error"), e);
+    }
+}
+
+void MainForm::appendOutput(const QString& text, const QColor& color) {
+    QTextCursor cursor(outputText_->document());
+    cursor.movePosition(QTextCursor::End);
+    QTextCharFormat format;
+    format.setForeground(color);
+    cursor.insertText(text, format);
+    outputText_->ensureCursorVisible();
+}
+
+void MainForm::PrintOutput(const QString& text) {
+    QTextCursor cursor = outputText_->textCursor();
+    QTextCharFormat format;
+    format.setForeground(QColor(0, 0, 0));
+    cursor.insertText(text + QLatin1Char('\n'), format);
+}
+
+void MainForm::LogMessage(const QString& text) {
+    if constexpr (kLogMessagesOn) {
+        QTextCursor cursor = outputText_->textCursor();
+        QTextCharFormat format;
+        format.setForeground(QColor(0, 0, 180));
+        cursor.insertText(text + QLatin1Char('\n'), format);
+    } else {
+        Q_UNUSED(text);
+    }
+}
+
+void MainForm::showUndoAvailable(bool available) { Q_UNUSED(available); }
+
+void MainForm::showWorldActive(bool active) {
+    statusBar()->showMessage(active ? QStringLiteral("The world is running")
+                                    : QStringLiteral("The world is stopped"));
+}
+
+void MainForm::setRenderFormAlwaysOnTop(bool onTop) { renderForm_.AlwaysOnTop(onTop); }
+
+void MainForm::pumpEvents() { QCoreApplication::processEvents(); }
+
+void MainForm::showUserError(const ErrorFormContent& content) {
+    ErrorForm form(content, [this] { return state_.VersionText; }, this);
+    form.exec();
+}
+
+} // namespace vessa

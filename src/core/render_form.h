@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QWidget>
+
+class QCheckBox;
+class QLabel;
+
+namespace vessa {
+
+// The floating camera window in which a running world is seen. It draws nothing
+// itself: the engine's view is moved into RenderFrame while a world runs.
+class RenderForm : public QWidget {
+    Q_OBJECT
+public:
+    explicit RenderForm(QWidget* parent = nullptr);
+
+    QWidget* RenderFrame() const { return renderFrame_; }
+    bool Check1Value() const;
+    void setCheck1Value(bool onTop);
+    void AlwaysOnTop(bool onTop);
+    QLabel* FPSLabel() const { return fpsLabel_; }
+
+Q_SIGNALS:
+    // The user ticked or cleared "Always keep this window on top".
+    void alwaysOnTopChosen(bool onTop);
+
+private:
+    QWidget* renderFrame_;
+    QCheckBox* check1_;
+    QLabel* fpsLabel_;
+};
+
+} // namespace vessa

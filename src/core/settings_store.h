@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QList>
+#include <QPair>
+#include <QString>
+#include <memory>
+
+class QSettings;
+
+namespace vessa {
+
+// The registry roots the program's keys live under.
+enum class RegistryRoot { LocalMachine };
+
+inline const QString kRecentFilesKey =
+    QStringLiteral("Software\\Halden Institute\\Vessa47\\1.00.000\\Recent Files");
+inline const QString kSettingsKey =
+    QStringLiteral("Software\\Halden Institute\\Vessa47\\1.00.000\\Settings");
+inline const QString kPreferencesKey =
+    QStringLiteral("Software\\Halden Institute\\Vessa47\\1.00.000\\Preferences");
+
+// What the program remembers between runs: keys of text values, kept in an INI
+// file in the user's configuration folder (XDG_CONFIG_HOME moves it). Value names
+// ignore case, as registry names do. An empty text is stored as one blank, so a
+// value read back is never empty unless it is missing.
+class RegKeys {
+public:
+    // The user's store; `iniPath` names another file instead (tests).
+    RegKeys();
+    explicit RegKeys(const QString& iniPath);
+    ~RegKeys();
+
+    bool SetRegValue(RegistryRoot root, const QString& key, const QString& name,
+                     const QString& value);
+    // The empty text when the key or value is missing; whole numbers in decimal.
+    QString GetRegValue(RegistryRoot root, const QString& key, const QString& name) const;
+    // Removes the key with all its values.
+    bool DeleteRegKey(RegistryRoot root, const QString& key);
+
+    QString fileName() const;
+
+private:
+    QString storedName(const QString& group, const QString& name) const;
+    std::unique_ptr<QSettings> settings_;
+};
+
+// (value name, path) of RecentFile1, RecentFile2, ... up to the first empty one.
+QList<QPair<QString, QString>> ReadRecentFile(const RegKeys& keys);
+
+} // namespace vessa
