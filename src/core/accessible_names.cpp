@@ -46,7 +46,9 @@ const QHash<QString, QString>& table() {
 
 } // namespace
 
-QString accessibleNameOf(const QString& control) { return table().value(control); }
+QString accessibleNameOf(const QString& control) {
+    return table().value(control);
+}
 
 void applyAccessibleNames(QWidget* root) {
     const auto apply = [](QWidget* widget) {

@@ -16,9 +16,9 @@ QVariantList asList(const QVariant& value) {
 
 QVariant recordItem(const QVariantList& record, int index) {
     if (index < 0 || index >= record.size())
-        throw RunTimeError(RunTimeError::SubscriptOutOfRange,
-                           QStringLiteral("Subscript out of range: a record has no item %1")
-                               .arg(index));
+        throw RunTimeError(
+            RunTimeError::SubscriptOutOfRange,
+            QStringLiteral("Subscript out of range: a record has no item %1").arg(index));
     return record[index];
 }
 

@@ -53,14 +53,18 @@ ErrorForm::ErrorForm(const ErrorFormContent& content, VersionSource version, QWi
     applyAccessibleNames(this);
 }
 
-QString ErrorForm::typeCaption() const { return ErrorTypeLabel_->text(); }
-QString ErrorForm::labelText() const { return ErrorLabel_->toPlainText(); }
+QString ErrorForm::typeCaption() const {
+    return ErrorTypeLabel_->text();
+}
+QString ErrorForm::labelText() const {
+    return ErrorLabel_->toPlainText();
+}
 
 void ErrorForm::Command1_Click() {
     QClipboard* clipboard = QApplication::clipboard();
     clipboard->clear();
-    clipboard->setText(clipboardReport(version_(), QDateTime::currentDateTime(), typeCaption(),
-                                       labelText()));
+    clipboard->setText(
+        clipboardReport(version_(), QDateTime::currentDateTime(), typeCaption(), labelText()));
 }
 
 void QtErrorDisplay::showModal(const ErrorFormContent& content) {

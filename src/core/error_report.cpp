@@ -36,13 +36,15 @@ int integerPart(const QVariant& line) {
                               ? line.toString().trimmed().toDouble(&ok)
                               : line.toDouble(&ok);
     if (!ok)
-        throw RunTimeError(RunTimeError::TypeMismatch,
-                           QStringLiteral("Type mismatch: \"%1\" is not a line number")
-                               .arg(line.toString()));
+        throw RunTimeError(
+            RunTimeError::TypeMismatch,
+            QStringLiteral("Type mismatch: \"%1\" is not a line number").arg(line.toString()));
     return static_cast<int>(std::floor(number));
 }
 
-bool isList(const QVariant& value) { return value.typeId() == QMetaType::QVariantList; }
+bool isList(const QVariant& value) {
+    return value.typeId() == QMetaType::QVariantList;
+}
 
 // A syntax error arrives as [message, [file, line, offset, source text]].
 QString syntaxErrorSource(const QVariantList& detail) {
@@ -56,8 +58,8 @@ QString syntaxErrorSource(const QVariantList& detail) {
 
 QString reportBlock(ReportForm form, const QString& firstLine, const RunTimeError& error,
                     int errorLine, const QString& oldChain) {
-    QString text = firstLine + kLf + QStringLiteral("<DESCRIPTION> ") + error.description() +
-                   kLf + QStringLiteral("<SOURCE> ") + error.source() + kLf +
+    QString text = firstLine + kLf + QStringLiteral("<DESCRIPTION> ") + error.description() + kLf +
+                   QStringLiteral("<SOURCE> ") + error.source() + kLf +
                    QStringLiteral("<NUMBER> ") + QString::number(error.number()) + kLf;
     switch (form) {
     case ReportForm::A:
@@ -126,7 +128,8 @@ QString clipboardReport(const QString& versionText, const QDateTime& now,
         QStringLiteral("This is a report of an Vessa47 error."),
         QStringLiteral("************ Start of Vessa47 error report *************"),
         QStringLiteral("Vessa47 Version: ") + versionText,
-        QStringLiteral("Time: ") + QLocale::c().toString(now, QStringLiteral("MMM d yyyy hh:mm:ss")),
+        QStringLiteral("Time: ") +
+            QLocale::c().toString(now, QStringLiteral("MMM d yyyy hh:mm:ss")),
         QStringLiteral("Type: ") + typeCaption,
         QStringLiteral("Label:") + labelText,
         QStringLiteral("************ End of Vessa47 error report *************"),

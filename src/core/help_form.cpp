@@ -8,7 +8,8 @@
 
 namespace vessa {
 
-HelpForm::HelpForm(QWidget* parent) : QWidget(parent, Qt::Window), WebBrowser1_(new QTextBrowser(this)) {
+HelpForm::HelpForm(QWidget* parent)
+    : QWidget(parent, Qt::Window), WebBrowser1_(new QTextBrowser(this)) {
     setObjectName(QStringLiteral("frmVessaHelp"));
     setWindowTitle(QStringLiteral("Vessa's Illustrated Guide to Brightmere"));
     WebBrowser1_->setObjectName(QStringLiteral("WebBrowser1"));
@@ -20,8 +21,12 @@ HelpForm::HelpForm(QWidget* parent) : QWidget(parent, Qt::Window), WebBrowser1_(
     applyAccessibleNames(this);
 }
 
-void HelpForm::navigate(const QString& page) { WebBrowser1_->setSource(QUrl::fromLocalFile(page)); }
+void HelpForm::navigate(const QString& page) {
+    WebBrowser1_->setSource(QUrl::fromLocalFile(page));
+}
 
-QString HelpForm::currentPage() const { return WebBrowser1_->source().toLocalFile(); }
+QString HelpForm::currentPage() const {
+    return WebBrowser1_->source().toLocalFile();
+}
 
 } // namespace vessa

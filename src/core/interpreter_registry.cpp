@@ -8,7 +8,9 @@ void InterpreterRegistry::add(const QString& progId, Factory factory) {
     factories_.insert(progId.toLower(), std::move(factory));
 }
 
-void InterpreterRegistry::remove(const QString& progId) { factories_.remove(progId.toLower()); }
+void InterpreterRegistry::remove(const QString& progId) {
+    factories_.remove(progId.toLower());
+}
 
 bool InterpreterRegistry::contains(const QString& progId) const {
     return factories_.contains(progId.toLower());
@@ -17,8 +19,8 @@ bool InterpreterRegistry::contains(const QString& progId) const {
 std::unique_ptr<Interpreter> InterpreterRegistry::create(const QString& progId) const {
     auto it = factories_.constFind(progId.toLower());
     if (it == factories_.constEnd())
-        throw RunTimeError(429, QStringLiteral("No engine is registered under the name %1.").arg(progId),
-                           progId);
+        throw RunTimeError(
+            429, QStringLiteral("No engine is registered under the name %1.").arg(progId), progId);
     try {
         auto object = (*it)();
         if (!object)

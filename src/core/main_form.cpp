@@ -77,7 +77,9 @@ const MenuSpec kMenus[] = {
       {"", ""},
       {"HelpAboutMenuButton", "About Vessa..."}}},
     {"SiteSpecificMenuButton", "S&ite Specific", {}},
-    {"ScriptTextMenuButton", "Script Text", {{"ScriptTextOTFButton", "Make \"On The Fly\" &Button"}}},
+    {"ScriptTextMenuButton",
+     "Script Text",
+     {{"ScriptTextOTFButton", "Make \"On The Fly\" &Button"}}},
 };
 
 } // namespace
@@ -95,7 +97,8 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     openingSceneFrame_->setObjectName(QStringLiteral("OpeningSceneFrame"));
     openingSceneFrame_->setFrameShape(QFrame::StyledPanel);
     openingSceneFrame_->setMinimumSize(320, 240);
-    openingSceneFrame_->setStyleSheet(QStringLiteral("QFrame#OpeningSceneFrame { background: #20242c; }"));
+    openingSceneFrame_->setStyleSheet(
+        QStringLiteral("QFrame#OpeningSceneFrame { background: #20242c; }"));
 
     outputText_->setObjectName(QStringLiteral("OutputText"));
     outputText_->setReadOnly(true);
@@ -143,9 +146,13 @@ void MainForm::buildMenus() {
     connect(exit, &QAction::triggered, this, &QWidget::close);
 }
 
-QWidget* MainForm::OpeningSceneFrame() const { return openingSceneFrame_; }
+QWidget* MainForm::OpeningSceneFrame() const {
+    return openingSceneFrame_;
+}
 
-bool MainForm::objectTreeVisible() const { return false; }
+bool MainForm::objectTreeVisible() const {
+    return false;
+}
 
 bool MainForm::IsWorldDirty() {
     bool engineDirty = false;
@@ -180,8 +187,9 @@ void MainForm::SetSaveName(const QString& name) {
     setWindowTitle(path.isEmpty() ? QStringLiteral("Vessa47 [") + version + QLatin1Char(']')
                                   : QStringLiteral("Vessa47 - ") + path + QStringLiteral(" [") +
                                         version + QLatin1Char(']'));
-    reporter_.CheckInterpreterResult(engine_.call(QStringLiteral("SetIsDirty"), {0}),
-                                     QStringLiteral("MainForm:SetSaveName: Error making world clean."));
+    reporter_.CheckInterpreterResult(
+        engine_.call(QStringLiteral("SetIsDirty"), {0}),
+        QStringLiteral("MainForm:SetSaveName: Error making world clean."));
 }
 
 void MainForm::closeEvent(QCloseEvent* event) {
@@ -195,7 +203,8 @@ void MainForm::closeEvent(QCloseEvent* event) {
             return;
         }
     } catch (const RunTimeError& e) {
-        reporter_.reportAtTop(ReportForm::C, QStringLiteral("VB:MainForm:Form_QueryUnload() Error"), e);
+        reporter_.reportAtTop(ReportForm::C, QStringLiteral("VB:MainForm:Form_QueryUnload() Error"),
+                              e);
     }
     event->accept();
     CleanUpAndExit();
@@ -211,8 +220,9 @@ void MainForm::CleanUpAndExit() {
         } catch (const RunTimeError&) {
         }
     };
-    ignoringErrors(QStringLiteral("DestroyImageNavigator"),
-                   QStringLiteral("Mainform:CleanUpAndExit() - PyInterpreter.DestroyImageNavigator() failed"));
+    ignoringErrors(
+        QStringLiteral("DestroyImageNavigator"),
+        QStringLiteral("Mainform:CleanUpAndExit() - PyInterpreter.DestroyImageNavigator() failed"));
     ignoringErrors(QStringLiteral("Close"),
                    QStringLiteral("MainForm:CleanUpAndExit() - PyInterpreter.Close() failed"));
     engine_.release();
@@ -231,17 +241,20 @@ void MainForm::IdleTimer_Timer() {
     if (!engine_.isSet())
         return;
     try {
-        reporter_.CheckInterpreterResult(engine_.call(QStringLiteral("Loop")),
-                                         QStringLiteral("MainForm:IdleTimer_Timer() - Error calling PyInterpreter.Loop()"));
+        reporter_.CheckInterpreterResult(
+            engine_.call(QStringLiteral("Loop")),
+            QStringLiteral("MainForm:IdleTimer_Timer() - Error calling PyInterpreter.Loop()"));
         // Tick as often as the engine has work; rest while it has none. An
         // external tool that drives the engine through this timer keeps its pace.
         if (state_.RunEngineLoop) {
             const int wait = engine_.call(QStringLiteral("GetLoopWait")).toInt();
-            IdleTimer.setInterval(wait < 0 ? kIdleTimerRestMs : std::clamp(wait, 1, kIdleTimerRestMs));
+            IdleTimer.setInterval(wait < 0 ? kIdleTimerRestMs
+                                           : std::clamp(wait, 1, kIdleTimerRestMs));
         }
     } catch (const RunTimeError& e) {
         IdleTimer.setInterval(kIdleTimerRestMs);
-        reporter_.reportAtTop(ReportForm::C, QStringLiteral("VB:MainForm:IdleTimer_Timer() Error"), e);
+        reporter_.reportAtTop(ReportForm::C, QStringLiteral("VB:MainForm:IdleTimer_Timer() Error"),
+                              e);
     }
 }
 
@@ -272,19 +285,26 @@ void MainForm::LogMessage(const QString& text) {
     }
 }
 
-void MainForm::showUndoAvailable(bool available) { Q_UNUSED(available); }
+void MainForm::showUndoAvailable(bool available) {
+    Q_UNUSED(available);
+}
 
 void MainForm::showWorldActive(bool active) {
     statusBar()->showMessage(active ? QStringLiteral("The world is running")
                                     : QStringLiteral("The world is stopped"));
 }
 
-void MainForm::setRenderFormAlwaysOnTop(bool onTop) { renderForm_.AlwaysOnTop(onTop); }
+void MainForm::setRenderFormAlwaysOnTop(bool onTop) {
+    renderForm_.AlwaysOnTop(onTop);
+}
 
-void MainForm::pumpEvents() { QCoreApplication::processEvents(); }
+void MainForm::pumpEvents() {
+    QCoreApplication::processEvents();
+}
 
 void MainForm::showUserError(const ErrorFormContent& content) {
-    ErrorForm form(content, [this] { return state_.VersionText; }, this);
+    ErrorForm form(
+        content, [this] { return state_.VersionText; }, this);
     form.exec();
 }
 

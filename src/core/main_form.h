@@ -24,7 +24,9 @@ class MainForm : public QMainWindow, public DifferenceView {
 public:
     MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter, RenderForm& renderForm);
 
-    void HandleDifferences(const QVariant& differences) { differences_.HandleDifferences(differences); }
+    void HandleDifferences(const QVariant& differences) {
+        differences_.HandleDifferences(differences);
+    }
     bool gUpdateObjectTree2() const { return differences_.gUpdateObjectTree2; }
     bool objectTreeVisible() const;
 

@@ -9,7 +9,8 @@ namespace vessa {
 
 namespace {
 
-const QString kBeforeEngine = QStringLiteral("VB:MainModule:Main() Error before initing COM server");
+const QString kBeforeEngine =
+    QStringLiteral("VB:MainModule:Main() Error before initing COM server");
 const QString kAfterEngine =
     QStringLiteral("VB:MainModule:Main() Error after setting up COM server object");
 const QString kInLoop = QStringLiteral("VB:MainModule:Main() Error while running main loop");
@@ -22,7 +23,9 @@ constexpr int kLongestIdleWaitMs = 1000;
 // An engine that can't tell when it is next due is asked again at this pace.
 constexpr int kEngineWithoutWaitMs = 10;
 
-int roundToInt(double value) { return static_cast<int>(std::lround(value)); }
+int roundToInt(double value) {
+    return static_cast<int>(std::lround(value));
+}
 
 bool isEmptyPoll(const QVariant& records) {
     return records.typeId() == QMetaType::QVariantList && records.toList().isEmpty();
@@ -57,7 +60,8 @@ Program::Program(AppState& state, EngineLink& engine, const InterpreterRegistry&
                  Shell& shell, ErrorReporter& reporter, ErrorDisplay& errors,
                  ProcessControl& process)
     : state_(state), engine_(engine), registry_(registry), shell_(shell), errors_(errors),
-      process_(process), reporter_(reporter) {}
+      process_(process), reporter_(reporter) {
+}
 
 int Program::Main() {
     startUp();
@@ -171,13 +175,15 @@ void Program::checkEngine() {
     try {
         asRunTimeError([&] {
             state_.ErrorLine = 28;
-            reporter_.CheckInterpreterResult(engineCall(QStringLiteral("Initialize")),
-                                             QStringLiteral("VB Main: PyInterpreter.Initialize() failed"));
+            reporter_.CheckInterpreterResult(
+                engineCall(QStringLiteral("Initialize")),
+                QStringLiteral("VB Main: PyInterpreter.Initialize() failed"));
         });
     } catch (const RunTimeError& e) {
-        fatal(ReportForm::B,
-              QStringLiteral("VB:MainModule:Main() Error calling INIT routine of COM server object"),
-              e);
+        fatal(
+            ReportForm::B,
+            QStringLiteral("VB:MainModule:Main() Error calling INIT routine of COM server object"),
+            e);
     }
 }
 
@@ -190,14 +196,15 @@ void Program::setUpWindowsAndWorld() {
     step(32, [&] { shell_.createMainForm(); });
     step(34, [&] { shell_.createRenderForm(); });
     step(36, [&] {
-        state_.ScreenWidthTwips =
-            roundToInt(shell_.twipsPerPixelX() * engineCall(QStringLiteral("ScreenWidth")).toDouble());
+        state_.ScreenWidthTwips = roundToInt(shell_.twipsPerPixelX() *
+                                             engineCall(QStringLiteral("ScreenWidth")).toDouble());
     });
     step(38, [&] {
-        state_.ScreenHeightTwips = roundToInt(shell_.twipsPerPixelY() *
-                                              engineCall(QStringLiteral("ScreenHeight")).toDouble());
+        state_.ScreenHeightTwips = roundToInt(
+            shell_.twipsPerPixelY() * engineCall(QStringLiteral("ScreenHeight")).toDouble());
     });
-    step(40, [&] { state_.HomeDir = engineCall(QStringLiteral("ReadRegistryHomeDir")).toString(); });
+    step(40,
+         [&] { state_.HomeDir = engineCall(QStringLiteral("ReadRegistryHomeDir")).toString(); });
     step(42, [&] {
         reporter_.CheckInterpreterResult(
             engineCall(QStringLiteral("SetHomeDirectory"), {state_.HomeDir}),
@@ -215,13 +222,13 @@ void Program::setUpWindowsAndWorld() {
     step(51, [&] {
         reporter_.CheckInterpreterResult(
             engine_.ExecuteCode(QStringLiteral("Vessa._SetDefaultParentWindowHwnd(") +
-                                    QString::number(shell_.openingSceneHostId()) +
-                                    QLatin1Char(')'),
+                                    QString::number(shell_.openingSceneHostId()) + QLatin1Char(')'),
                                 QStringLiteral("<Init>")),
             QStringLiteral("VB MAIN: 'Vessa._SetDefaultParentWindowHwnd' failed."));
     });
     step(52, [&] {
-        engineCall(QStringLiteral("LoadWorld"), {state_.HomeDir + QStringLiteral("Worlds/Default")});
+        engineCall(QStringLiteral("LoadWorld"),
+                   {state_.HomeDir + QStringLiteral("Worlds/Default")});
     });
 }
 
@@ -299,8 +306,9 @@ void Program::showDefaultWorld() {
                               QString::number(state_.ScreenWidthTwips) + QStringLiteral(" x ") +
                               QString::number(state_.ScreenHeightTwips));
             state_.ErrorLine = 88;
-            reporter_.CheckInterpreterResult(engineCall(QStringLiteral("SetIsDirty"), {0}),
-                                             QStringLiteral("MainModule:Main: Error making world clean."));
+            reporter_.CheckInterpreterResult(
+                engineCall(QStringLiteral("SetIsDirty"), {0}),
+                QStringLiteral("MainModule:Main: Error making world clean."));
             state_.ErrorLine = 90;
             shell_.markWorldClean();
         },
@@ -331,8 +339,9 @@ bool Program::runLoopRound() {
     statement(0, [&] { engineCall(QStringLiteral("getisdirty")); });
     if (state_.RunEngineLoop)
         statement(94, [&] {
-            reporter_.CheckInterpreterResult(engineCall(QStringLiteral("Loop")),
-                                             QStringLiteral("VB MainLoop: Call to PyInterpreter.Loop() failed"));
+            reporter_.CheckInterpreterResult(
+                engineCall(QStringLiteral("Loop")),
+                QStringLiteral("VB MainLoop: Call to PyInterpreter.Loop() failed"));
         });
     statement(96, [&] { shell_.pumpEventsWaiting(nextPumpWaitMs_); });
     state_.ErrorLine = 98;

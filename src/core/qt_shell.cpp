@@ -20,20 +20,29 @@ namespace {
 // integer id; the program has one host now, the opening-scene panel.
 constexpr qint64 kOpeningSceneHostId = 1;
 
-double twipsPerPixelOf(double logicalDpi) { return logicalDpi > 0 ? 1440.0 / logicalDpi : 15.0; }
+double twipsPerPixelOf(double logicalDpi) {
+    return logicalDpi > 0 ? 1440.0 / logicalDpi : 15.0;
+}
 
-QScreen* primaryScreen() { return QGuiApplication::primaryScreen(); }
+QScreen* primaryScreen() {
+    return QGuiApplication::primaryScreen();
+}
 
 } // namespace
 
 QtShell::QtShell(AppState& state, EngineLink& engine, ErrorReporter& reporter)
-    : state_(state), engine_(engine), reporter_(reporter) {}
+    : state_(state), engine_(engine), reporter_(reporter) {
+}
 
 QtShell::~QtShell() = default;
 
-int QtShell::displayBitsPerPixel() { return splash_ ? splash_->displayBitsPerPixel() : 32; }
+int QtShell::displayBitsPerPixel() {
+    return splash_ ? splash_->displayBitsPerPixel() : 32;
+}
 
-void QtShell::createSplash() { splash_ = std::make_unique<SplashScreen>(); }
+void QtShell::createSplash() {
+    splash_ = std::make_unique<SplashScreen>();
+}
 
 void QtShell::showSplash() {
     if (splash_)
@@ -45,9 +54,13 @@ void QtShell::refreshSplash() {
         splash_->repaint();
 }
 
-void QtShell::unloadSplash() { splash_.reset(); }
+void QtShell::unloadSplash() {
+    splash_.reset();
+}
 
-void QtShell::pumpEvents() { QCoreApplication::processEvents(); }
+void QtShell::pumpEvents() {
+    QCoreApplication::processEvents();
+}
 
 void QtShell::pumpEventsWaiting(int maxWaitMs) {
     if (maxWaitMs <= 0) {
@@ -80,11 +93,17 @@ double QtShell::twipsPerPixelY() const {
     return twipsPerPixelOf(primaryScreen() ? primaryScreen()->logicalDotsPerInchY() : 96);
 }
 
-void QtShell::showMainForm() { mainForm_->show(); }
+void QtShell::showMainForm() {
+    mainForm_->show();
+}
 
-void QtShell::setMainFormCaption(const QString& caption) { mainForm_->setWindowTitle(caption); }
+void QtShell::setMainFormCaption(const QString& caption) {
+    mainForm_->setWindowTitle(caption);
+}
 
-qint64 QtShell::openingSceneHostId() const { return kOpeningSceneHostId; }
+qint64 QtShell::openingSceneHostId() const {
+    return kOpeningSceneHostId;
+}
 
 QSize QtShell::openingSceneSizeTwips() const {
     const QSize pixels = mainForm_->OpeningSceneFrame()->size();
@@ -100,19 +119,29 @@ void QtShell::showHelpPage(const QString& page) {
     renderForm_->AlwaysOnTop(renderForm_->Check1Value());
 }
 
-void QtShell::SetSaveName(const QString& name) { mainForm_->SetSaveName(name); }
+void QtShell::SetSaveName(const QString& name) {
+    mainForm_->SetSaveName(name);
+}
 
-void QtShell::setIdleTimerInterval(int ms) { mainForm_->setIdleTimerInterval(ms); }
+void QtShell::setIdleTimerInterval(int ms) {
+    mainForm_->setIdleTimerInterval(ms);
+}
 
-void QtShell::markWorldClean() { mainForm_->worldIsDirty = false; }
+void QtShell::markWorldClean() {
+    mainForm_->worldIsDirty = false;
+}
 
-bool QtShell::HelpFormWanted() const { return state_.HelpFormWanted; }
+bool QtShell::HelpFormWanted() const {
+    return state_.HelpFormWanted;
+}
 
 void QtShell::HandleDifferences(const QVariant& differences) {
     mainForm_->HandleDifferences(differences);
 }
 
-bool QtShell::objectTreeVisible() const { return mainForm_ && mainForm_->objectTreeVisible(); }
+bool QtShell::objectTreeVisible() const {
+    return mainForm_ && mainForm_->objectTreeVisible();
+}
 
 void QtShell::LogMessage(const QString& text) {
     if (mainForm_)

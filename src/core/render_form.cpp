@@ -37,9 +37,13 @@ RenderForm::RenderForm(QWidget* parent)
     applyAccessibleNames(this);
 }
 
-bool RenderForm::Check1Value() const { return check1_->isChecked(); }
+bool RenderForm::Check1Value() const {
+    return check1_->isChecked();
+}
 
-void RenderForm::setCheck1Value(bool onTop) { check1_->setChecked(onTop); }
+void RenderForm::setCheck1Value(bool onTop) {
+    check1_->setChecked(onTop);
+}
 
 void RenderForm::AlwaysOnTop(bool onTop) {
     if (testAttribute(Qt::WA_WState_Created) &&

@@ -33,14 +33,18 @@ QString asRegistryText(const QVariant& value) {
 RegKeys::RegKeys()
     : settings_(std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
                                             QStringLiteral("Halden Institute"),
-                                            QStringLiteral("Vessa47"))) {}
+                                            QStringLiteral("Vessa47"))) {
+}
 
 RegKeys::RegKeys(const QString& iniPath)
-    : settings_(std::make_unique<QSettings>(iniPath, QSettings::IniFormat)) {}
+    : settings_(std::make_unique<QSettings>(iniPath, QSettings::IniFormat)) {
+}
 
 RegKeys::~RegKeys() = default;
 
-QString RegKeys::fileName() const { return settings_->fileName(); }
+QString RegKeys::fileName() const {
+    return settings_->fileName();
+}
 
 QString RegKeys::storedName(const QString& group, const QString& name) const {
     settings_->beginGroup(group);

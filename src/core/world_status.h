@@ -6,7 +6,7 @@ namespace vessa {
 
 // What decides whether the open world holds unsaved work.
 struct WorldStatus {
-    QString worldSaveFile;  // the world's folder; "" for an unnamed world and the default
+    QString worldSaveFile; // the world's folder; "" for an unnamed world and the default
     bool ScriptDirty = false;
     int SceneScriptTab = 0; // 0 opening scene, 1 animations, 2 events
 };
