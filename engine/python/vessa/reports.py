@@ -1,0 +1,54 @@
+"""How a failure in code the engine ran is told: to the user or to the front end."""
+
+import linecache
+import traceback
+
+from .watchdog import CodeTookTooLong
+
+NO_LINE = "-1"
+
+
+def remember_source(tag, text):
+    """Lets tracebacks show the lines of text that was compiled under tag."""
+    lines = text.splitlines(keepends=True)
+    linecache.cache[tag] = (len(text), None, lines, tag)
+
+
+def novice_message(exc):
+    """One line a beginner can read, e.g. "NameError: name 'Bunyy' is not defined"."""
+    if isinstance(exc, CodeTookTooLong):
+        return str(exc)
+    text = exc.msg if isinstance(exc, SyntaxError) else str(exc)
+    name = type(exc).__name__
+    return "%s: %s" % (name, text) if text else name
+
+
+def syntax_detail(exc, tag):
+    """The shape the front end reads for a syntax error:
+    [message, [file name, line, offset, source line]]."""
+    source = (exc.text or "").rstrip("\r\n")
+    return [exc.msg or "", [exc.filename or tag, exc.lineno or 0, exc.offset or 0, source]]
+
+
+def _user_frames(exc, tags):
+    return [frame for frame in traceback.extract_tb(exc.__traceback__)
+            if frame.filename in tags]
+
+
+def line_detail(exc, tags):
+    """The line, as text, of the innermost frame compiled from one of tags."""
+    frames = _user_frames(exc, tags)
+    return str(frames[-1].lineno) if frames else NO_LINE
+
+
+def user_traceback(exc, tags):
+    """The traceback as the user should see it: only their own lines."""
+    if isinstance(exc, SyntaxError) and exc.filename in tags:
+        return "".join(traceback.format_exception_only(type(exc), exc))
+    frames = _user_frames(exc, tags)
+    head = ["Traceback (most recent call last):\n"] if frames else []
+    return "".join(head + traceback.format_list(frames) + [novice_message(exc) + "\n"])
+
+
+def full_traceback(exc):
+    return "".join(traceback.format_exception(type(exc), exc, exc.__traceback__))

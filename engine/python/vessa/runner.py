@@ -1,0 +1,86 @@
+"""Runs Python text in the world's namespace and reports what went wrong.
+
+Failures of the front end's own statements come back as the call's result;
+failures of the user's code go out as difference records.
+"""
+
+import re
+
+from . import records, reports
+
+USER_SOURCES = frozenset({"<Script Text>", "<treeview>", "<Command Line>"})
+
+
+def is_user_code(code):
+    return code.co_filename in USER_SOURCES
+
+
+def split_lines(text):
+    """Lines as the front end's text boxes count them: CR LF, CR or LF ends one."""
+    return re.split(r"\r\n|\r|\n", text)
+
+
+def _has_code(text):
+    return any(line.strip() and not line.lstrip().startswith("#")
+               for line in split_lines(text))
+
+
+class CodeRunner:
+    def __init__(self, namespace, queue, capture, watchdog):
+        self.namespace = namespace
+        self._queue = queue
+        self._capture = capture
+        self._watchdog = watchdog
+
+    def execute(self, text, tag, mode):
+        """Result: None on success, or the failure text for the front end's own
+        sources. "single" runs like an interactive prompt: values are printed."""
+        if mode == "single":
+            if not _has_code(text):
+                return None     # an empty prompt line does nothing
+            text = text if text.endswith("\n") else text + "\n"   # ends a compound statement
+        reports.remember_source(tag, text)
+        with self._capture:
+            try:
+                code = compile(text, tag, mode, dont_inherit=True)
+            except SyntaxError as exc:
+                return self._failed(exc, tag, reports.syntax_detail(exc, tag))
+            except ValueError as exc:   # e.g. an unknown mode or a NUL character
+                return self._failed(exc, tag, reports.NO_LINE)
+            try:
+                with self._watchdog:
+                    exec(code, self.namespace)
+            except BaseException as exc:
+                return self._failed(exc, tag, reports.line_detail(exc, (tag,)))
+        return None
+
+    def execute_lines(self, text, first, last, tag, mode):
+        """Runs lines first to last (zero-based, both included) of text, as if
+        they were the whole text: reported lines count from the first one."""
+        first, last = max(int(first), 0), int(last)
+        if last < first:
+            return None
+        excerpt = "\n".join(split_lines(text)[first:last + 1]) + "\n"
+        return self.execute(excerpt, tag, mode)
+
+    def call(self, function, *args):
+        """Calls user code from the engine (a response, a scheduled call);
+        a failure is reported to the user. Returns True when it succeeded."""
+        with self._capture:
+            try:
+                with self._watchdog:
+                    function(*args)
+            except BaseException as exc:
+                self._report_to_user(exc, reports.line_detail(exc, USER_SOURCES))
+                return False
+        return True
+
+    def _failed(self, exc, tag, detail):
+        if tag not in USER_SOURCES:
+            return reports.full_traceback(exc)
+        self._report_to_user(exc, detail)
+        return None
+
+    def _report_to_user(self, exc, detail):
+        self._queue.write("error", reports.user_traceback(exc, USER_SOURCES))
+        self._queue.add_misc(records.popup_error(reports.novice_message(exc), detail))

@@ -1,0 +1,106 @@
+"""The gateway's method table and what start-up sends."""
+
+import os
+
+from conftest import misc
+
+GATEWAY_METHODS = """
+CheckForDirectX Initialize ScreenWidth ScreenHeight ReadRegistryHomeDir
+ReadRegistryDesktopDir SetHomeDirectory GetHomeDirectory InitializeSound GetVersionText
+IsThereADefaultCamera PreserveDefaultCameraPOV GetSiteSpecific DestroyImageNavigator Close
+Loop flushout PollForMiscDifferences PollForTreeDifferences ExecuteCode ExecuteLines
+getisdirty SetIsDirty OnTheFlyButton LoadWorld SaveScene BackupScene ImportVESFile
+SaveForPlugin SetCameraPosInOpeningScene addobject AddSound AddText isvalidname
+SetCurrentObject PrepareObjectMenu replaceobject loadteddyobject imagenavigator
+setimagenavigatorparent setimagenavigatorsize SetImageNavigatorCollisionDetectionOn
+SetImageNavigatorCollisionDetectionOff StartInspector StopInspector setrenderwindowfocus
+GetFPS CheckForHardwareAcceleration SetAcceleration AddRecentFile GetRecentFiles
+ReorderRecentFiles DeleteRecentFile GetLoopWait SetWatchdogSeconds
+""".split()
+
+
+def test_every_gateway_method_exists_with_its_exact_name(interp):
+    missing = [name for name in GATEWAY_METHODS if not callable(getattr(interp, name, None))]
+    assert missing == []
+
+
+def test_start_up_sequence_as_the_front_end_sends_it(interp):
+    assert interp.CheckForDirectX() is None
+    assert interp.Initialize() is None
+    assert interp.ScreenWidth() > 0 and interp.ScreenHeight() > 0
+    home = interp.ReadRegistryHomeDir()
+    assert home.endswith("/")
+    assert interp.SetHomeDirectory(home) is None
+    assert interp.GetHomeDirectory() == home
+    assert interp.ExecuteCode("import __builtin__", "<Init>", "exec") is None
+    assert interp.GetVersionText()
+    assert interp.ExecuteCode("Vessa._SetDefaultParentWindowHwnd(123)", "<Init>", "exec") is None
+    assert interp.IsThereADefaultCamera()
+    assert interp.ExecuteCode("_CurrentlySelectedObject = Vessa.GetDefaultScene()",
+                              "<Tool>", "exec") is None
+    assert interp.ExecuteCode("PlaySystemSound ('Error')", "<Tool>", "exec") is None
+    assert interp.ExecuteCode("playsystemsound('Selection')", "<Tool>", "exec") is None
+    assert interp.SetIsDirty(0) is None and not interp.getisdirty()
+    assert interp.SetIsDirty(1) is None and interp.getisdirty()
+    assert misc(interp) == []
+
+
+def test_builtin_alias_reaches_the_builtins(interp):
+    assert interp.ExecuteCode("import __builtin__\nassert __builtin__.len('ab') == 2",
+                              "<Init>", "exec") is None
+
+
+def test_home_dir_comes_from_the_environment_when_set(interp, monkeypatch, tmp_path):
+    monkeypatch.setenv("VESSA47_HOME", str(tmp_path))
+    assert interp.ReadRegistryHomeDir() == str(tmp_path) + "/"
+    monkeypatch.delenv("VESSA47_HOME")
+    assert interp.ReadRegistryHomeDir().endswith("/home/")
+
+
+def test_desktop_dir_follows_the_xdg_user_dirs_file(interp, monkeypatch, tmp_path):
+    monkeypatch.delenv("XDG_DESKTOP_DIR", raising=False)
+    monkeypatch.setenv("HOME", str(tmp_path))
+    monkeypatch.setenv("XDG_CONFIG_HOME", str(tmp_path / "cfg"))
+    assert interp.ReadRegistryDesktopDir() == os.path.join(str(tmp_path), "Desktop")
+    (tmp_path / "cfg").mkdir()
+    (tmp_path / "cfg" / "user-dirs.dirs").write_text('XDG_DESKTOP_DIR="$HOME/Bureau"\n')
+    assert interp.ReadRegistryDesktopDir() == str(tmp_path) + "/Bureau"
+
+
+def test_first_tree_poll_names_the_special_ids_then_scene_and_camera(interp):
+    records = interp.PollForTreeDifferences()
+    assert [r[2] for r in records[:2]] == ["none", "junkyard"]
+    none_id = records[0][1]
+    scene = records[2:5]
+    assert [r[0] for r in scene] == ["objectconstruct", "objectparentchange", "objectnamechange"]
+    assert scene[0][2] == "scene" and scene[1][3] == none_id and scene[2][3] == "Scene"
+    camera = records[5:8]
+    assert camera[0][2] == "camera" and camera[1][3] == scene[0][1] and camera[2][3] == "Camera"
+    assert all(isinstance(r[1], str) for r in records)
+    assert interp.PollForTreeDifferences() == []
+
+
+def test_recent_files_keep_order_and_move_a_reopened_world_to_the_top(interp):
+    interp.AddRecentFile("RecentFile1", "/w/A")
+    interp.AddRecentFile("RecentFile2", "/w/B")
+    interp.AddRecentFile("RecentFile3", "/w/a")     # the same world, other case
+    assert interp.GetRecentFiles() == [["RecentFile1", "/w/A"], ["RecentFile2", "/w/B"]]
+    assert interp.ReorderRecentFiles("/w/B") == [["RecentFile1", "/w/B"], ["RecentFile2", "/w/A"]]
+    assert interp.DeleteRecentFile("/W/B") == [["RecentFile1", "/w/A"]]
+    for n in range(12):
+        interp.ReorderRecentFiles("/w/%d" % n)
+    assert len(interp.GetRecentFiles()) == 9
+
+
+def test_isvalidname_accepts_python_names_only(interp):
+    assert interp.isvalidname("Bunny2")
+    assert not interp.isvalidname("2Bunny")
+    assert not interp.isvalidname("my bunny")
+    assert not interp.isvalidname("class")
+
+
+def test_calls_after_close_are_harmless(interp):
+    interp.Close()
+    assert interp.ExecuteCode("x = 1", "<Tool>", "exec") is None
+    assert interp.Loop() is None
+    assert interp.Close() is None
