@@ -24,18 +24,25 @@ function(vessa_library name)
     vessa_target_defaults(${name})
 endfunction()
 
-# vessa_test(name SOURCES ... LIBS ... [LABELS ...])
-# Each test runs headless, with its own settings and home folder.
+# vessa_test(name [GUI] SOURCES ... LIBS ... [LABELS ...])
+# Each test runs headless, with its own settings and home folder. GUI tests get
+# a QApplication for the whole run.
 function(vessa_test name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS" ${ARGN})
-    add_executable(${name} ${ARG_SOURCES})
-    target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gtest GTest::gtest_main GTest::gmock)
+    cmake_parse_arguments(ARG "GUI" "" "SOURCES;LIBS;LABELS" ${ARGN})
+    if(ARG_GUI)
+        add_executable(${name} ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/tests/support/gui_test_main.cpp)
+        target_link_libraries(${name} PRIVATE ${ARG_LIBS} Qt6::Widgets GTest::gtest GTest::gmock)
+    else()
+        add_executable(${name} ${ARG_SOURCES})
+        target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gtest GTest::gtest_main GTest::gmock)
+    endif()
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     vessa_target_defaults(${name})
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     include(GoogleTest)
     gtest_discover_tests(${name}
         PROPERTIES LABELS "${ARG_LABELS}"
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;PYTHONPATH=${VESSA_PYTHON_DIR};VESSA47_HOME=${VESSA_HOME_DIR}/;ALSOFT_DRIVERS=null"
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-config;PYTHONPATH=${VESSA_PYTHON_DIR};VESSA47_HOME=${VESSA_HOME_DIR}/;ALSOFT_DRIVERS=null"
         DISCOVERY_TIMEOUT 60)
 endfunction()
 

@@ -29,6 +29,7 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("CommandLineBox"), QStringLiteral("Command line")},
         {QStringLiteral("GoButton"), QStringLiteral("Run command line")},
         {QStringLiteral("menuBar"), QStringLiteral("Menu bar")},
+        {QStringLiteral("SplitterH1"), QStringLiteral("Divider above the output")},
         // Camera window
         {QStringLiteral("RenderFrame"), QStringLiteral("Running world")},
         {QStringLiteral("Check1"), QStringLiteral("Always keep this window on top")},

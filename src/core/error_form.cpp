@@ -17,8 +17,8 @@ constexpr int kTwipsPerPixel = 15;
 }
 
 ErrorForm::ErrorForm(const ErrorFormContent& content, VersionSource version, QWidget* parent)
-    : QDialog(parent), ErrorTypeLabel_(new QLabel(this)), ErrorLabel_(new QPlainTextEdit(this)),
-      version_(std::move(version)) {
+    : QDialog(parent), content_(content), ErrorTypeLabel_(new QLabel(this)),
+      ErrorLabel_(new QPlainTextEdit(this)), version_(std::move(version)) {
     setObjectName(QStringLiteral("ErrorForm"));
     setWindowTitle(QStringLiteral("Vessa"));
     setModal(true);
@@ -54,10 +54,10 @@ ErrorForm::ErrorForm(const ErrorFormContent& content, VersionSource version, QWi
 }
 
 QString ErrorForm::typeCaption() const {
-    return ErrorTypeLabel_->text();
+    return content_.typeCaption;
 }
 QString ErrorForm::labelText() const {
-    return ErrorLabel_->toPlainText();
+    return content_.labelText;
 }
 
 void ErrorForm::Command1_Click() {

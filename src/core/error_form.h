@@ -24,6 +24,7 @@ public:
     void Command1_Click();
 
 private:
+    ErrorFormContent content_; // the texts as given: the copy keeps their CR LF
     QLabel* ErrorTypeLabel_;
     QPlainTextEdit* ErrorLabel_;
     VersionSource version_;

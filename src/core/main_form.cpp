@@ -165,12 +165,12 @@ int MainForm::SaveChangesPrompt() {
     const auto answer = QMessageBox::question(
         this, QStringLiteral("Vessa47"), QStringLiteral("Save changes to your world first?"),
         QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
-    if (answer == QMessageBox::Cancel || answer == QMessageBox::Escape)
-        return 2;
-    if (answer == QMessageBox::No)
-        return 1;
-    FileSaveMenuButton_Click();
-    return 0;
+    if (answer == QMessageBox::Yes) {
+        FileSaveMenuButton_Click();
+        return 0;
+    }
+    // A box closed without a choice keeps the world open, as Cancel does.
+    return answer == QMessageBox::No ? 1 : 2;
 }
 
 void MainForm::FileSaveMenuButton_Click() {
