@@ -39,11 +39,16 @@ function(vessa_test name)
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     vessa_target_defaults(${name})
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    # Every test, and its listing at build time, runs headless with a settings
+    # folder, home folder and engine package of the build's own.
+    set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR
+        "${CMAKE_COMMAND};-E;env;QT_QPA_PLATFORM=offscreen;XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-config;PYTHONPATH=${VESSA_PYTHON_DIR};VESSA47_HOME=${VESSA_HOME_DIR}/;ALSOFT_DRIVERS=null")
     include(GoogleTest)
-    gtest_discover_tests(${name}
-        PROPERTIES LABELS "${ARG_LABELS}"
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-config;PYTHONPATH=${VESSA_PYTHON_DIR};VESSA47_HOME=${VESSA_HOME_DIR}/;ALSOFT_DRIVERS=null"
-        DISCOVERY_TIMEOUT 60)
+    set(labels ${ARG_LABELS})
+    if(NOT labels)
+        set(labels unit)
+    endif()
+    gtest_discover_tests(${name} PROPERTIES LABELS "${labels}" DISCOVERY_TIMEOUT 60)
 endfunction()
 
 # vessa_benchmark(name SOURCES ... LIBS ...)
