@@ -114,9 +114,7 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     setCentralWidget(split);
     resize(9000 / 15, 9360 / 15);
 
-    MainLoopTimer.setObjectName(QStringLiteral("MainLoopTimer"));
     IdleTimer.setObjectName(QStringLiteral("IdleTimer"));
-    StatsTimer.setObjectName(QStringLiteral("StatsTimer"));
     connect(&IdleTimer, &QTimer::timeout, this, &MainForm::IdleTimer_Timer);
 
     applyAccessibleNames(this);

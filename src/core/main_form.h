@@ -72,9 +72,9 @@ private:
     WorldStatus world_;
     QTextEdit* outputText_;
     QFrame* openingSceneFrame_;
+    // Keeps the engine stepping while a dialog or an external tool holds the
+    // main loop.
     QTimer IdleTimer;
-    QTimer MainLoopTimer;
-    QTimer StatsTimer;
     bool cleanedUp_ = false;
 };
 
