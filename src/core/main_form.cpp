@@ -2,6 +2,7 @@
 
 #include "core/accessible_names.h"
 #include "core/error_form.h"
+#include "core/output_limits.h"
 #include "core/render_form.h"
 
 #include <QApplication>
@@ -104,6 +105,7 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     outputText_->setReadOnly(true);
     outputText_->setAcceptRichText(false);
     outputText_->setLineWrapMode(QTextEdit::WidgetWidth);
+    outputText_->document()->setMaximumBlockCount(kOutputPaneLines);
 
     auto* split = new QSplitter(Qt::Vertical, this);
     split->setObjectName(QStringLiteral("SplitterH1"));
@@ -261,7 +263,7 @@ void MainForm::appendOutput(const QString& text, const QColor& color) {
     cursor.movePosition(QTextCursor::End);
     QTextCharFormat format;
     format.setForeground(color);
-    cursor.insertText(text, format);
+    cursor.insertText(cutLongLines(text), format);
     outputText_->ensureCursorVisible();
 }
 
@@ -269,7 +271,7 @@ void MainForm::PrintOutput(const QString& text) {
     QTextCursor cursor = outputText_->textCursor();
     QTextCharFormat format;
     format.setForeground(QColor(0, 0, 0));
-    cursor.insertText(text + QLatin1Char('\n'), format);
+    cursor.insertText(cutLongLines(text) + QLatin1Char('\n'), format);
 }
 
 void MainForm::LogMessage(const QString& text) {

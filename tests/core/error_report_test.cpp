@@ -1,4 +1,5 @@
 #include "core/error_report.h"
+#include "core/output_limits.h"
 
 #include <gtest/gtest.h>
 
@@ -107,4 +108,12 @@ TEST(InternalErrorContent, ShowsVersionMessageAndConvertedResult) {
     EXPECT_TRUE(content.typeCaption.contains(kSupportAddress));
     EXPECT_EQ(content.heightTwips, 5070);
     EXPECT_EQ(content.widthTwips, 8535);
+}
+
+TEST(CutLongLines, OnlyLinesPastTheLimitAreCutAndLineEndsStay) {
+    EXPECT_EQ(cutLongLines(QStringLiteral("short\nlines\n"), 5), QStringLiteral("short\nlines\n"));
+    EXPECT_EQ(cutLongLines(QStringLiteral("abcdefgh\nok"), 5),
+              QStringLiteral("abcde [... 3 more characters]\nok"));
+    EXPECT_EQ(cutLongLines(QStringLiteral("abcdefgh"), 5),
+              QStringLiteral("abcde [... 3 more characters]"));
 }
