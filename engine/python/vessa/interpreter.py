@@ -7,13 +7,17 @@ otherwise; user code never fails a call: its errors go out as records.
 
 import keyword
 
-from . import compat, namespace, places
+from . import compat, events, namespace, places, records
+from .animation import Animator
+from .backend import PythonBackend
 from .capture import Capture
-from .clock import Scheduler, WallClock
+from .clock import WallClock
+from .handbasket import Handbasket
 from .recent import RecentFiles
 from .records import DifferenceQueue
 from .runner import CodeRunner, is_user_code
 from .scene import Scene
+from .undo import UndoStack
 from .watchdog import Watchdog
 
 VERSION = "0.1.0"
@@ -33,18 +37,32 @@ NOT_YET = (
 
 
 class Interpreter:
-    def __init__(self, clock=None):
+    def __init__(self, clock=None, backend=None):
+        """clock and backend are for tests and for a compiled backend."""
         compat.install()
         self._queue = DifferenceQueue()
         self._watchdog = Watchdog(is_user_code)
-        self._scheduler = Scheduler(clock or WallClock())
         self._recent = RecentFiles()
         self._home = places.home_dir()
         self._dirty = False
-        self._scene = Scene(self._queue)
-        self._scene.create("camera", "Camera", self._scene.root)
-        self._runner = CodeRunner(namespace.build(self._scene), self._queue,
+        self.animator = Animator(backend or PythonBackend(), clock or WallClock(),
+                                 lambda active: self._queue.add_misc(records.active_changed(active)))
+        self.undo = UndoStack(lambda empty: self._queue.add_misc(records.undo_empty_change(empty)))
+        self.scene = Scene(self._queue, self.animator.backend, self.animator, self._mark_dirty)
+        self.scene.remember = lambda step: self.undo.push(step)
+        self.handbasket = Handbasket(self.scene, self.animator, self.undo)
+        with self.undo.quiet():
+            self.scene.create("camera", "Camera", self.scene.root)
+        self.scene.namespace = namespace.build(self)
+        self._runner = CodeRunner(self.scene.namespace, self._queue,
                                   Capture(self._queue), self._watchdog)
+
+    def _mark_dirty(self):
+        self._dirty = True
+
+    def default_camera(self):
+        cameras = self.scene.cameras()
+        return cameras[0] if cameras else None
 
     # -- start-up and shut-down ---------------------------------------------
 
@@ -77,7 +95,7 @@ class Interpreter:
         return VERSION
 
     def IsThereADefaultCamera(self):
-        return bool(self._scene.cameras())
+        return bool(self.scene.cameras())
 
     def GetSiteSpecific(self):
         return []
@@ -92,14 +110,34 @@ class Interpreter:
     # -- running and polling ------------------------------------------------
 
     def Loop(self):
-        self._scheduler.run_due()
+        self.animator.step()
         return None
 
     def GetLoopWait(self):
         """Milliseconds until Loop() has something to do: 0 while anything
         runs, -1 when nothing is scheduled. Lets the front end sleep."""
-        seconds = self._scheduler.seconds_to_next()
-        return -1 if seconds is None else int(seconds * 1000)
+        return 0 if self.animator.busy() else -1
+
+    def KeyEvent(self, kind, key, rawkey):
+        """A key went down or up in the camera window ("KeyDown", "A", 65)."""
+        everyone = [t.responses for t in self.scene.living()]
+        everyone += [t._Window.responses for t in self.scene.cameras()]
+        event = events.Event(str(kind), str(key), int(rawkey))
+        self._respond(everyone, event)
+
+    def MouseEvent(self, kind, objectName):
+        """A mouse button went down or up on an object ("" for none)."""
+        thing = self.scene.find(objectName) if objectName else None
+        listeners = [t._Window.responses for t in self.scene.cameras()]
+        while thing is not None:
+            listeners.append(thing.responses)
+            thing = thing.parent
+        self._respond(listeners, events.Event(str(kind), thing=self.scene.find(objectName or "")))
+
+    def _respond(self, listeners, event):
+        for responses in listeners:
+            events.respond(responses.get(event.kind), event, self._runner.call)
+        return None
 
     def flushout(self):
         self._queue.flush()
