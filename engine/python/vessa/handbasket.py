@@ -58,6 +58,9 @@ class Handbasket:
         self._saved = None
         self._undo_mark = 0
 
+    def forget(self):
+        self._saved = None
+
     def preserve(self):
         self._saved = snapshot(self._scene)
         self._undo_mark = self._undo.mark()

@@ -7,7 +7,7 @@ otherwise; user code never fails a call: its errors go out as records.
 
 import keyword
 
-from . import compat, events, namespace, places, records
+from . import compat, events, namespace, places, records, scenefile
 from .animation import Animator
 from .backend import PythonBackend
 from .capture import Capture
@@ -27,7 +27,7 @@ SCREEN_SIZE = (1920, 1080)
 # to the scene file, drawing, sound and tool stages still to come.
 NOT_YET = (
     "InitializeSound", "PreserveDefaultCameraPOV", "OnTheFlyButton",
-    "LoadWorld", "SaveScene", "BackupScene", "ImportVESFile", "SaveForPlugin",
+    "BackupScene", "ImportVESFile", "SaveForPlugin",
     "SetCameraPosInOpeningScene", "addobject", "AddSound", "AddText",
     "SetCurrentObject", "replaceobject", "loadteddyobject",
     "imagenavigator", "setimagenavigatorparent", "setimagenavigatorsize",
@@ -169,6 +169,33 @@ class Interpreter:
         return None
 
     # -- worlds and objects -------------------------------------------------
+
+    def LoadWorld(self, folder):
+        """Replaces the scene with the folder's World_Scene.py. A file that is
+        not a scene file changes nothing and is reported as an error."""
+        try:
+            objects = scenefile.read(str(folder))
+        except scenefile.SceneFileError as exc:
+            self._queue.write("error", str(exc) + "\n")
+            return str(exc)
+        self.animator.stop_all()
+        with self.undo.quiet():
+            scenefile.load(self.scene, objects)
+        self.undo.truncate(0)
+        self.handbasket.forget()
+        self.scene.root.responses.restore({})
+        names = self.scene.namespace
+        names.clear()
+        names.update(namespace.build(self))
+        self._dirty = False
+        return None
+
+    def SaveScene(self, folder):
+        try:
+            scenefile.write(self.scene, str(folder))
+        except OSError as exc:
+            return "SaveScene: %s can't be written: %s" % (folder, exc.strerror)
+        return None
 
     def isvalidname(self, text):
         text = str(text)
