@@ -148,3 +148,27 @@ def test_handbasket_puts_back_a_scene_that_a_run_has_wrecked(world):
     assert world.scene.find("Camera").GetPosition() == pytest.approx([0, 0, 0])
     tree = [r[0] for r in world.PollForTreeDifferences()]
     assert "objectresurrect" in tree and "objectdestruct" in tree and "objectnamechange" in tree
+
+
+def test_the_python_2_statistics_statement_runs_from_the_front_end(world):
+    make_bunny(world)
+    o = "Bunny"
+    code = ("print " + o + ".GetName()+': '+ `len([" + o + "]+" + o + ".GetChildren(All))` + "
+            "' objects, '+`" + o + ".GetFaceCount()` + ' faces, ' + `" + o + ".GetVertexCount()` "
+            "+ ' vertices'")
+    assert world.ExecuteCode(code, "<Tool>", "exec") is None
+    assert misc(world)[-1] == ["output", "Bunny: 2 objects, 0 faces, 0 vertices\n"]
+    world.ExecuteCode("print `1`", "<Command Line>", "exec")
+    assert tagged(misc(world), "popuperrordialog")      # the user's own code stays Python 3
+
+
+def test_object_menu_description_follows_the_object(world):
+    make_bunny(world)
+    run(world, "Bunny.SetFillingStyle(Lines)\nBunny.SetLightingStyle(UnLit)\nBunny.SetTexture(None)",
+        steps=False)
+    menu = world.PrepareObjectMenu("bunny")
+    assert menu[0] is True and menu[4] is True and menu[5] is True
+    assert menu[6:] == [0, 64, 0]
+    assert world.PrepareObjectMenu("Bunny.Head")[5] is False
+    world.SetCurrentObject("Bunny")
+    assert world.ExecuteCode("assert _CurrentlySelectedObject is Bunny", "<Tool>", "exec") is None

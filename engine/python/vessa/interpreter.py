@@ -5,8 +5,6 @@ lists. A call that can fail answers None on success and the failure text
 otherwise; user code never fails a call: its errors go out as records.
 """
 
-import keyword
-
 from . import compat, events, namespace, places, records, scenefile
 from .animation import Animator
 from .backend import PythonBackend
@@ -29,7 +27,7 @@ NOT_YET = (
     "InitializeSound", "PreserveDefaultCameraPOV", "OnTheFlyButton",
     "BackupScene", "ImportVESFile", "SaveForPlugin",
     "SetCameraPosInOpeningScene", "addobject", "AddSound", "AddText",
-    "SetCurrentObject", "replaceobject", "loadteddyobject",
+    "replaceobject", "loadteddyobject",
     "imagenavigator", "setimagenavigatorparent", "setimagenavigatorsize",
     "SetImageNavigatorCollisionDetectionOn", "SetImageNavigatorCollisionDetectionOff",
     "StartInspector", "StopInspector", "setrenderwindowfocus", "SetAcceleration",
@@ -198,11 +196,25 @@ class Interpreter:
         return None
 
     def isvalidname(self, text):
-        text = str(text)
-        return text.isidentifier() and not keyword.iskeyword(text)
+        """The text can name a new object: a Python name no object uses."""
+        return self.scene.is_free_name(str(text))
+
+    def SetCurrentObject(self, name):
+        thing = self.scene.find(str(name))
+        if thing is not None:
+            self.scene.namespace["_CurrentlySelectedObject"] = thing
+        return None
 
     def PrepareObjectMenu(self, name):
-        return []
+        """[camera present, name, kind, id, is a model, first class,
+        lit (-1) or unlit (0), filling (0 points, 64 lines, 128 solid), texture (1/0)]."""
+        thing = self.scene.find(str(name))
+        if thing is None:
+            return []
+        filling = {"points": 0, "lines": 64}.get(thing.filling.lower(), 128)
+        return [bool(self.scene.cameras()), thing.name, thing.kind, str(thing.id),
+                thing.kind == "model", thing.first_class,
+                -1 if thing.lighting.lower() == "lit" else 0, filling, 1 if thing.texture else 0]
 
     # -- camera window ------------------------------------------------------
 
