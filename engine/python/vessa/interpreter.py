@@ -181,6 +181,7 @@ class Interpreter:
             scenefile.load(self.scene, objects)
         self.undo.truncate(0)
         self.handbasket.forget()
+        self.scene.purge_dead()
         self.scene.root.responses.restore({})
         names = self.scene.namespace
         names.clear()

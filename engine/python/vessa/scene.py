@@ -356,6 +356,12 @@ class Scene:
         self._queue.add_tree(records.object_resurrect(thing.id))
         self.changed()
 
+    def purge_dead(self):
+        """Forgets destroyed objects once nothing (undo, handbasket) can bring them back."""
+        for thing in [t for t in self.things.values() if not t.alive]:
+            del self.things[thing.id]
+            self.backend.remove_node(thing.id)
+
     def copy(self, thing, parent=None, name=None):
         parent = parent or thing.parent
         if name is None:

@@ -43,9 +43,13 @@ def _statement(scene, thing):
     fields = {"kind": thing.kind, "name": thing.local_name,
               "parent": thing.parent.name if thing.parent else None,
               "firstclass": thing.first_class}
-    fields.update({c: tuple(round(x, 9) for x in scene.backend.get(thing.id, c))
-                   for c in DEFAULT_VALUES})
-    fields.update({a: getattr(thing, a) for a in STYLE_DEFAULTS})
+    for channel, default in DEFAULT_VALUES.items():
+        value = tuple(round(x, 9) for x in scene.backend.get(thing.id, channel))
+        if value != default:
+            fields[channel] = value
+    # values left out are the defaults, which is what the reader assumes
+    fields.update({a: getattr(thing, a) for a, default in STYLE_DEFAULTS.items()
+                   if getattr(thing, a) != default})
     return "Object(%s)\r\n" % ", ".join("%s=%r" % item for item in fields.items())
 
 
@@ -68,11 +72,27 @@ def _fail(line, message):
     raise SceneFileError("%s line %d: %s" % (FILE_NAME, line, message))
 
 
+def _number(node):
+    if isinstance(node, ast.UnaryOp) and isinstance(node.op, ast.USub):
+        value = _number(node.operand)
+        return None if value is None else -value
+    if isinstance(node, ast.Constant) and type(node.value) in (int, float):
+        return node.value
+    return None
+
+
 def _literal(node, line):
-    try:
-        return ast.literal_eval(node)
-    except (ValueError, TypeError, SyntaxError, MemoryError, RecursionError):
+    """A text, number, truth value, None, or a tuple of numbers; nothing else."""
+    if isinstance(node, ast.Constant) and type(node.value) in (str, int, float, bool, type(None)):
+        return node.value
+    if isinstance(node, (ast.Tuple, ast.List)):
+        numbers = tuple(_number(element) for element in node.elts)
+        if None not in numbers:
+            return numbers
+    value = _number(node)
+    if value is None:
         _fail(line, "only plain values may stand here")
+    return value
 
 
 def _fields(statement):
