@@ -97,6 +97,7 @@ def test_isvalidname_accepts_python_names_only(interp):
     assert not interp.isvalidname("2Bunny")
     assert not interp.isvalidname("my bunny")
     assert not interp.isvalidname("class")
+    assert not interp.isvalidname("camera")     # taken, whatever the case
 
 
 def test_calls_after_close_are_harmless(interp):

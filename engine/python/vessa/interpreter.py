@@ -5,15 +5,17 @@ lists. A call that can fail answers None on success and the failure text
 otherwise; user code never fails a call: its errors go out as records.
 """
 
-import keyword
-
-from . import compat, namespace, places
+from . import compat, events, namespace, places, records, scenefile
+from .animation import Animator
+from .backend import PythonBackend
 from .capture import Capture
-from .clock import Scheduler, WallClock
+from .clock import WallClock
+from .handbasket import Handbasket
 from .recent import RecentFiles
 from .records import DifferenceQueue
 from .runner import CodeRunner, is_user_code
 from .scene import Scene
+from .undo import UndoStack
 from .watchdog import Watchdog
 
 VERSION = "0.1.0"
@@ -23,9 +25,9 @@ SCREEN_SIZE = (1920, 1080)
 # to the scene file, drawing, sound and tool stages still to come.
 NOT_YET = (
     "InitializeSound", "PreserveDefaultCameraPOV", "OnTheFlyButton",
-    "LoadWorld", "SaveScene", "BackupScene", "ImportVESFile", "SaveForPlugin",
+    "BackupScene", "ImportVESFile", "SaveForPlugin",
     "SetCameraPosInOpeningScene", "addobject", "AddSound", "AddText",
-    "SetCurrentObject", "replaceobject", "loadteddyobject",
+    "replaceobject", "loadteddyobject",
     "imagenavigator", "setimagenavigatorparent", "setimagenavigatorsize",
     "SetImageNavigatorCollisionDetectionOn", "SetImageNavigatorCollisionDetectionOff",
     "StartInspector", "StopInspector", "setrenderwindowfocus", "SetAcceleration",
@@ -33,18 +35,32 @@ NOT_YET = (
 
 
 class Interpreter:
-    def __init__(self, clock=None):
+    def __init__(self, clock=None, backend=None):
+        """clock and backend are for tests and for a compiled backend."""
         compat.install()
         self._queue = DifferenceQueue()
         self._watchdog = Watchdog(is_user_code)
-        self._scheduler = Scheduler(clock or WallClock())
         self._recent = RecentFiles()
         self._home = places.home_dir()
         self._dirty = False
-        self._scene = Scene(self._queue)
-        self._scene.create("camera", "Camera", self._scene.root)
-        self._runner = CodeRunner(namespace.build(self._scene), self._queue,
+        self.animator = Animator(backend or PythonBackend(), clock or WallClock(),
+                                 lambda active: self._queue.add_misc(records.active_changed(active)))
+        self.undo = UndoStack(lambda empty: self._queue.add_misc(records.undo_empty_change(empty)))
+        self.scene = Scene(self._queue, self.animator.backend, self.animator, self._mark_dirty)
+        self.scene.remember = lambda step: self.undo.push(step)
+        self.handbasket = Handbasket(self.scene, self.animator, self.undo)
+        with self.undo.quiet():
+            self.scene.create("camera", "Camera", self.scene.root)
+        self.scene.namespace = namespace.build(self)
+        self._runner = CodeRunner(self.scene.namespace, self._queue,
                                   Capture(self._queue), self._watchdog)
+
+    def _mark_dirty(self):
+        self._dirty = True
+
+    def default_camera(self):
+        cameras = self.scene.cameras()
+        return cameras[0] if cameras else None
 
     # -- start-up and shut-down ---------------------------------------------
 
@@ -77,7 +93,7 @@ class Interpreter:
         return VERSION
 
     def IsThereADefaultCamera(self):
-        return bool(self._scene.cameras())
+        return bool(self.scene.cameras())
 
     def GetSiteSpecific(self):
         return []
@@ -92,14 +108,34 @@ class Interpreter:
     # -- running and polling ------------------------------------------------
 
     def Loop(self):
-        self._scheduler.run_due()
+        self.animator.step()
         return None
 
     def GetLoopWait(self):
         """Milliseconds until Loop() has something to do: 0 while anything
         runs, -1 when nothing is scheduled. Lets the front end sleep."""
-        seconds = self._scheduler.seconds_to_next()
-        return -1 if seconds is None else int(seconds * 1000)
+        return 0 if self.animator.busy() else -1
+
+    def KeyEvent(self, kind, key, rawkey):
+        """A key went down or up in the camera window ("KeyDown", "A", 65)."""
+        everyone = [t.responses for t in self.scene.living()]
+        everyone += [t._Window.responses for t in self.scene.cameras()]
+        event = events.Event(str(kind), str(key), int(rawkey))
+        self._respond(everyone, event)
+
+    def MouseEvent(self, kind, objectName):
+        """A mouse button went down or up on an object ("" for none)."""
+        thing = self.scene.find(objectName) if objectName else None
+        listeners = [t._Window.responses for t in self.scene.cameras()]
+        while thing is not None:
+            listeners.append(thing.responses)
+            thing = thing.parent
+        self._respond(listeners, events.Event(str(kind), thing=self.scene.find(objectName or "")))
+
+    def _respond(self, listeners, event):
+        for responses in listeners:
+            events.respond(responses.get(event.kind), event, self._runner.call)
+        return None
 
     def flushout(self):
         self._queue.flush()
@@ -132,12 +168,54 @@ class Interpreter:
 
     # -- worlds and objects -------------------------------------------------
 
+    def LoadWorld(self, folder):
+        """Replaces the scene with the folder's World_Scene.py. A file that is
+        not a scene file changes nothing and is reported as an error."""
+        try:
+            objects = scenefile.read(str(folder))
+        except scenefile.SceneFileError as exc:
+            self._queue.write("error", str(exc) + "\n")
+            return str(exc)
+        self.animator.stop_all()
+        with self.undo.quiet():
+            scenefile.load(self.scene, objects)
+        self.undo.truncate(0)
+        self.handbasket.forget()
+        self.scene.purge_dead()
+        self.scene.root.responses.restore({})
+        names = self.scene.namespace
+        names.clear()
+        names.update(namespace.build(self))
+        self._dirty = False
+        return None
+
+    def SaveScene(self, folder):
+        try:
+            scenefile.write(self.scene, str(folder))
+        except OSError as exc:
+            return "SaveScene: %s can't be written: %s" % (folder, exc.strerror)
+        return None
+
     def isvalidname(self, text):
-        text = str(text)
-        return text.isidentifier() and not keyword.iskeyword(text)
+        """The text can name a new object: a Python name no object uses."""
+        return self.scene.is_free_name(str(text))
+
+    def SetCurrentObject(self, name):
+        thing = self.scene.find(str(name))
+        if thing is not None:
+            self.scene.namespace["_CurrentlySelectedObject"] = thing
+        return None
 
     def PrepareObjectMenu(self, name):
-        return []
+        """[camera present, name, kind, id, is a model, first class,
+        lit (-1) or unlit (0), filling (0 points, 64 lines, 128 solid), texture (1/0)]."""
+        thing = self.scene.find(str(name))
+        if thing is None:
+            return []
+        filling = {"points": 0, "lines": 64}.get(thing.filling.lower(), 128)
+        return [bool(self.scene.cameras()), thing.name, thing.kind, str(thing.id),
+                thing.kind == "model", thing.first_class,
+                -1 if thing.lighting.lower() == "lit" else 0, filling, 1 if thing.texture else 0]
 
     # -- camera window ------------------------------------------------------
 

@@ -2,17 +2,31 @@
 
 import builtins
 
+from . import vocabulary
+from .animation import DoInOrder, DoTogether
+
+
+class UndoNames:
+    """`Vessa.Undo`: Push(None, '[') ... Push(None, ']') groups steps."""
+
+    def __init__(self, stack):
+        self._stack = stack
+
+    def Push(self, step, bracket=None):
+        self._stack.push(step, bracket)
+
 
 class VessaNames:
     """The object called `Vessa` in the world's namespace."""
 
-    def __init__(self, scene):
-        self._scene = scene
+    def __init__(self, engine):
+        self._engine = engine
+        self.Undo = UndoNames(engine.undo)
         self.default_parent_window = 0
         self.respond_to_mouse = 0
 
     def GetDefaultScene(self):
-        return self._scene.root
+        return self._engine.scene.root
 
     def _SetDefaultParentWindowHwnd(self, handle):
         self.default_parent_window = int(handle)
@@ -21,16 +35,32 @@ class VessaNames:
         self.respond_to_mouse = int(tool)
 
 
-def play_system_sound(name):
-    """Interface sounds ("Error", "Selection", ...): silent until sound output exists."""
+def _silent(*args):
+    """Sounds are silent until sound output exists."""
 
 
-def build(scene):
-    namespace = {"__name__": "__main__", "__builtins__": builtins}
-    namespace["Vessa"] = VessaNames(scene)
-    namespace["PlaySystemSound"] = play_system_sound
-    namespace["playsystemsound"] = play_system_sound
-    for thing in scene.things.values():
-        namespace[thing.name] = thing
-    namespace["_CurrentlySelectedObject"] = scene.root
-    return namespace
+def build(engine):
+    """engine offers scene, animator, undo and handbasket."""
+    scene, animator = engine.scene, engine.animator
+    names = {"__name__": "__main__", "__builtins__": builtins}
+    names.update(vocabulary.WORDS)
+    names.update({
+        "Vessa": VessaNames(engine),
+        "DoInOrder": lambda *animations: animator.block(DoInOrder, animations),
+        "DoTogether": lambda *animations: animator.block(DoTogether, animations),
+        "Wait": scene.root.Wait,
+        "PlaySound": scene.root.PlaySound,
+        "PlaySystemSound": _silent,
+        "playsystemsound": _silent,
+        "Playsound": _silent,
+        "undo": engine.undo.undo,
+        "PreserveHandbasket": engine.handbasket.preserve,
+        "RestoreHandbasket": engine.handbasket.restore,
+        "MakeThisTheOpeningScene": engine.handbasket.preserve,
+        "getdefaultcamera": engine.default_camera,
+        "_CurrentlySelectedObject": scene.root,
+    })
+    for thing in scene.living():
+        if thing.first_class:
+            names[thing.name] = thing
+    return names

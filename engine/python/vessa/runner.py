@@ -6,7 +6,7 @@ failures of the user's code go out as difference records.
 
 import re
 
-from . import records, reports
+from . import compat, records, reports
 
 USER_SOURCES = frozenset({"<Script Text>", "<treeview>", "<Command Line>"})
 
@@ -42,7 +42,7 @@ class CodeRunner:
         reports.remember_source(tag, text)
         with self._capture:
             try:
-                code = compile(text, tag, mode, dont_inherit=True)
+                code = self._compile(text, tag, mode)
             except SyntaxError as exc:
                 return self._failed(exc, tag, reports.syntax_detail(exc, tag))
             except ValueError as exc:   # e.g. an unknown mode or a NUL character
@@ -53,6 +53,20 @@ class CodeRunner:
             except BaseException as exc:
                 return self._failed(exc, tag, reports.line_detail(exc, (tag,)))
         return None
+
+    @staticmethod
+    def _compile(text, tag, mode):
+        try:
+            return compile(text, tag, mode, dont_inherit=True)
+        except SyntaxError:
+            if tag in USER_SOURCES:
+                raise
+            # the front end's own statements may still be in Python 2 form
+            try:
+                return compile(compat.modernize(text), tag, mode, dont_inherit=True)
+            except SyntaxError:
+                pass
+            raise
 
     def execute_lines(self, text, first, last, tag, mode):
         """Runs lines first to last (zero-based, both included) of text, as if

@@ -1,29 +1,209 @@
 """The live scene: its objects, their names and family, and the records that
-keep the front end's object tree in step with it."""
+keep the front end's object tree in step with it.
+
+A first-class object is known by its own name, which is a name in the world's
+namespace. A part belongs to its parent and is known by a dotted name
+(`Bunny.Head`), reached as an attribute of the parent. Positions and
+orientations are relative to the parent; the backend holds them.
+"""
 
 import itertools
+import keyword
 
+from . import geometry as g
 from . import records
+from . import vocabulary as v
+from .animation import DoInOrder
+from .commands import Commands
+from .events import Responses, Window
+from .mistakes import Mistake
+
+DEFAULT_VALUES = {"position": (0.0, 0.0, 0.0), "orientation": g.IDENTITY,
+                  "size": (1.0, 1.0, 1.0), "color": (1.0, 1.0, 1.0)}
+
+# What an object is besides its transform and color; saved, copied and
+# put back by the handbasket as they stand.
+STYLE_DEFAULTS = {"visible": True, "filling": "Solid", "lighting": "Lit", "texture": True,
+                  "model": "", "vertex_count": 0, "face_count": 0}
 
 
-class Thing:
+class Thing(Commands):
     """An object of the scene: the scene itself, a camera, a light or a model."""
 
-    def __init__(self, scene, kind, name):
-        self._scene = scene
+    def __init__(self, scene, kind, name, first_class=True):
+        self.scene = scene
         self.id = scene.new_id()
         self.kind = kind
-        self.name = name
+        self.local_name = name
+        self.first_class = first_class
         self.parent = None
         self.children = []
+        self.alive = True
+        self.responses = Responses()
+        if kind == "camera":
+            self._Window = Window()
+        for attribute, value in STYLE_DEFAULTS.items():
+            setattr(self, attribute, value)
 
     def __repr__(self):
         return self.name
 
+    def __getattr__(self, attribute):
+        if attribute.startswith("_") or "scene" not in self.__dict__:
+            raise AttributeError(attribute)
+        for child in self.children:
+            if not child.first_class and child.local_name.lower() == attribute.lower():
+                return child
+        raise AttributeError("%s has no part or command called %s" % (self.name, attribute))
+
+    @property
+    def name(self):
+        if self.first_class or self.parent is None:
+            return self.local_name
+        return self.parent.name + "." + self.local_name
+
+    # -- transform and look, kept by the backend -----------------------------
+
+    def _channel(self, channel):
+        return self.scene.backend.get(self.id, channel)
+
+    position = property(lambda self: self._channel("position"))
+    orientation = property(lambda self: self._channel("orientation"))
+    size = property(lambda self: self._channel("size"))
+    color = property(lambda self: self._channel("color"))
+
+    def world_orientation(self):
+        if self.parent is None:
+            return self.orientation
+        return g.quat_mul(self.parent.world_orientation(), self.orientation)
+
+    def world_position(self):
+        if self.parent is None:
+            return self.position
+        parent = self.parent
+        return g.add(parent.world_position(), g.rotate(parent.world_orientation(), self.position))
+
+    def family(self, how_much="objectandparts"):
+        """self and the descendants that a HowMuch value takes along."""
+        found = [self]
+        for child in self.children:
+            if how_much == "objectandchildren" or (how_much == "objectandparts"
+                                                   and not child.first_class):
+                found.extend(child.family(how_much))
+        return found
+
+    def set_visible(self, visible):
+        self.visible = bool(visible)
+        self.scene.changed()
+
+    # -- questions a world may ask ----------------------------------------
+
+    def GetName(self):
+        return self.name
+
+    def GetPosition(self):
+        """Where the object is in the scene, as [x, y, z] in meters."""
+        return list(self.world_position())
+
+    def GetSize(self):
+        return list(self.size)
+
+    def GetColor(self):
+        return list(self.color)
+
+    def IsVisible(self):
+        return self.visible
+
+    def GetParent(self):
+        return self.parent
+
+    def GetChildren(self, which=None):
+        """The children; with All, every descendant."""
+        if which is not None and v.key(which) == "all":
+            return [t for child in self.children for t in child.family("objectandchildren")]
+        return list(self.children)
+
+    def DistanceTo(self, other):
+        return g.length(g.sub(self.world_position(), self.scene.thing(other).world_position()))
+
+    def GetVertexCount(self):
+        return sum(t.vertex_count for t in self.family())
+
+    def GetFaceCount(self):
+        return sum(t.face_count for t in self.family())
+
+    # -- edits from the object menu and the trees ---------------------------
+
+    def Rename(self, new_name):
+        self.scene.rename(self, str(new_name))
+
+    rename = Rename
+
+    def becomepart(self):
+        self.scene.set_first_class(self, False)
+
+    def becomefirstclass(self):
+        self.scene.set_first_class(self, True)
+
+    def Copy(self):
+        """A new object like this one, with copies of its parts, beside it."""
+        return self.scene.copy(self)
+
+    def SetFillingStyle(self, style):
+        self._set_style("filling", style, "filling", "Solid, Lines or Points")
+
+    def SetLightingStyle(self, style):
+        self._set_style("lighting", style, "lighting", "Lit or UnLit")
+
+    def _set_style(self, attribute, value, kind, choices):
+        if not v.is_word(value, kind):
+            raise Mistake("%s: the style must be %s" % (self.name, choices))
+        for thing in self.family():
+            setattr(thing, attribute, str(value))
+        self.scene.changed()
+
+    def SetTexture(self, *texture):
+        """SetTexture() shows the object's picture, SetTexture(None) hides it."""
+        for thing in self.family():
+            thing.texture = not texture or texture[0] is not None
+        self.scene.changed()
+
+    def pause(self):
+        """Stops every animation that is running."""
+        self.scene.animator.stop_all()
+
+    def pointat(self, other):
+        return self.PointAt(other, Duration=0)
+
+    def getagoodlookat(self, other):
+        """Moves to where other is seen whole, and looks at it."""
+        other = self.scene.thing(other)
+
+        def prepare():
+            target = other.world_position()
+            back = g.rotate(self.world_orientation(), (0.0, 0.0, -1.0))
+            distance = 2.0 * max(other.size) + 1.0
+            place = g.add(target, g.scale(back, distance))
+            return [(self.id, "position",
+                     self._to_parent_frame_world(g.sub(place, self.world_position())))]
+        return self.scene.animator.block(DoInOrder, [
+            self._animate("getagoodlookat", prepare), self.PointAt(other, Duration=0)])
+
+    def addresponse(self, event, response):
+        self.responses.add(event, response)
+
+    def removeresponse(self, event, response):
+        self.responses.remove(event, response)
+
 
 class Scene:
-    def __init__(self, queue):
+    def __init__(self, queue, backend, animator, on_change):
         self._queue = queue
+        self.backend = backend
+        self.animator = animator
+        self.changed = on_change
+        self.remember = lambda step: None   # where undo steps go
+        self.namespace = {}
         self._ids = itertools.count(1)
         self.things = {}
         # The front end learns the ids that mean "no parent" and "destroyed"
@@ -37,18 +217,159 @@ class Scene:
     def new_id(self):
         return next(self._ids)
 
-    def create(self, kind, name, parent):
+    # -- finding ---------------------------------------------------------
+
+    def living(self):
+        return [t for t in self.things.values() if t.alive]
+
+    def find(self, name):
+        wanted = str(name).lower()
+        for thing in self.living():
+            if thing.name.lower() == wanted:
+                return thing
+        return None
+
+    def thing(self, ref):
+        """An object given as itself or by its name."""
+        if isinstance(ref, Thing):
+            return ref
+        found = self.find(ref) if isinstance(ref, str) else None
+        if found is None:
+            raise Mistake("There is no object called %s" % (ref,))
+        return found
+
+    def cameras(self):
+        return [t for t in self.living() if t.kind == "camera"]
+
+    def is_free_name(self, name, thing=None):
+        if not (name.isidentifier() and not keyword.iskeyword(name)):
+            return False
+        found = self.find(name)
+        return found is None or found is thing
+
+    def unique_name(self, base):
+        stem = base.rstrip("0123456789") or "Object"
+        for n in itertools.count(2):
+            if self.is_free_name("%s%d" % (stem, n)):
+                return "%s%d" % (stem, n)
+
+    # -- making and changing ---------------------------------------------
+
+    def create(self, kind, name, parent, first_class=True, values=None, styles=None):
         """A new object arrives at the front end as construct, parent, name."""
-        thing = Thing(self, kind, name)
+        thing = Thing(self, kind, name, first_class)
+        for attribute, value in (styles or {}).items():
+            setattr(thing, attribute, value)
         self.things[thing.id] = thing
+        self.backend.add_node(thing.id, dict(DEFAULT_VALUES, **(values or {})))
         if parent is not None:
             thing.parent = parent
             parent.children.append(thing)
-        parent_id = parent.id if parent is not None else self.none_id
         self._queue.add_tree(records.object_construct(thing.id, kind))
-        self._queue.add_tree(records.object_parent_change(thing.id, self.none_id, parent_id))
-        self._queue.add_tree(records.object_name_change(thing.id, "", name))
+        self._queue.add_tree(records.object_parent_change(thing.id, self.none_id, self._id_of(parent)))
+        self._queue.add_tree(records.object_name_change(thing.id, "", thing.name))
+        self._bind(thing)
+        self.remember(lambda: self.destroy(thing))
+        self.changed()
         return thing
 
-    def cameras(self):
-        return [t for t in self.things.values() if t.kind == "camera"]
+    def _id_of(self, parent):
+        return parent.id if parent is not None else self.none_id
+
+    def _bind(self, thing):
+        if thing.first_class:
+            self.namespace[thing.name] = thing
+
+    def _unbind(self, thing):
+        if self.namespace.get(thing.name) is thing:
+            del self.namespace[thing.name]
+
+    def _renamed(self, thing, old_names):
+        """Tells the front end the new full names of thing and its parts."""
+        for member, old in zip(thing.family(), old_names):
+            if member.name != old:
+                self._queue.add_tree(records.object_name_change(member.id, old, member.name))
+
+    def rename(self, thing, new_name):
+        if not self.is_free_name(new_name, thing):
+            raise Mistake("%s can't be called %s: a name has letters, digits and _ only, "
+                          "starts with a letter and is not used by another object"
+                          % (thing.name, new_name))
+        old_names = [t.name for t in thing.family()]
+        old_name = thing.local_name
+        self.remember(lambda: self.rename(thing, old_name))
+        self._unbind(thing)
+        thing.local_name = new_name
+        self._bind(thing)
+        self._renamed(thing, old_names)
+        self.changed()
+
+    def set_first_class(self, thing, first_class):
+        if thing.first_class == bool(first_class) or thing.parent is None:
+            return
+        old_names = [t.name for t in thing.family()]
+        self.remember(lambda: self.set_first_class(thing, not first_class))
+        self._unbind(thing)
+        thing.first_class = bool(first_class)
+        if thing.first_class and not self.is_free_name(thing.local_name, thing):
+            thing.local_name = self.unique_name(thing.local_name)
+        self._bind(thing)
+        self._queue.add_tree(records.object_first_class_or_part_change(
+            thing.id, thing.name, thing.first_class))
+        self._renamed(thing, old_names)
+        self.changed()
+
+    def reparent(self, thing, new_parent):
+        """thing keeps its place in the world; only its family changes."""
+        if thing is self.root or new_parent is thing or new_parent in thing.family("objectandchildren"):
+            raise Mistake("%s can't become a child of %s" % (thing.name, new_parent.name))
+        position, orientation = thing.world_position(), thing.world_orientation()
+        old_parent = thing.parent
+        self.remember(lambda: self.reparent(thing, old_parent))
+        old_names = [t.name for t in thing.family()]
+        old_parent.children.remove(thing)
+        thing.parent = new_parent
+        new_parent.children.append(thing)
+        inverse = g.quat_conj(new_parent.world_orientation())
+        self.backend.set(thing.id, "orientation", g.quat_mul(inverse, orientation))
+        self.backend.set(thing.id, "position",
+                         g.rotate(inverse, g.sub(position, new_parent.world_position())))
+        self._queue.add_tree(records.object_parent_change(thing.id, old_parent.id, new_parent.id))
+        self._renamed(thing, old_names)
+        self.changed()
+
+    def destroy(self, thing):
+        """Descendants go first, so each leaves its own record behind."""
+        if thing is self.root or not thing.alive:
+            return
+        for child in list(thing.children):
+            self.destroy(child)
+        thing.alive = False
+        self._unbind(thing)
+        self.remember(lambda: self.resurrect(thing))
+        self._queue.add_tree(records.object_destruct(thing.id))
+        self.changed()
+
+    def resurrect(self, thing):
+        thing.alive = True
+        self._bind(thing)
+        self._queue.add_tree(records.object_resurrect(thing.id))
+        self.changed()
+
+    def purge_dead(self):
+        """Forgets destroyed objects once nothing (undo, handbasket) can bring them back."""
+        for thing in [t for t in self.things.values() if not t.alive]:
+            del self.things[thing.id]
+            self.backend.remove_node(thing.id)
+
+    def copy(self, thing, parent=None, name=None):
+        parent = parent or thing.parent
+        if name is None:
+            name = self.unique_name(thing.local_name) if thing.first_class else thing.local_name
+        values = {c: self.backend.get(thing.id, c) for c in DEFAULT_VALUES}
+        styles = {a: getattr(thing, a) for a in STYLE_DEFAULTS}
+        twin = self.create(thing.kind, name, parent, thing.first_class, values, styles)
+        for child in thing.children:
+            if child.alive:
+                self.copy(child, twin, child.local_name if not child.first_class else None)
+        return twin

@@ -1,0 +1,239 @@
+"""The commands of the world's language, methods of every scene object.
+
+Each command checks its values, then answers an animation that computes its
+change when it begins (so a step of a sequence starts from where the step
+before it left the object). Optional values come by keyword (AsSeenBy,
+Duration, Style, Speed, Volume); the flags HowMuch, LikeRubber and
+Yes/No/Toggle come bare, after the essential values.
+"""
+
+import math
+from numbers import Real
+
+from . import geometry as g
+from . import vocabulary as v
+from .animation import Primitive
+from .mistakes import Mistake
+
+DEFAULT_DURATION = 1.0
+DEFAULT_STYLE = "Gently"
+TURN = 2.0 * math.pi    # radians in one revolution
+
+
+def _number(value):
+    return isinstance(value, Real) and not isinstance(value, bool)
+
+
+def _flag(flags, kind, default):
+    for flag in flags:
+        if v.is_word(flag, kind):
+            return v.key(flag)
+    return default
+
+
+class Commands:
+    """Mixed into scene objects; relies on their frame and family methods."""
+
+    def _need(self, command, wants):
+        raise Mistake("%s.%s needs %s" % (self.name, command, wants))
+
+    def _animate(self, label, prepare, duration=DEFAULT_DURATION, style=DEFAULT_STYLE,
+                 finish=None):
+        if not _number(duration) or duration < 0:
+            raise Mistake("%s.%s: Duration must be a number of seconds, such as 1"
+                          % (self.name, label))
+        animation = Primitive(self.scene.animator, "%s.%s" % (self.name, label),
+                              duration, style, prepare and self._remembering(prepare), finish)
+        self.scene.animator.made(animation)
+        return animation
+
+    def _remembering(self, prepare):
+        """prepare, and an undo step that puts the changed values back."""
+        backend = self.scene.backend
+
+        def prepare_and_remember():
+            changes = prepare()
+            saved = [(node, channel, backend.get(node, channel)) for node, channel, _ in changes]
+            self.scene.remember(lambda: [backend.set(*value) for value in saved])
+            return changes
+        return prepare_and_remember
+
+    def _to_parent_frame(self, vector, as_seen_by):
+        """A vector given in as_seen_by's axes, in the axes of self's parent."""
+        frame = self if as_seen_by is None else self.scene.thing(as_seen_by)
+        world = g.rotate(frame.world_orientation(), vector)
+        if self.parent is None:
+            return world
+        return g.rotate(g.quat_conj(self.parent.world_orientation()), world)
+
+    def _turn_towards(self, world_orientation):
+        """The orientation change that brings self to world_orientation."""
+        current = self.world_orientation()
+        axis, angle = g.to_axis_angle(g.quat_mul(world_orientation, g.quat_conj(current)))
+        return [(self.id, "orientation", self._to_parent_frame_world(axis) + (angle,))]
+
+    def _to_parent_frame_world(self, world_vector):
+        if self.parent is None:
+            return world_vector
+        return g.rotate(g.quat_conj(self.parent.world_orientation()), world_vector)
+
+    # -- moving -------------------------------------------------------------
+
+    def Move(self, direction=None, distance=None, AsSeenBy=None, Duration=DEFAULT_DURATION,
+             Style=DEFAULT_STYLE, Speed=None):
+        vector = v.MOVE_DIRECTIONS.get(v.key(direction)) if isinstance(direction, str) else None
+        if vector is None or not _number(distance):
+            self._need("Move", "a direction, such as Forward, and a distance, such as 1")
+        if _number(Speed) and Speed > 0:
+            Duration = abs(distance) / Speed
+
+        def prepare():
+            return [(self.id, "position", g.scale(self._to_parent_frame(vector, AsSeenBy), distance))]
+        return self._animate("Move", prepare, Duration, Style)
+
+    def Nudge(self, direction=None, distance=None, AsSeenBy=None):
+        """Moves at once, without taking time."""
+        return self.Move(direction, distance, AsSeenBy=AsSeenBy, Duration=0)
+
+    def _rotate(self, command, table, direction, amount, as_seen_by, duration, style):
+        entry = table.get(v.key(direction)) if isinstance(direction, str) else None
+        if entry is None or not _number(amount):
+            self._need(command, "a direction, such as %s, and an amount of turning, such as 1/4"
+                       % ("Left" if command == "Roll" else "Left or Up"))
+        axis, sign = entry
+
+        def prepare():
+            return [(self.id, "orientation",
+                     self._to_parent_frame(axis, as_seen_by) + (sign * amount * TURN,))]
+        return self._animate(command, prepare, duration, style)
+
+    def Turn(self, direction=None, amount=None, AsSeenBy=None, Duration=DEFAULT_DURATION,
+             Style=DEFAULT_STYLE):
+        return self._rotate("Turn", v.TURN_DIRECTIONS, direction, amount, AsSeenBy, Duration, Style)
+
+    def Roll(self, direction=None, amount=None, AsSeenBy=None, Duration=DEFAULT_DURATION,
+             Style=DEFAULT_STYLE):
+        return self._rotate("Roll", v.ROLL_DIRECTIONS, direction, amount, AsSeenBy, Duration, Style)
+
+    def PointAt(self, target=None, AsSeenBy=None, Duration=DEFAULT_DURATION, Style=DEFAULT_STYLE):
+        if target is None:
+            self._need("PointAt", "another object to point at, such as Camera")
+        other = self.scene.thing(target)
+
+        def prepare():
+            direction = g.sub(other.world_position(), self.world_position())
+            if g.length(direction) < 1e-9:
+                return []
+            return self._turn_towards(g.look_rotation(direction))
+        return self._animate("PointAt", prepare, Duration, Style)
+
+    def StandUp(self, AsSeenBy=None, Duration=DEFAULT_DURATION, Style=DEFAULT_STYLE):
+        def prepare():
+            forward = g.rotate(self.world_orientation(), g.FORWARD)
+            level = (forward[0], 0.0, forward[2])
+            return self._turn_towards(g.look_rotation(level if g.length(level) > 1e-9 else g.FORWARD))
+        return self._animate("StandUp", prepare, Duration, Style)
+
+    def AlignWith(self, other=None, Duration=DEFAULT_DURATION, Style=DEFAULT_STYLE):
+        if other is None:
+            self._need("AlignWith", "another object to line up with, such as Camera")
+        other = self.scene.thing(other)
+        return self._animate("AlignWith", lambda: self._turn_towards(other.world_orientation()),
+                             Duration, Style)
+
+    def Place(self, surface=None, other=None, distance=0, Duration=DEFAULT_DURATION,
+              Style=DEFAULT_STYLE, AsSeenBy=None):
+        if not v.is_word(surface, "surface") or other is None or not _number(distance):
+            self._need("Place", "a place, such as OnTopOf, and another object, such as Ground")
+        other = self.scene.thing(other)
+
+        def prepare():
+            target = _placed(self, v.key(surface), other, distance)
+            change = self._to_parent_frame_world(g.sub(target, self.world_position()))
+            return [(self.id, "position", change)]
+        return self._animate("Place", prepare, Duration, Style)
+
+    # -- shape and look ---------------------------------------------------
+
+    def Resize(self, direction=None, factor=None, *flags, Duration=DEFAULT_DURATION,
+               Style=DEFAULT_STYLE):
+        axes = v.RESIZE_DIRECTIONS.get(v.key(direction)) if isinstance(direction, str) else None
+        if axes is None or not _number(factor) or factor <= 0:
+            self._need("Resize", "a direction, such as InAllDirections, and a size factor, such as 2")
+        rubber = _flag(flags, "rubber", None) is not None and sum(axes) == 1
+
+        def prepare():
+            # LikeRubber keeps the volume: the other two directions give way
+            others = 1.0 / math.sqrt(factor) if rubber else 1.0
+            factors = tuple(factor if a else others for a in axes)
+            size = self.size
+            return [(self.id, "size", tuple(s * (f - 1.0) for s, f in zip(size, factors)))]
+        return self._animate("Resize", prepare, Duration, Style)
+
+    def SetColor(self, color=None, *flags, Duration=DEFAULT_DURATION, Style=DEFAULT_STYLE):
+        rgb = v.COLORS.get(v.key(color)) if isinstance(color, str) else None
+        if rgb is None:
+            self._need("SetColor", "a color, such as Red")
+        how_much = _flag(flags, "howmuch", "objectandparts")
+
+        def prepare():
+            return [(t.id, "color", g.sub(rgb, t.color)) for t in self.family(how_much)]
+        return self._animate("SetColor", prepare, Duration, Style)
+
+    def Show(self, value="Yes"):
+        return self._set_visible("Show", value, True)
+
+    def Hide(self, value="Yes"):
+        return self._set_visible("Hide", value, False)
+
+    def _set_visible(self, command, value, visible):
+        if not v.is_word(value, "value"):
+            self._need(command, "Yes, No or Toggle, or nothing at all")
+
+        def finish():
+            choice = v.key(value)
+            if choice == "toggle":
+                self.set_visible(not self.visible)
+            elif choice == "yes":
+                self.set_visible(visible)
+        return self._animate(command, None, 0, DEFAULT_STYLE, finish)
+
+    # -- existence and family ---------------------------------------------
+
+    def Destroy(self, *flags, Duration=0, Style=DEFAULT_STYLE):
+        return self._animate("Destroy", None, Duration, Style, lambda: self.scene.destroy(self))
+
+    def BecomeChildOf(self, other=None, Duration=0, Style=DEFAULT_STYLE):
+        if other is None:
+            self._need("BecomeChildOf", "another object to belong to, such as Scene")
+        other = self.scene.thing(other)
+        return self._animate("BecomeChildOf", None, Duration, Style,
+                             lambda: self.scene.reparent(self, other))
+
+    # -- time and sound -----------------------------------------------------
+
+    def Wait(self, duration=None):
+        if not _number(duration) or duration < 0:
+            self._need("Wait", "a number of seconds, such as 1")
+        return self._animate("Wait", None, duration)
+
+    def PlaySound(self, sound=None, Volume=1):
+        """Sound output comes with the sound stage: for now the line takes no time."""
+        if not isinstance(sound, str):
+            self._need("PlaySound", 'a sound file name, such as "c:\\pickme.wav"')
+        return self._animate("PlaySound", None, 0)
+
+
+def _placed(thing, surface, other, distance):
+    """Where thing's centre goes for Place(surface, other, distance)."""
+    half_mine, half_other = g.scale(thing.size, 0.5), g.scale(other.size, 0.5)
+    axis, sign, inside = {
+        "ontopof": (1, 1, False), "above": (1, 1, False), "onbottomof": (1, -1, False),
+        "below": (1, -1, False), "beneath": (1, -1, False), "infrontof": (2, 1, False),
+        "inbackof": (2, -1, False), "behind": (2, -1, False), "torightof": (0, 1, False),
+        "toleftof": (0, -1, False), "onfloorof": (1, -1, True), "onceilingof": (1, 1, True),
+    }[surface]
+    gap = half_other[axis] + (-half_mine[axis] if inside else half_mine[axis]) + distance
+    offset = [0.0, 0.0, 0.0]
+    offset[axis] = sign * gap
+    return g.add(other.world_position(), g.rotate(other.world_orientation(), tuple(offset)))

@@ -1,0 +1,149 @@
+"""The world's language: commands, blocks and their timing, driven by a test clock."""
+
+import pytest
+
+from conftest import misc, tagged
+from vessa import Interpreter
+from vessa.clock import ManualClock
+
+
+@pytest.fixture
+def world():
+    clock = ManualClock()
+    engine = Interpreter(clock=clock)
+    engine.clock = clock
+    yield engine
+    engine.Close()
+
+
+def run(engine, code):
+    assert engine.ExecuteCode(code, "<Tool>", "exec") is None
+
+
+def at(engine, seconds):
+    engine.clock._now = seconds
+    engine.Loop()
+
+
+def where(engine, name="Camera"):
+    return engine.scene.find(name).GetPosition()
+
+
+def test_worked_example_moves_the_camera_one_meter_in_one_second(world):
+    run(world, "Hop = DoInOrder(\r\n\tCamera.Move(Forward, 1),\r\n).stop()\r\nHop.Copy().Start()\r\n")
+    at(world, 0.0)
+    at(world, 0.5)
+    assert 0.0 < where(world)[2] < 1.0
+    at(world, 1.0)
+    assert where(world) == pytest.approx([0, 0, 1])
+    at(world, 5.0)
+    assert where(world) == pytest.approx([0, 0, 1])
+
+
+def test_a_stopped_definition_does_not_run_and_a_bare_command_does(world):
+    run(world, "Hop = DoInOrder(Camera.Move(Up, 5)).stop()\nCamera.Move(Forward, 2)")
+    at(world, 3.0)
+    assert where(world) == pytest.approx([0, 0, 2])
+
+
+def test_in_order_takes_the_sum_and_together_the_longest(world):
+    run(world, "DoInOrder(Camera.Move(Forward, 1), Camera.Move(Up, 1, Duration=2))")
+    at(world, 0.0)
+    at(world, 2.0)
+    assert world.GetLoopWait() == 0
+    at(world, 3.0)
+    assert where(world) == pytest.approx([0, 1, 1])
+    assert world.GetLoopWait() == -1
+    run(world, "DoTogether(Camera.Move(Back, 1), Camera.Move(Down, 1, Duration=3))")
+    at(world, 5.9)
+    assert world.GetLoopWait() == 0
+    at(world, 6.0)
+    assert where(world) == pytest.approx([0, 0, 0])
+    assert world.GetLoopWait() == -1
+
+
+def test_a_coarse_step_does_not_change_where_a_sequence_ends(world):
+    run(world, "DoInOrder(Camera.Turn(Left, 1/4), Camera.Move(Forward, 1))")
+    at(world, 10.0)     # one step over both parts
+    assert where(world) == pytest.approx([-1, 0, 0])
+
+
+def test_styles_shape_the_motion(world):
+    positions = {}
+    for style in ["abruptly", "Gently", "BeginGently", "BeginAbruptly"]:
+        run(world, "Camera.Move(Forward, 1, Style=%s)" % style)
+        start = world.clock.now()
+        at(world, start)
+        before = where(world)[2]
+        at(world, start + 0.25)
+        positions[style] = where(world)[2] - before
+        at(world, start + 1.0)
+    assert positions["abruptly"] == pytest.approx(0.25)
+    assert positions["Gently"] < 0.25 and positions["BeginGently"] < 0.25
+    assert positions["BeginAbruptly"] > 0.25
+
+
+def test_stop_halts_a_running_animation_where_it_is(world):
+    run(world, "Go = Camera.Move(Forward, 4, Duration=4)")
+    at(world, 1.0)
+    run(world, "Go.stop()")
+    stopped_at = where(world)[2]
+    at(world, 4.0)
+    assert 0 < stopped_at < 4 and where(world)[2] == stopped_at
+
+
+def test_active_records_when_animations_start_and_all_end(world):
+    run(world, "Camera.Move(Forward, 1)")
+    at(world, 0.5)
+    at(world, 1.5)
+    assert tagged(misc(world), "activechanged") == [["activechanged", "", True],
+                                                     ["activechanged", "", False]]
+
+
+def test_mistakes_get_messages_a_novice_understands(world):
+    world.ExecuteCode("x = 1\nCamera.Move(1)\n", "<Script Text>", "exec")
+    popup = tagged(misc(world), "popuperrordialog")[0]
+    assert popup[1:] == ["Camera.Move needs a direction, such as Forward, and a distance, such as 1",
+                         "2"]
+
+
+def test_every_command_of_the_vocabulary_runs_on_an_object(world):
+    run(world, "\n".join([
+        "Camera.Move(Forward, 1, AsSeenBy=Scene, Duration=1/2, Style=abruptly)",
+        "Camera.Turn(Left, 1/4)", "Camera.Roll(Right, 1/8)",
+        "Camera.Resize(LeftToRight, 2, LikeRubber)", "Camera.PointAt(Scene)",
+        "Camera.SetColor(Red, ObjectOnly)", "Camera.Hide()", "Camera.Show(Toggle)",
+        'Camera.PlaySound(r"c:\\pickme.wav", Volume=1)', "Camera.Wait(1)",
+        "Camera.StandUp()", "Camera.Place(OnTopOf, Scene)", "Camera.AlignWith(Scene)",
+        "Wait(2)", "Camera.Nudge(Forward, 1)",
+    ]))
+    at(world, 3.0)
+    camera = world.scene.find("Camera")
+    assert camera.GetColor() == pytest.approx([1, 0, 0])
+    assert camera.visible       # hidden, then toggled back
+    records = misc(world)
+    assert not tagged(records, "error") and not tagged(records, "popuperrordialog")
+
+
+def test_events_fire_functions_and_animations(world):
+    run(world, "\n".join([
+        "Hop = DoInOrder(Camera.Move(Up, 1)).stop()",
+        "def TVDef_KeyDown_Hop(ev):",
+        '\tif ev.key == "A" or ev.rawkey == 40:',
+        "\t\tDoInOrder(Camera.Move(Forward, 1),)",
+        "Camera._Window.addresponse(KeyDown, TVDef_KeyDown_Hop)",
+        "Camera.addresponse(LeftMouseDown, Hop)",
+    ]))
+    world.KeyEvent("KeyDown", "B", 66)
+    world.KeyEvent("KeyDown", "A", 65)
+    world.MouseEvent("LeftMouseDown", "Camera")
+    at(world, 2.0)
+    assert where(world) == pytest.approx([0, 1, 1])
+
+
+def test_a_failing_response_is_reported_with_its_line(world):
+    world.ExecuteCode("def oops(ev):\n    return ev.nothing\nCamera._Window.addresponse(KeyUp, oops)\n",
+                      "<Script Text>", "exec")
+    world.KeyEvent("KeyUp", "A", 65)
+    popup = tagged(misc(world), "popuperrordialog")[0]
+    assert popup[2] == "2" and popup[1].startswith("AttributeError")

@@ -1,0 +1,97 @@
+"""World_Scene.py: saved worlds load back equal; strangers' files run nothing."""
+
+import os
+
+import pytest
+
+from conftest import misc, tagged
+from vessa import Interpreter
+
+DEFAULT_WORLD = os.path.join(os.path.dirname(__file__), "..", "..", "home", "Worlds", "Default")
+
+
+@pytest.fixture
+def interp():
+    engine = Interpreter()
+    yield engine
+    engine.Close()
+
+
+def describe(engine):
+    """Everything a saved scene should keep, by full name."""
+    scene = engine.scene
+    return {t.name: (t.kind, t.parent.name if t.parent else None, t.first_class,
+                     [round(x, 6) for c in ("position", "orientation", "size", "color")
+                      for x in scene.backend.get(t.id, c)],
+                     t.visible, t.filling, t.lighting, t.texture)
+            for t in scene.living()}
+
+
+def test_the_default_world_loads_with_scene_camera_light_and_ground(interp):
+    interp.PollForTreeDifferences()
+    assert interp.LoadWorld(DEFAULT_WORLD) is None
+    assert sorted(describe(interp)) == ["Camera", "Ground", "Light", "Scene"]
+    assert interp.IsThereADefaultCamera() and not interp.getisdirty()
+    kinds = [r[2] for r in interp.PollForTreeDifferences() if r[0] == "objectconstruct"]
+    assert kinds == ["camera", "light", "model"]
+    assert interp.ExecuteCode("Ground.SetColor(Red)\nLight.Move(Up, 1)", "<Tool>", "exec") is None
+
+
+def test_a_saved_world_loads_back_equal(interp, tmp_path):
+    interp.LoadWorld(DEFAULT_WORLD)
+    scene = interp.scene
+    bunny = scene.create("model", "Bunny", scene.find("Ground"), values={"color": (0.1, 0.2, 0.3)})
+    scene.create("model", "Head", bunny, first_class=False, values={"position": (0.0, 1.0, 0.5)})
+    interp.ExecuteCode("Bunny.Turn(Left, 1/8, Duration=0)\nBunny.SetFillingStyle(Points)\n"
+                       "Bunny.Head.Resize(TopToBottom, 2, Duration=0)", "<Tool>", "exec")
+    interp.Loop()
+    before = describe(interp)
+    assert interp.SaveScene(str(tmp_path)) is None
+    other = Interpreter()
+    assert other.LoadWorld(str(tmp_path)) is None
+    assert describe(other) == before
+    assert other.ExecuteCode("Bunny.Head.GetName()", "<Tool>", "exec") is None
+    other.Close()
+
+
+def test_loading_replaces_the_old_world_and_its_names(interp, tmp_path):
+    interp.ExecuteCode("Old = 1\nCamera.rename('Eye')", "<Tool>", "exec")
+    interp.LoadWorld(DEFAULT_WORLD)
+    assert "NameError" in interp.ExecuteCode("Old", "<Tool>", "exec")
+    assert interp.ExecuteCode("Camera", "<Tool>", "exec") is None
+
+
+HOSTILE = {
+    "import": "import os\nObject(kind='scene', name='Scene', parent=None)\n",
+    "call in a value": "Object(kind='scene', name=__import__('os').system('touch {marker}'))\n",
+    "attribute trick": "Object(kind='scene', name='Scene').__class__.__init__\n",
+    "other call": "open('{marker}', 'w')\n",
+    "lambda": "Object(kind='scene', name=(lambda: open('{marker}', 'w'))())\n",
+    "assignment": "x = Object(kind='scene', name='Scene', parent=None)\n",
+    "comprehension value": "Object(kind='scene', name='Scene', size=[open('{marker}','w') for i in 'a'])\n",
+    "unknown field": "Object(kind='scene', name='Scene', parent=None, code='x')\n",
+    "orphan": ("Object(kind='scene', name='Scene', parent=None)\n"
+               "Object(kind='model', name='Bunny', parent='Nowhere')\n"),
+}
+
+
+@pytest.mark.parametrize("text", HOSTILE.values(), ids=HOSTILE.keys())
+def test_a_hostile_scene_file_is_refused_without_running_anything(interp, tmp_path, text):
+    marker = tmp_path / "ran"
+    (tmp_path / "World_Scene.py").write_text(text.format(marker=marker))
+    before = describe(interp)
+    result = interp.LoadWorld(str(tmp_path))
+    assert result and "World_Scene.py" in result
+    assert not marker.exists()
+    assert describe(interp) == before
+    assert tagged(misc(interp), "error")
+
+
+def test_a_missing_scene_file_is_reported(interp, tmp_path):
+    assert "can't be read" in interp.LoadWorld(str(tmp_path / "nowhere"))
+
+
+def test_the_file_name_is_found_whatever_its_case(interp, tmp_path):
+    interp.SaveScene(str(tmp_path))
+    os.rename(tmp_path / "World_Scene.py", tmp_path / "world_scene.py")
+    assert interp.LoadWorld(str(tmp_path)) is None
