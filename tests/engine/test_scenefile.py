@@ -35,6 +35,12 @@ def test_the_default_world_loads_with_scene_camera_light_and_ground(interp):
     kinds = [r[2] for r in interp.PollForTreeDifferences() if r[0] == "objectconstruct"]
     assert kinds == ["camera", "light", "model"]
     assert interp.ExecuteCode("Ground.SetColor(Red)\nLight.Move(Up, 1)", "<Tool>", "exec") is None
+    # The objects of the world before are gone for good, not only out of sight.
+    assert interp.ExecuteCode("names = [o.GetName() for o in Vessa.GetDefaultScene().GetChildren(All)]\n"
+                              "assert sorted(names) == ['Camera', 'Ground', 'Light'], names\n"
+                              "for o in Vessa.GetDefaultScene().GetChildren(All): o.Move(Up, 1)",
+                              "<Tool>", "exec") is None
+    interp.Loop()
 
 
 def test_a_saved_world_loads_back_equal(interp, tmp_path):

@@ -86,7 +86,7 @@ class Thing(Commands):
     def family(self, how_much="objectandparts"):
         """self and the descendants that a HowMuch value takes along."""
         found = [self]
-        for child in self.children:
+        for child in self.living_children():
             if how_much == "objectandchildren" or (how_much == "objectandparts"
                                                    and not child.first_class):
                 found.extend(child.family(how_much))
@@ -120,8 +120,13 @@ class Thing(Commands):
     def GetChildren(self, which=None):
         """The children; with All, every descendant."""
         if which is not None and v.key(which) == "all":
-            return [t for child in self.children for t in child.family("objectandchildren")]
-        return list(self.children)
+            return [t for child in self.living_children() for t in child.family("objectandchildren")]
+        return self.living_children()
+
+    def living_children(self):
+        """Destroyed children keep their place until they are forgotten, so
+        that undo can bring them back where they were."""
+        return [child for child in self.children if child.alive]
 
     def DistanceTo(self, other):
         return g.length(g.sub(self.world_position(), self.scene.thing(other).world_position()))
@@ -360,6 +365,8 @@ class Scene:
         """Forgets destroyed objects once nothing (undo, handbasket) can bring them back."""
         for thing in [t for t in self.things.values() if not t.alive]:
             del self.things[thing.id]
+            if thing.parent is not None and thing in thing.parent.children:
+                thing.parent.children.remove(thing)
             self.backend.remove_node(thing.id)
 
     def copy(self, thing, parent=None, name=None):

@@ -1,0 +1,105 @@
+// The engine's speed with a big world, driven through the gateway as the
+// front end drives it: a thousand objects, a thousand running animations.
+#include "core/engine_registration.h"
+#include "core/interpreter_registry.h"
+
+#include <QTemporaryDir>
+#include <benchmark/benchmark.h>
+#include <stdexcept>
+
+namespace {
+
+constexpr int kObjects = 1000;
+
+class BigWorld {
+public:
+    BigWorld() {
+        vessa::InterpreterRegistry registry;
+        vessa::registerPythonEngine(registry, QStringLiteral(VESSA_PYTHON_DIR));
+        engine_ = registry.create(vessa::kEngineProgId);
+        call(QStringLiteral("LoadWorld"), {QStringLiteral(VESSA_HOME_DIR "/Worlds/Default")});
+        run(QStringLiteral("for _ in range(%1): Ground.Copy()").arg(kObjects));
+        drainRecords();
+    }
+
+    QVariant call(const QString& method, const QVariantList& args = {}) {
+        return engine_->call(method, args);
+    }
+
+    void run(const QString& code) {
+        const QVariant failure = call(QStringLiteral("ExecuteCode"),
+                                      {code, QStringLiteral("<Tool>"), QStringLiteral("exec")});
+        if (!failure.isNull() && !failure.toString().isEmpty())
+            throw std::runtime_error(failure.toString().toStdString());
+    }
+
+    void drainRecords() {
+        call(QStringLiteral("PollForMiscDifferences"));
+        call(QStringLiteral("PollForTreeDifferences"));
+    }
+
+private:
+    std::unique_ptr<vessa::Interpreter> engine_;
+};
+
+BigWorld& world() {
+    static BigWorld big;
+    return big;
+}
+
+// One step of the engine with every object of the world moving at once.
+void BM_LoopWithThousandAnimations(benchmark::State& state) {
+    BigWorld& w = world();
+    w.run(QStringLiteral("for o in Vessa.GetDefaultScene().GetChildren(All):\n"
+                         "    o.Move(Forward, 100, Duration=100000)\n"));
+    w.call(QStringLiteral("Loop"));
+    for (auto _ : state)
+        w.call(QStringLiteral("Loop"));
+    w.run(QStringLiteral("RestoreHandbasket()"));
+    w.drainRecords();
+}
+BENCHMARK(BM_LoopWithThousandAnimations)->Unit(benchmark::kMicrosecond);
+
+void BM_PreserveHandbasket(benchmark::State& state) {
+    BigWorld& w = world();
+    for (auto _ : state)
+        w.run(QStringLiteral("PreserveHandbasket()"));
+}
+BENCHMARK(BM_PreserveHandbasket)->Unit(benchmark::kMillisecond);
+
+void BM_RestoreHandbasket(benchmark::State& state) {
+    BigWorld& w = world();
+    w.run(QStringLiteral("PreserveHandbasket()"));
+    for (auto _ : state) {
+        w.run(QStringLiteral("RestoreHandbasket()"));
+        state.PauseTiming();
+        w.drainRecords();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(BM_RestoreHandbasket)->Unit(benchmark::kMillisecond);
+
+void BM_SaveScene(benchmark::State& state) {
+    BigWorld& w = world();
+    QTemporaryDir folder;
+    for (auto _ : state)
+        w.call(QStringLiteral("SaveScene"), {folder.path()});
+}
+BENCHMARK(BM_SaveScene)->Unit(benchmark::kMillisecond);
+
+void BM_LoadWorld(benchmark::State& state) {
+    BigWorld& w = world();
+    QTemporaryDir folder;
+    w.call(QStringLiteral("SaveScene"), {folder.path()});
+    for (auto _ : state) {
+        w.call(QStringLiteral("LoadWorld"), {folder.path()});
+        state.PauseTiming();
+        w.drainRecords();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(BM_LoadWorld)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();
