@@ -24,13 +24,15 @@ def test_every_gateway_method_exists_with_its_exact_name(interp):
     assert missing == []
 
 
-def test_start_up_sequence_as_the_front_end_sends_it(interp):
+def test_start_up_sequence_as_the_front_end_sends_it(interp, tmp_path):
     assert interp.CheckForDirectX() is None
     assert interp.Initialize() is None
     assert interp.ScreenWidth() > 0 and interp.ScreenHeight() > 0
-    home = interp.ReadRegistryHomeDir()
-    assert home.endswith("/")
+    assert interp.ReadRegistryHomeDir().endswith("/")
+    home = str(tmp_path) + "/"
     assert interp.SetHomeDirectory(home) is None
+    assert interp.GetHomeDirectory() == home
+    assert "does not exist" in interp.SetHomeDirectory(home + "no such folder")
     assert interp.GetHomeDirectory() == home
     assert interp.ExecuteCode("import __builtin__", "<Init>", "exec") is None
     assert interp.GetVersionText()

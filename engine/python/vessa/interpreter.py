@@ -5,6 +5,8 @@ lists. A call that can fail answers None on success and the failure text
 otherwise; user code never fails a call: its errors go out as records.
 """
 
+import os
+
 from . import compat, events, namespace, places, records, scenefile
 from .animation import Animator
 from .backend import PythonBackend
@@ -83,6 +85,10 @@ class Interpreter:
         return places.desktop_dir()
 
     def SetHomeDirectory(self, directory):
+        """A folder that isn't there is refused: worlds, objects and sounds
+        would all be missing without a word."""
+        if not os.path.isdir(str(directory)):
+            return "The home folder %s does not exist." % directory
         self._home = places.with_slash(str(directory))
         return None
 
