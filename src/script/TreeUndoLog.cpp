@@ -40,8 +40,10 @@ void TreeUndoLog::MarkModified() {
 void TreeUndoLog::UndoLog(UndoOperation operation, const TreeNode* node, const TreeNode* otherNode,
                           int count) {
     MarkModified();
+    // A move's two paths are each taken as if the other node were not there: undo finds
+    // the copy once the original is gone, and the original's place once the copy is.
     const QString paths = operation == UndoOperation::Moved
-                              ? NodePath(otherNode) + u',' + NodePath(node)
+                              ? NodePath(otherNode, node) + u',' + NodePath(node, otherNode)
                               : NodePath(node);
     records_.append(QString::number(static_cast<int>(operation)) + u',' + paths + u',' +
                     QString::number(count));
@@ -153,7 +155,7 @@ TreeNode* TreeUndoLog::UndoRemoved(const PathWalk& walk) {
     if (!copy)
         return walk.Node;
     TreeNode* node = Restore(walk, copy);
-    if (!node->Parent() && IsAnimationText(node->Text())) {
+    if (!node->Parent()) {
         // The animation takes its key back from the Tag, unless another has taken it.
         if (!tree_.NodeByKey(node->Tag()))
             tree_.SetKey(node, node->Tag());

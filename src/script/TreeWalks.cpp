@@ -51,9 +51,16 @@ void CopyFields(TreeNode* destination, const TreeNode* source, const AddNodesOpt
 } // namespace
 
 QString NodePath(const TreeNode* node) {
+    return NodePath(node, nullptr);
+}
+
+QString NodePath(const TreeNode* node, const TreeNode* absent) {
     QStringList fields;
-    for (; node; node = node->Parent())
-        fields.prepend(QString::number(node->Row()));
+    for (; node; node = node->Parent()) {
+        const bool before =
+            absent && absent->Parent() == node->Parent() && absent->Row() < node->Row();
+        fields.prepend(QString::number(node->Row() - (before ? 1 : 0)));
+    }
     return fields.join(u':');
 }
 

@@ -10,6 +10,8 @@ class TreeNode;
 // A node's address as sibling offsets from the first root down, joined by ":".
 // "0:2" is the third child of the first root.
 QString NodePath(const TreeNode* node);
+// The path node will have once absent, neither node nor an ancestor of it, is removed.
+QString NodePath(const TreeNode* node, const TreeNode* absent);
 
 // Where a path leads in a tree that may have changed since the path was taken. The walk
 // stops at the last node it reached: RanOffTheEnd when a sibling was missing, NoChild
