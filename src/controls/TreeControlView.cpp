@@ -37,6 +37,17 @@ TreeControlView::TreeControlView(TreeControl& tree, QWidget* parent)
     });
     connect(selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& current) { FollowCurrent(current); });
+    // A view may come to a tree that already has content.
+    ApplyExpansionBelow(nullptr);
+    ShowSelection(tree_.SelectedItem());
+}
+
+void TreeControlView::ApplyExpansionBelow(const TreeNode* parent) {
+    for (int row = 0; row < (parent ? parent->Children() : tree_.RootCount()); ++row) {
+        const TreeNode* node = parent ? parent->ChildAt(row) : tree_.RootAt(row);
+        ApplyExpansion(node);
+        ApplyExpansionBelow(node);
+    }
 }
 
 TreeControlView::~TreeControlView() {

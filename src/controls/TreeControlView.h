@@ -44,6 +44,7 @@ private:
     void EnsureVisibleRequested(TreeNode* node) override;
     void LabelEditRequested(TreeNode* node) override;
     void ApplyExpansion(const TreeNode* node);
+    void ApplyExpansionBelow(const TreeNode* parent);
     void ShowSelection(const TreeNode* node);
     void FollowCurrent(const QModelIndex& current);
     bool OnArrow(const QPoint& point) const;

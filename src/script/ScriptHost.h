@@ -4,6 +4,7 @@
 
 namespace vessa {
 
+class RuntimeError;
 struct ScriptRequest;
 
 // What the script needs from the window and the world around it.
@@ -23,6 +24,8 @@ public:
     // Shows what a click asked for: the menus, editors and commands that other parts
     // of the program provide. Requests it does not know it may ignore.
     virtual void Dispatch(const ScriptRequest& request) = 0;
+    // A failure inside one of the script's handlers, for the program's error report.
+    virtual void ReportError(const RuntimeError& error) = 0;
 };
 
 } // namespace vessa

@@ -1,5 +1,5 @@
-#include "ScriptTestSupport.h"
 #include "script/ScriptClicks.h"
+#include "ScriptTestSupport.h"
 #include "script/ScriptModel.h"
 
 #include <gtest/gtest.h>
@@ -100,9 +100,9 @@ TEST_F(Clicks, BlocksSoundsAndPythonLinesHaveTheirOwnEditors) {
 
 TEST_F(Clicks, ALineThatDoesNotParseStaysAsItIsAndNothingOpens) {
     // No dot, an unknown command, an unknown keyword: no click anywhere opens anything.
-    for (const QString& text : {QString("Camera Move(Forward, 1, more...)"),
-                                QString("Camera.Fly(Forward, 1, more...)"),
-                                QString("Camera.Move(Forward, 1, Speed=2, more...)")}) {
+    for (const QString& text :
+         {QString("Camera Move(Forward, 1, more...)"), QString("Camera.Fly(Forward, 1, more...)"),
+          QString("Camera.Move(Forward, 1, Speed=2, more...)")}) {
         TreeNode* line = Line(text);
         for (int offset = 0; offset < text.size(); ++offset)
             EXPECT_EQ(LeftAt(line, offset).What, Kind::None) << text.toStdString() << offset;

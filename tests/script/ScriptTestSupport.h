@@ -1,6 +1,7 @@
 #pragma once
 
 #include "../controls/QtTestApp.h"
+#include "controls/RuntimeError.h"
 #include "controls/TreeControl.h"
 #include "controls/TreeGeometry.h"
 #include "script/ScriptHost.h"
@@ -22,11 +23,13 @@ public:
     void SetCaption(const QString& value) override { caption = value; }
     void LVUndoFromLog() override { ++eventUndos; }
     void Dispatch(const ScriptRequest& request) override { requests.push_back(request); }
+    void ReportError(const RuntimeError& error) override { errors.push_back(error.Number()); }
 
     bool dirty = false;
     QString caption = "Vessa47 - Default";
     int eventUndos = 0;
     std::vector<ScriptRequest> requests;
+    std::vector<int> errors;
 };
 
 // A tree laid out as a tree view lays it out, without a window: one row of RowHeight
