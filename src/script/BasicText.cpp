@@ -4,16 +4,12 @@
 
 namespace vessa::text {
 
-int InStr(int start, const QString& text, const QString& find) {
+int InStr(int start, QStringView text, QStringView find) {
     if (start < 1)
         throw RuntimeError::Argument("InStr");
     if (start > text.size())
         return 0;
     return static_cast<int>(text.indexOf(find, start - 1, Qt::CaseInsensitive)) + 1;
-}
-
-int InStrRev(const QString& text, const QString& find) {
-    return static_cast<int>(text.lastIndexOf(find, -1, Qt::CaseInsensitive)) + 1;
 }
 
 QString Mid(const QString& text, int start, int length) {
@@ -34,7 +30,7 @@ QString Left(const QString& text, int count) {
     return text.left(count);
 }
 
-bool Like(const QString& text, const QString& pattern) {
+bool Like(QStringView text, QStringView pattern) {
     // Greedy match that backs up to the last "*" on a mismatch.
     qsizetype t = 0, p = 0, starText = -1, starPattern = -1;
     while (t < text.size()) {
@@ -57,18 +53,25 @@ bool Like(const QString& text, const QString& pattern) {
     return p == pattern.size();
 }
 
-QString Replace(const QString& text, const QString& find, const QString& with) {
-    if (find.isEmpty() || !text.contains(find, Qt::CaseInsensitive))
+QString Replace(const QString& text, QStringView find, QStringView with) {
+    qsizetype at = find.isEmpty() ? -1 : text.indexOf(find, 0, Qt::CaseInsensitive);
+    if (at < 0)
         return text;
-    QString result = text;
-    return result.replace(find, with, Qt::CaseInsensitive);
+    QString result;
+    result.reserve(text.size() + with.size());
+    qsizetype done = 0;
+    for (; at >= 0; at = text.indexOf(find, done, Qt::CaseInsensitive)) {
+        result.append(QStringView(text).mid(done, at - done)).append(with);
+        done = at + find.size();
+    }
+    return result.append(QStringView(text).mid(done));
 }
 
-bool Same(const QString& a, const QString& b) {
+bool Same(QStringView a, QStringView b) {
     return a.compare(b, Qt::CaseInsensitive) == 0;
 }
 
-QString Before(const QString& text, const QString& separator) {
+QString Before(const QString& text, QStringView separator) {
     const qsizetype at = text.indexOf(separator, 0, Qt::CaseInsensitive);
     return at < 0 ? text : text.left(at);
 }

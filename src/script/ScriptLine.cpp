@@ -23,7 +23,7 @@ size_t CheckedSlot(int slot) {
 
 // Step 2 of a parse: object and command, from the last dot before the first "(".
 int ParseHead(ParseState& state, const QString& line) {
-    const int open = InStr(line, "(");
+    const int open = InStr(line, u"(");
     int dot = open;
     while (dot > 0 && line[dot - 1] != u'.')
         --dot;
@@ -36,7 +36,7 @@ int ParseHead(ParseState& state, const QString& line) {
 int ParseEssentials(ParseState& state, const QString& line, int cursor) {
     const KindList& essential = CommandParameters(state.ParsedCommand).Essential;
     for (int slot = 0; essential[slot] != NoEntry; ++slot) {
-        int place = InStr(cursor + 1, line, ",");
+        int place = InStr(cursor + 1, line, u",");
         if (place == 0)
             place = static_cast<int>(line.size());
         state.EssentialValue[slot] = Mid(line, cursor + 1, place - cursor - 1);
@@ -49,10 +49,10 @@ int ParseEssentials(ParseState& state, const QString& line, int cursor) {
 void ParseOptionals(ParseState& state, const QString& line, int cursor) {
     const KindList& optional = CommandParameters(state.ParsedCommand).Optional;
     int item = 0;
-    for (int comma = InStr(cursor + 1, line, ","); comma > 0;
-         comma = InStr(cursor + 1, line, ",")) {
+    for (int comma = InStr(cursor + 1, line, u","); comma > 0;
+         comma = InStr(cursor + 1, line, u",")) {
         const QString value = Mid(line, cursor + 1, comma - cursor - 1);
-        const int equals = InStr(value, "=");
+        const int equals = InStr(value, u"=");
         if (equals == 0) {
             state.OptionalValue[item] = value;
         } else {
@@ -70,8 +70,8 @@ void ParseOptionals(ParseState& state, const QString& line, int cursor) {
 // Step 5, inside the list: a blank counts from the character after it.
 void ClassifyValue(ParseState& state, const QString& line, int open, int position) {
     int blanks = 0;
-    for (int blank = InStr(open + 1, line, " "); blank > 0 && blank <= position;
-         blank = InStr(blank + 1, line, " "))
+    for (int blank = InStr(open + 1, line, u" "); blank > 0 && blank <= position;
+         blank = InStr(blank + 1, line, u" "))
         ++blanks;
     state.ClickedSlot = blanks;
     const CommandParameterLists& lists = CommandParameters(state.ParsedCommand);
@@ -139,7 +139,9 @@ QString UpdatedLine(const ParseState& state, const QString& newValue) {
     if (state.ClickedKind == 2 && !text::Same(newValue, command))
         return DefaultLine(state.ParsedObject, newValue);
     const QString object = state.ClickedKind == ObjectKind ? newValue : state.ParsedObject;
-    QString line = object + u'.' + command + u'(';
+    QString line;
+    line.reserve(96);
+    line += object + u'.' + command + u'(';
     const CommandParameterLists& lists = CommandParameters(state.ParsedCommand);
     if (state.ParsedCommand == WaitCommand)
         return line + (state.ClickedSlot == 0 ? newValue : state.EssentialValue[0]) + u')';
@@ -169,10 +171,10 @@ QString DefaultLine(const QString& object, const QString& commandName) {
 }
 
 QString NormalizeLine(const QString& line) {
-    QString result = text::Replace(line, ", more...", "");
-    result = text::Replace(result, "(more...)", "()");
-    result = text::Replace(result, "BeginGently-EndAbruptly", "BeginGently");
-    return text::Replace(result, "BeginAbruptly-EndGently", "BeginAbruptly");
+    QString result = text::Replace(line, u", more...", u"");
+    result = text::Replace(result, u"(more...)", u"()");
+    result = text::Replace(result, u"BeginGently-EndAbruptly", u"BeginGently");
+    return text::Replace(result, u"BeginAbruptly-EndGently", u"BeginAbruptly");
 }
 
 ScriptRequest EditorForClick(const ParseState& state) {
@@ -193,11 +195,11 @@ ScriptRequest EditorForClick(const ParseState& state) {
 }
 
 bool IsBlock(const QString& line) {
-    return text::Like(line, "*DoInOrder*") || text::Like(line, "*DoTogether*");
+    return text::Like(line, u"*DoInOrder*") || text::Like(line, u"*DoTogether*");
 }
 
 bool IsInOrderBlock(const QString& line) {
-    return text::Like(line, "*DoInOrder*");
+    return text::Like(line, u"*DoInOrder*");
 }
 
 QString BareBlockWord(const QString& line) {
@@ -205,11 +207,11 @@ QString BareBlockWord(const QString& line) {
 }
 
 bool IsAnimationText(const QString& line) {
-    return text::Like(line, "* = DoInOrder") || text::Like(line, "* = DoTogether");
+    return text::Like(line, u"* = DoInOrder") || text::Like(line, u"* = DoTogether");
 }
 
 QString AnimationName(const QString& line) {
-    return text::Before(line, " = ");
+    return text::Before(line, u" = ");
 }
 
 } // namespace vessa

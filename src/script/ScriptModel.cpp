@@ -66,7 +66,7 @@ TreeNode* ScriptModel::AddNewAnimation() {
 
 void ScriptModel::MakePythonLine(TreeNode* node) {
     TreeControl& tree = node->Owner();
-    tree.SetText(node, text::Replace(node->Text(), ", more...", QString()));
+    tree.SetText(node, text::Replace(node->Text(), u", more...", u""));
     tree.SetBackColor(node, PythonLineBack);
     tree.SetTag(node, PythonTag);
     tree.StartLabelEdit(node);
@@ -76,8 +76,8 @@ void ScriptModel::ChangeBlockKind(TreeNode* block) {
     UndoLog(UndoOperation::Changed, block);
     const QString& line = block->Text();
     treeView1_.SetText(block, IsInOrderBlock(line)
-                                  ? text::Replace(line, "DoInOrder", "DoTogether")
-                                  : text::Replace(line, "DoTogether", "DoInOrder"));
+                                  ? text::Replace(line, u"DoInOrder", u"DoTogether")
+                                  : text::Replace(line, u"DoTogether", u"DoInOrder"));
     RefreshChildIcons(block);
 }
 

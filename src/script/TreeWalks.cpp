@@ -7,6 +7,9 @@
 
 #include <QColor>
 #include <QStringList>
+#include <QVarLengthArray>
+
+#include <algorithm>
 
 namespace vessa {
 
@@ -55,13 +58,19 @@ QString NodePath(const TreeNode* node) {
 }
 
 QString NodePath(const TreeNode* node, const TreeNode* absent) {
-    QStringList fields;
+    QVarLengthArray<int, 8> rows;
     for (; node; node = node->Parent()) {
         const bool before =
             absent && absent->Parent() == node->Parent() && absent->Row() < node->Row();
-        fields.prepend(QString::number(node->Row() - (before ? 1 : 0)));
+        rows.append(node->Row() - (before ? 1 : 0));
     }
-    return fields.join(u':');
+    QString path;
+    for (auto row = rows.crbegin(); row != rows.crend(); ++row) {
+        if (!path.isEmpty())
+            path += u':';
+        path += QString::number(*row);
+    }
+    return path;
 }
 
 int ToInteger(const QString& text) {
@@ -74,27 +83,22 @@ int ToInteger(const QString& text) {
 
 PathWalk ResolvePath(const TreeControl& tree, const QString& path) {
     PathWalk walk;
-    walk.Node = tree.FirstRoot();
-    if (!walk.Node)
+    if (!tree.FirstRoot())
         return walk;
     const QStringList fields = path.split(u':');
     for (qsizetype field = 0; field < fields.size(); ++field) {
-        if (field > 0) {
-            TreeNode* child = walk.Node->Child();
-            if (!child) {
-                walk.NoChild = true;
-                return walk;
-            }
-            walk.Node = child;
+        // Stepping to the next sibling n times, stopping at the last one there is.
+        const int count = field == 0 ? tree.RootCount() : walk.Node->Children();
+        if (count == 0) {
+            walk.NoChild = true;
+            return walk;
         }
-        for (int steps = ToInteger(fields[field]); steps > 0; --steps) {
-            TreeNode* next = walk.Node->Next();
-            if (!next) {
-                walk.RanOffTheEnd = true;
-                return walk;
-            }
-            walk.Node = next;
-        }
+        const int steps = std::max(ToInteger(fields[field]), 0);
+        walk.RanOffTheEnd = steps >= count;
+        const int row = std::min(steps, count - 1);
+        walk.Node = field == 0 ? tree.RootAt(row) : walk.Node->ChildAt(row);
+        if (walk.RanOffTheEnd)
+            return walk;
     }
     return walk;
 }
