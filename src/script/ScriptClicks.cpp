@@ -121,7 +121,7 @@ ScriptRequest ScriptClicks::LeftClick(TreeControl& tree, const QPoint& point,
     }
     if (IsBlock(line))
         return NameEditor(line.contains(QStringLiteral(" = ")) ? AnimationName(line) : QString());
-    if (text::Like(line, u"PlaySound*"))
+    if (IsSoundLine(line))
         return Request(ScriptRequest::Kind::SoundList);
     if (!ParseAt(node, point, geometry))
         return {};
@@ -162,7 +162,7 @@ std::vector<MenuRow> ScriptClicks::NodeMenuRows(TreeNode* node, const QPoint& po
                                                 const TreeGeometry& geometry) {
     std::vector<MenuRow> rows = AllNodeRows();
     const QString& line = node->Text();
-    if (text::Like(line, u"PlaySound(*)")) {
+    if (IsBareSoundLine(line)) {
         Show(rows, {CutLine, CopyLine, DeleteLine, 6, PythonLine});
         return rows;
     }

@@ -210,8 +210,36 @@ bool IsAnimationText(const QString& line) {
     return text::Like(line, u"* = DoInOrder") || text::Like(line, u"* = DoTogether");
 }
 
+bool IsAnimationToDelete(const QString& line) {
+    return text::Like(line, u"*= DoInOrder") || text::Like(line, u"*= DoTogether");
+}
+
+bool IsAnimationInFile(const QString& line) {
+    return text::Like(line, u"*= DoInOrder*") || text::Like(line, u"*= DoTogether*");
+}
+
 QString AnimationName(const QString& line) {
     return text::Before(line, u" = ");
+}
+
+bool IsSoundLine(const QString& line) {
+    return text::Like(line, u"PlaySound*");
+}
+
+bool IsBareSoundLine(const QString& line) {
+    return text::Like(line, u"PlaySound(*)");
+}
+
+QString AnimationText(const QString& name) {
+    return name + QStringLiteral(" = DoInOrder");
+}
+
+QString LabelledBlock(const QString& label, const QString& block) {
+    return label + QStringLiteral(" : ") + block;
+}
+
+QString SoundLine(const QString& soundName) {
+    return QStringLiteral("PlaySound(") + soundName + u')';
 }
 
 } // namespace vessa

@@ -73,9 +73,22 @@ bool IsBlock(const QString& text);
 bool IsInOrderBlock(const QString& text);
 // "DoInOrder" or "DoTogether", what a block runs as.
 QString BareBlockWord(const QString& text);
-// The text of a root animation, "Walk = DoInOrder".
+// The text of a root animation, "Walk = DoInOrder", as copies and undo test it.
 bool IsAnimationText(const QString& text);
+// The same as the Delete command tests it: "*= DoInOrder", a blank before "=" not needed.
+bool IsAnimationToDelete(const QString& text);
+// The same as a tree script file is read: "*= DoInOrder*", anything may follow.
+bool IsAnimationInFile(const QString& text);
 // The name of an animation: its text before " = ".
 QString AnimationName(const QString& text);
+// Lines from the sound list: a left click on "PlaySound*" offers the sounds, and the
+// node menu of a "PlaySound(*)" line has no value rows.
+bool IsSoundLine(const QString& text);
+bool IsBareSoundLine(const QString& text);
+
+// The text forms that are made from a name.
+QString AnimationText(const QString& name);                        // "Walk = DoInOrder"
+QString LabelledBlock(const QString& label, const QString& block); // "Walk : DoTogether"
+QString SoundLine(const QString& soundName);                       // "PlaySound(bell.wav)"
 
 } // namespace vessa

@@ -57,7 +57,7 @@ TreeNode* ScriptModel::AddNewAnimation() {
     while (treeView1_.NodeByKey(QStringLiteral("action%1").arg(animationCounter_)))
         ++animationCounter_;
     const QString name = QStringLiteral("Action%1").arg(animationCounter_);
-    TreeNode* root = treeView1_.AddRoot(name.toLower(), name + QStringLiteral(" = DoInOrder"));
+    TreeNode* root = treeView1_.AddRoot(name.toLower(), AnimationText(name));
     UndoLog(UndoOperation::Added, root);
     animationNames_.Append(name);
     ++animationCounter_;

@@ -1,5 +1,6 @@
 #include "controls/TreeControlView.h"
 #include "QtTestApp.h"
+#include "controls/ListControlView.h"
 
 #include <QApplication>
 #include <QImage>
@@ -80,4 +81,18 @@ TEST_F(TreeControlViewTest, NodeRectStartsWhereTheTextIsDrawnAndHitTestFindsTheR
     EXPECT_EQ(view.HitTest(QPoint(rect.right() + 100, rect.center().y())), nullptr);
     EXPECT_EQ(view.HitTest(QPoint(rect.left(), 190)), nullptr);
     EXPECT_EQ(view.ItemHeight(), view.visualRect(view.ItemModel().IndexOf(line)).height());
+}
+
+TEST_F(TreeControlViewTest, AListViewShowsColumnsAndFollowsTheSelectedRow) {
+    ListControl list({"", "When", "Happens To", "Do Animation"});
+    ListControlView report(list);
+    ListRow* row = list.Add(-1, "Key0");
+    list.SetSubItem(row, 1, "World Start");
+    list.Add(-1, "Key1");
+    EXPECT_EQ(report.model()->headerData(1, Qt::Horizontal).toString(), "When");
+    EXPECT_EQ(report.model()->index(0, 1).data().toString(), "World Start");
+    list.SetSelectedItem(row);
+    EXPECT_EQ(report.currentIndex().row(), 0);
+    report.setCurrentIndex(report.model()->index(1, 0));
+    EXPECT_EQ(list.SelectedItem(), list.Row(1));
 }

@@ -2,6 +2,8 @@
 #include "ScriptTestSupport.h"
 #include "script/ScriptModel.h"
 
+#include <QRandomGenerator>
+
 #include <gtest/gtest.h>
 
 using namespace vessa;
@@ -195,4 +197,29 @@ TEST_F(Clicks, TheCommandLinesTreeOpensTheSameEditorsForItsOneLine) {
     script.UpdateNode(line, "Up");
     EXPECT_EQ(line->Text(), "Camera.Move(Up, 1, more...)");
     EXPECT_TRUE(script.TreeUndoRecords().IsEmpty());
+}
+
+// Whatever a user types into a node, clicks and menu rows never fail out of the script.
+TEST_F(Clicks, AnyTextInANodeSurvivesEveryClickAndMenuRow) {
+    const QStringList tokens = {"Camera",  ".",         "Move", "Hide", "Wait", "(",
+                                ")",       ", ",        ",",    " ",    "=",    "Duration",
+                                "more...", "DoInOrder", "1",    "x"};
+    QRandomGenerator random(99);
+    TreeNode* line = Line("");
+    for (int round = 0; round < 300; ++round) {
+        QString text;
+        for (int n = random.bounded(1, 10); n > 0; --n)
+            text += tokens[random.bounded(int(tokens.size()))];
+        tree.SetText(line, text);
+        for (int offset = 0; offset < text.size(); ++offset) {
+            LeftAt(line, offset);
+            const ScriptRequest menu = RightAt(line, offset);
+            for (int row : {int(ScriptClicks::RemoveValue), int(ScriptClicks::ChangeBlock)})
+                if (menu.Rows[size_t(row)].Visible && menu.Rows[size_t(row)].Enabled) {
+                    clicks.mnuNodeRightB_Click(row);
+                    script.UndoFromLog();
+                    ASSERT_EQ(line->Text(), text);
+                }
+        }
+    }
 }

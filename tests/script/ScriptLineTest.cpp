@@ -196,4 +196,14 @@ TEST(BlockPatterns, TellBlocksAndAnimationsByTextAlone) {
     EXPECT_FALSE(IsAnimationText("Walk : DoInOrder"));
     EXPECT_FALSE(IsAnimationText("Walk = DoInOrder extra"));
     EXPECT_EQ(AnimationName("Fly Away = DoInOrder"), "Fly Away");
+    // Delete needs no blank before "="; a file's line may carry more after the word.
+    EXPECT_TRUE(IsAnimationToDelete("Walk= DoTogether"));
+    EXPECT_FALSE(IsAnimationToDelete("Walk = DoTogether(x)"));
+    EXPECT_TRUE(IsAnimationInFile("Walk = DoTogether(x)"));
+    EXPECT_FALSE(IsAnimationInFile("Walk : DoTogether"));
+    EXPECT_TRUE(IsSoundLine("PlaySound"));
+    EXPECT_FALSE(IsBareSoundLine("PlaySound(bell.wav) "));
+    EXPECT_TRUE(IsBareSoundLine(SoundLine("bell.wav")));
+    EXPECT_EQ(LabelledBlock("Walk", "DoTogether"), "Walk : DoTogether");
+    EXPECT_TRUE(IsAnimationText(AnimationText("Fly Away")));
 }

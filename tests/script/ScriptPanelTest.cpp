@@ -136,3 +136,14 @@ TEST_F(Panel, ViewsHaveStableNamesAndItemsTellTheirPlace) {
                      .value<QIcon>()
                      .isNull());
 }
+
+TEST_F(Panel, ClicksAreMeasuredInTheFontTheScriptIsShownIn) {
+    QFont big = view.font();
+    big.setPointSize(big.pointSize() * 2);
+    panel.ApplyScriptFont(big);
+    QApplication::processEvents();
+    Click(Qt::LeftButton, AtCharacter(line, 28));
+    ASSERT_FALSE(host.requests.empty());
+    EXPECT_EQ(host.requests.back().Number, 17);
+    EXPECT_EQ(panel.CommandLineTreeviewView().font(), big);
+}
