@@ -170,23 +170,6 @@ TEST(NormalizeLine, DropsTheMarkerAndShortensTheLongStyles) {
               "A.Turn(Left, 1, Style=BeginAbruptly)");
 }
 
-TEST(EditorForClick, OpensWhatTheKindOfPieceAsksFor) {
-    using Kind = ScriptRequest::Kind;
-    const QString line = "Camera.PointAt(Bunny, Duration=2, more...)";
-    EXPECT_EQ(EditorForClick(Parsed(line, 1)).What, Kind::ObjectPicker);
-    EXPECT_EQ(EditorForClick(Parsed(line, 1)).Value, "Camera");
-    EXPECT_EQ(EditorForClick(Parsed(line, 9)).What, Kind::ActionMenu);
-    const ScriptRequest asSeenBy = EditorForClick(Parsed(line, 16));
-    EXPECT_EQ(asSeenBy.What, Kind::ObjectPicker);
-    EXPECT_EQ(asSeenBy.Value, "Bunny");
-    const ScriptRequest duration = EditorForClick(Parsed(line, 25));
-    EXPECT_EQ(duration.What, Kind::StarMenuRow);
-    EXPECT_EQ(duration.Number, 17);
-    const ScriptRequest more = EditorForClick(Parsed(line, 37));
-    EXPECT_EQ(more.What, Kind::StarMenuAll);
-    EXPECT_EQ(more.Number, 5);
-}
-
 TEST(BlockPatterns, TellBlocksAndAnimationsByTextAlone) {
     EXPECT_TRUE(IsBlock("Walk : DoTogether"));
     EXPECT_TRUE(IsBlock("doinorder"));

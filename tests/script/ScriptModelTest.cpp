@@ -86,15 +86,6 @@ TEST_F(Model, UpdateNodeRecordsScriptLinesButNotTheCommandLine) {
     EXPECT_EQ(script.TreeUndoRecords().Text(), "3,0:0,0\r\n");
 }
 
-TEST_F(Model, RemoveValueTakesTheClickedOptionalValueOut) {
-    TreeNode* line = tree.Add(tree.FirstRoot(), Relation::Child, "",
-                              "Camera.Move(Forward, 1, Duration=2, Style=abruptly, more...)");
-    ParseString(script.Parse(), line->Text(), 26);
-    ASSERT_EQ(script.Parse().ClickedKind, 17);
-    script.RemoveValue(line);
-    EXPECT_EQ(line->Text(), "Camera.Move(Forward, 1, Style=abruptly, more...)");
-}
-
 TEST_F(Model, APythonLineIsGreyPlainTextEditedInPlace) {
     struct EditWatch : TreeObserver {
         TreeNode* edited = nullptr;
