@@ -18,6 +18,11 @@ TreeControlView::TreeControlView(TreeControl& tree, QWidget* parent)
         ShowSelection(tree_.SelectedItem());
     });
     setModel(&model_);
+    // After Qt's own handling, a reset forgets expansion and selection; the control knows.
+    connect(&model_, &QAbstractItemModel::modelReset, this, [this] {
+        ApplyExpansionBelow(nullptr);
+        ShowSelection(tree_.SelectedItem());
+    });
     setHeaderHidden(true);
     setUniformRowHeights(true);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -123,10 +128,6 @@ void TreeControlView::NodeAdded(TreeNode* node) {
 
 void TreeControlView::ExpandedChanged(TreeNode* node) {
     ApplyExpansion(node);
-}
-
-void TreeControlView::Cleared() {
-    ShowSelection(nullptr);
 }
 
 void TreeControlView::ApplyExpansion(const TreeNode* node) {

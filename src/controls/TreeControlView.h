@@ -39,7 +39,6 @@ protected:
 private:
     void NodeAdded(TreeNode* node) override;
     void ExpandedChanged(TreeNode* node) override;
-    void Cleared() override;
     void SelectedItemChanged(TreeNode* node) override;
     void EnsureVisibleRequested(TreeNode* node) override;
     void LabelEditRequested(TreeNode* node) override;

@@ -118,6 +118,8 @@ TEST_F(Panel, APythonLineIsTypedInPlaceAndTheEditIsRecorded) {
 
 TEST_F(Panel, ViewsHaveStableNamesAndItemsTellTheirPlace) {
     EXPECT_EQ(panel.accessibleName(), "Animations");
+    // The first animation starts selected.
+    EXPECT_TRUE(view.selectionModel()->isSelected(view.ItemModel().IndexOf(action1)));
     EXPECT_EQ(view.accessibleName(), "Script");
     EXPECT_EQ(panel.ConstructTreeView().accessibleName(), "Blocks");
     EXPECT_EQ(panel.CommandLineTreeviewView().accessibleName(), "Command line");
