@@ -101,12 +101,14 @@ void BM_UndoFromLogOfAChange(benchmark::State& state) {
 }
 BENCHMARK(BM_UndoFromLogOfAChange)->Iterations(5000)->Unit(benchmark::kMicrosecond);
 
-// The largest single change: a whole animation deleted and brought back.
+// The largest single change: a whole animation deleted, as the Delete command does it,
+// and brought back.
 void BM_UndoLogAndUndoFromLogOfADeletedAnimation(benchmark::State& state) {
     BigScript& big = Big();
     TreeControl& tree = big.script.TreeView1();
     for (auto _ : state) {
         TreeNode* last = tree.FirstRoot()->LastSibling();
+        big.script.AnimationNames().Remove(AnimationName(last->Text()));
         big.script.UndoLog(UndoOperation::Removed, last);
         tree.Remove(last->Index());
         big.script.UndoFromLog();

@@ -5,7 +5,9 @@
 namespace vessa {
 
 void AnimationNameList::Append(const QString& name) {
-    text_ = text_.isEmpty() ? name : text_ + u',' + name;
+    if (!text_.isEmpty())
+        text_ += u',';
+    text_ += name;
 }
 
 void AnimationNameList::Remove(const QString& name) {
