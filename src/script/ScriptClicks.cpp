@@ -14,8 +14,6 @@ namespace vessa {
 
 namespace {
 
-const QString PythonTag = QStringLiteral("1");
-
 ScriptRequest Request(ScriptRequest::Kind what, int number = 0) {
     ScriptRequest request;
     request.What = what;
@@ -115,7 +113,7 @@ ScriptRequest ScriptClicks::LeftClick(TreeControl& tree, const QPoint& point,
     ParseState& parse = model_.Parse();
     parse.SelectedNode = NodeRef::To(tree, node);
     const QString& line = node->Text();
-    if (node->Tag() == PythonTag) {
+    if (node->Tag() == PythonLineTag) {
         tree.StartLabelEdit(node);
         return {};
     }
@@ -163,16 +161,16 @@ std::vector<MenuRow> ScriptClicks::NodeMenuRows(TreeNode* node, const QPoint& po
     std::vector<MenuRow> rows = AllNodeRows();
     const QString& line = node->Text();
     if (IsBareSoundLine(line)) {
-        Show(rows, {CutLine, CopyLine, DeleteLine, 6, PythonLine});
+        Show(rows, {CutLine, CopyLine, DeleteLine, LowerSeparator, PythonLine});
         return rows;
     }
     if (IsBlock(line)) {
-        Show(rows, {CutLine, CopyLine, DeleteLine, 6, ChangeBlock, RenameLine});
+        Show(rows, {CutLine, CopyLine, DeleteLine, LowerSeparator, ChangeBlock, RenameLine});
         rows[ChangeBlock].Caption = IsInOrderBlock(line) ? QStringLiteral("Change to DoTogether")
                                                          : QStringLiteral("Change to DoInOrder");
         return rows;
     }
-    Show(rows, {CutLine, CopyLine, DeleteLine, 6, PythonLine});
+    Show(rows, {CutLine, CopyLine, DeleteLine, LowerSeparator, PythonLine});
     const ParseState& parse = model_.Parse();
     if (!ParseAt(node, point, geometry) || parse.ClickedKind <= MarkerKind)
         return rows;

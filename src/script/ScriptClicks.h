@@ -33,6 +33,7 @@ public:
         CopyLine = 3,
         PasteLine = 4,
         DeleteLine = 5,
+        LowerSeparator = 6,
         PythonLine = 7,
         ChangeBlock = 8,
         RenameLine = 9,

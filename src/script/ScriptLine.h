@@ -26,6 +26,8 @@ private:
 };
 
 inline const QString UnsetValue = QStringLiteral(" ");
+// The Tag of a Python line: free text that the user types, not parsed.
+inline const QString PythonLineTag = QStringLiteral("1");
 
 // A node held by its tree and Index, so that a removed node reads as none.
 struct NodeRef {

@@ -10,7 +10,6 @@ namespace vessa {
 
 namespace {
 const QColor PythonLineBack(0xC0, 0xC0, 0xC0);
-const QString PythonTag = QStringLiteral("1");
 } // namespace
 
 ScriptModel::ScriptModel(ScriptHost& host)
@@ -68,7 +67,7 @@ void ScriptModel::MakePythonLine(TreeNode* node) {
     TreeControl& tree = node->Owner();
     tree.SetText(node, text::Replace(node->Text(), u", more...", u""));
     tree.SetBackColor(node, PythonLineBack);
-    tree.SetTag(node, PythonTag);
+    tree.SetTag(node, PythonLineTag);
     tree.StartLabelEdit(node);
 }
 
