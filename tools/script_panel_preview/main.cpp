@@ -3,12 +3,12 @@
 // With "right-click" the picture shows the node menu of a line, as after a right click
 // on its Duration value. Run under a virtual display (xvfb-run) or with
 // QT_QPA_PLATFORM=offscreen.
-#include "controls/RuntimeError.h"
-#include "script/ScriptHost.h"
-#include "script/ScriptIcons.h"
-#include "script/ScriptModel.h"
-#include "script/ScriptPanel.h"
-#include "script/ScriptRequest.h"
+#include "core/run_time_error.h"
+#include "script/script_host.h"
+#include "script/script_icons.h"
+#include "script/script_model.h"
+#include "script/script_panel.h"
+#include "script/script_request.h"
 
 #include <QApplication>
 #include <QMainWindow>
@@ -31,8 +31,8 @@ public:
         std::printf("request %d, number %d, value '%s'\n", static_cast<int>(request.What),
                     request.Number, qPrintable(request.Value));
     }
-    void ReportError(const vessa::RuntimeError& error) override {
-        std::printf("error %d: %s\n", error.Number(), qPrintable(error.Description()));
+    void ReportError(const vessa::RunTimeError& error) override {
+        std::printf("error %d: %s\n", error.number(), qPrintable(error.description()));
     }
 
 private:

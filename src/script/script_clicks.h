@@ -1,0 +1,77 @@
+#pragma once
+
+#include "script/script_line.h"
+#include "script/script_request.h"
+
+#include <QFont>
+#include <QPoint>
+#include <QRect>
+
+namespace vessa {
+
+class ScriptModel;
+class TreeControl;
+class TreeGeometry;
+class TreeNode;
+
+// The character of text under point: text is drawn in font with its first glyph at
+// textRect's left edge. An offset from 0; a point left of the text gives 0. The text
+// is one line, so only the horizontal position matters.
+int RichCharNumOver(const QString& text, const QFont& font, const QRect& textRect,
+                    const QPoint& point);
+
+// The mouse on the script's trees: what a press and a release on TreeView1 or on the
+// command line's tree do, and what the rows of the two right-click menus do. Each
+// handler changes the model itself where the script's rules say how, and returns what
+// is left to show: a menu or an editor.
+class ScriptClicks {
+public:
+    // The rows of the node menu, by index.
+    enum NodeRow {
+        PerformLine = 0,
+        CutLine = 2,
+        CopyLine = 3,
+        PasteLine = 4,
+        DeleteLine = 5,
+        LowerSeparator = 6,
+        PythonLine = 7,
+        ChangeBlock = 8,
+        RenameLine = 9,
+        RemoveValue = 10,
+    };
+    // The rows of the blank-space menu.
+    enum BlankRow { AddNewAction = 0, AddCodeBox = 1, RemoveCodeBox = 2 };
+
+    explicit ScriptClicks(ScriptModel& model) : model_(model) {}
+
+    // Whether the Python code box shows, which decides the blank-space menu's rows.
+    void SetCodeBoxShown(bool shown) { codeBoxShown_ = shown; }
+
+    // TreeView1: a press remembers the node that a drag would take.
+    void TreeView1_MouseDown(Qt::MouseButton button, const QPoint& point,
+                             const TreeGeometry& geometry);
+    ScriptRequest TreeView1_MouseUp(Qt::MouseButton button, const QPoint& point,
+                                    const TreeGeometry& geometry);
+    // The command line's tree: a left click opens the editors of its line.
+    ScriptRequest CommandLineTreeview_MouseUp(Qt::MouseButton button, const QPoint& point,
+                                              const TreeGeometry& geometry);
+
+    // The rows of the node menu for a node, after a right click at point.
+    std::vector<MenuRow> NodeMenuRows(TreeNode* node, const QPoint& point,
+                                      const TreeGeometry& geometry);
+    // The rows of the blank-space menu; codeBoxShown decides which code box row shows.
+    static std::vector<MenuRow> BlankMenuRows(bool codeBoxShown);
+    // A chosen row. The Python row expects the user's consent to have been given.
+    ScriptRequest mnuNodeRightB_Click(int row);
+    ScriptRequest mnuBlankRightB_Click(int row);
+
+private:
+    ScriptRequest LeftClick(TreeControl& tree, const QPoint& point, const TreeGeometry& geometry);
+    ScriptRequest RightClick(const QPoint& point, const TreeGeometry& geometry);
+    bool ParseAt(TreeNode* node, const QPoint& point, const TreeGeometry& geometry);
+
+    ScriptModel& model_; // Not owned.
+    bool codeBoxShown_ = false;
+};
+
+} // namespace vessa

@@ -1,0 +1,245 @@
+#include "script/script_line.h"
+
+#include "controls/tree_control.h"
+#include "core/run_time_error.h"
+#include "script/basic_text.h"
+
+namespace vessa {
+
+using text::InStr;
+using text::Left;
+using text::Mid;
+
+namespace {
+
+// The row of the star menu with the highest kind number.
+constexpr int LastStarRow = 23;
+
+size_t CheckedSlot(int slot) {
+    if (slot < 0 || slot >= VocabularySize)
+        throw RunTimeError::Bounds("SlotValues");
+    return static_cast<size_t>(slot);
+}
+
+// Step 2 of a parse: object and command, from the last dot before the first "(".
+int ParseHead(ParseState& state, const QString& line) {
+    const int open = InStr(line, u"(");
+    int dot = open;
+    while (dot > 0 && line[dot - 1] != u'.')
+        --dot;
+    state.ParsedObject = Left(line, dot - 1);
+    state.ParsedCommand = CommandIndex(Mid(line, dot + 1, open - dot - 1));
+    return open;
+}
+
+// Step 3: one value per essential kind, each up to the next comma or the line's end.
+int ParseEssentials(ParseState& state, const QString& line, int cursor) {
+    const KindList& essential = CommandParameters(state.ParsedCommand).Essential;
+    for (int slot = 0; essential[slot] != NoEntry; ++slot) {
+        int place = InStr(cursor + 1, line, u",");
+        if (place == 0)
+            place = static_cast<int>(line.size());
+        state.EssentialValue[slot] = Mid(line, cursor + 1, place - cursor - 1);
+        cursor = place + 1;
+    }
+    return cursor;
+}
+
+// Step 4: every further item that a comma ends; the marker has none behind it.
+void ParseOptionals(ParseState& state, const QString& line, int cursor) {
+    const KindList& optional = CommandParameters(state.ParsedCommand).Optional;
+    int item = 0;
+    for (int comma = InStr(cursor + 1, line, u","); comma > 0;
+         comma = InStr(cursor + 1, line, u",")) {
+        const QString value = Mid(line, cursor + 1, comma - cursor - 1);
+        const int equals = InStr(value, u"=");
+        if (equals == 0) {
+            state.OptionalValue[item] = value;
+        } else {
+            const QString keyword = Left(value, equals - 1);
+            int slot = 0;
+            while (!text::Same(ParameterKinds(optional[slot]).Name, keyword))
+                ++slot;
+            state.OptionalValue[slot] = Mid(value, equals + 1);
+        }
+        ++item;
+        cursor = comma + 1;
+    }
+}
+
+// Step 5, inside the list: a blank counts from the character after it.
+void ClassifyValue(ParseState& state, const QString& line, int open, int position) {
+    int blanks = 0;
+    for (int blank = InStr(open + 1, line, u" "); blank > 0 && blank <= position;
+         blank = InStr(blank + 1, line, u" "))
+        ++blanks;
+    state.ClickedSlot = blanks;
+    const CommandParameterLists& lists = CommandParameters(state.ParsedCommand);
+    const int essentials = lists.Essential.Count();
+    if (blanks < essentials) {
+        state.ClickedKind = lists.Essential[blanks];
+        state.ClickedValue = state.EssentialValue[blanks];
+        return;
+    }
+    int slot = -1;
+    for (int wanted = blanks - essentials + 1; wanted > 0;)
+        if (state.OptionalValue[++slot] != UnsetValue)
+            --wanted;
+    state.ClickedKind = lists.Optional[slot];
+    state.ClickedValue = state.OptionalValue[slot];
+}
+
+void Classify(ParseState& state, const QString& line, int open, int position) {
+    state.ClickedSlot = -1;
+    const QString& command = CommandNames(state.ParsedCommand);
+    const int objectLength = static_cast<int>(state.ParsedObject.size());
+    if (position <= objectLength) {
+        state.ClickedKind = ObjectKind;
+        state.ClickedValue = state.ParsedObject;
+    } else if (position <= objectLength + command.size() + 1) {
+        state.ClickedKind = 2;
+        state.ClickedValue = command;
+    } else if (position > line.size() - 9 && state.ParsedCommand != WaitCommand) {
+        state.ClickedKind = MarkerKind;
+        state.ClickedValue = QStringLiteral("more...");
+    } else {
+        ClassifyValue(state, line, open, position);
+    }
+}
+
+} // namespace
+
+QString& SlotValues::operator[](int slot) {
+    return values_[CheckedSlot(slot)];
+}
+
+const QString& SlotValues::operator[](int slot) const {
+    return values_[CheckedSlot(slot)];
+}
+
+NodeRef NodeRef::To(TreeControl& tree, const TreeNode* node) {
+    return node ? NodeRef{&tree, node->Index()} : NodeRef{};
+}
+
+TreeNode* NodeRef::Get() const {
+    return Tree ? Tree->Node(Index) : nullptr;
+}
+
+void ParseString(ParseState& state, const QString& line, int position) {
+    state.EssentialValue.Clear();
+    state.OptionalValue.Clear();
+    const int open = ParseHead(state, line);
+    const int cursor = ParseEssentials(state, line, open);
+    ParseOptionals(state, line, cursor);
+    Classify(state, line, open, position);
+}
+
+QString UpdatedLine(const ParseState& state, const QString& newValue) {
+    const QString& command = CommandNames(state.ParsedCommand);
+    if (state.ClickedKind == 2 && !text::Same(newValue, command))
+        return DefaultLine(state.ParsedObject, newValue);
+    const QString object = state.ClickedKind == ObjectKind ? newValue : state.ParsedObject;
+    QString line;
+    line.reserve(96);
+    line += object + u'.' + command + u'(';
+    const CommandParameterLists& lists = CommandParameters(state.ParsedCommand);
+    if (state.ParsedCommand == WaitCommand)
+        return line + (state.ClickedSlot == 0 ? newValue : state.EssentialValue[0]) + u')';
+    const int essentials = lists.Essential.Count();
+    for (int slot = 0; slot < essentials; ++slot)
+        line += (slot == state.ClickedSlot ? newValue : state.EssentialValue[slot]) + ", ";
+    int written = 0;
+    for (int slot = 0; slot < lists.Optional.Count(); ++slot) {
+        if (state.OptionalValue[slot] == UnsetValue)
+            continue;
+        const int kind = lists.Optional[slot];
+        if (!Keywordless(kind))
+            line += ParameterKinds(kind).Name + u'=';
+        line += state.ClickedSlot == essentials + written ? newValue : state.OptionalValue[slot];
+        line += QStringLiteral(", ");
+        ++written;
+    }
+    return line + QStringLiteral("more...)");
+}
+
+QString DefaultLine(const QString& object, const QString& commandName) {
+    const KindList& essential = CommandParameters(CommandIndex(commandName)).Essential;
+    QString line = object + u'.' + commandName + u'(';
+    for (int slot = 0; slot < essential.Count(); ++slot)
+        line += ParameterKinds(essential[slot]).DefaultValue() + QStringLiteral(", ");
+    return line + QStringLiteral("more...)");
+}
+
+QString NormalizeLine(const QString& line) {
+    QString result = text::Replace(line, u", more...", u"");
+    result = text::Replace(result, u"(more...)", u"()");
+    result = text::Replace(result, u"BeginGently-EndAbruptly", u"BeginGently");
+    return text::Replace(result, u"BeginAbruptly-EndGently", u"BeginAbruptly");
+}
+
+ScriptRequest EditorForClick(const ParseState& state) {
+    ScriptRequest request;
+    if (ParameterKinds(state.ClickedKind).Class == ObjectClass) {
+        request.What = ScriptRequest::Kind::ObjectPicker;
+        request.Value = state.ClickedValue;
+    } else if (state.ClickedKind == 2) {
+        request.What = ScriptRequest::Kind::ActionMenu;
+    } else if (state.ClickedKind == MarkerKind) {
+        request.What = ScriptRequest::Kind::StarMenuAll;
+        request.Number = state.ParsedCommand;
+    } else if (state.ClickedKind >= 4 && state.ClickedKind <= LastStarRow) {
+        request.What = ScriptRequest::Kind::StarMenuRow;
+        request.Number = state.ClickedKind;
+    }
+    return request;
+}
+
+bool IsBlock(const QString& line) {
+    return text::Like(line, u"*DoInOrder*") || text::Like(line, u"*DoTogether*");
+}
+
+bool IsInOrderBlock(const QString& line) {
+    return text::Like(line, u"*DoInOrder*");
+}
+
+QString BareBlockWord(const QString& line) {
+    return IsInOrderBlock(line) ? QStringLiteral("DoInOrder") : QStringLiteral("DoTogether");
+}
+
+bool IsAnimationText(const QString& line) {
+    return text::Like(line, u"* = DoInOrder") || text::Like(line, u"* = DoTogether");
+}
+
+bool IsAnimationToDelete(const QString& line) {
+    return text::Like(line, u"*= DoInOrder") || text::Like(line, u"*= DoTogether");
+}
+
+bool IsAnimationInFile(const QString& line) {
+    return text::Like(line, u"*= DoInOrder*") || text::Like(line, u"*= DoTogether*");
+}
+
+QString AnimationName(const QString& line) {
+    return text::Before(line, u" = ");
+}
+
+bool IsSoundLine(const QString& line) {
+    return text::Like(line, u"PlaySound*");
+}
+
+bool IsBareSoundLine(const QString& line) {
+    return text::Like(line, u"PlaySound(*)");
+}
+
+QString AnimationText(const QString& name) {
+    return name + QStringLiteral(" = DoInOrder");
+}
+
+QString LabelledBlock(const QString& label, const QString& block) {
+    return label + QStringLiteral(" : ") + block;
+}
+
+QString SoundLine(const QString& soundName) {
+    return QStringLiteral("PlaySound(") + soundName + u')';
+}
+
+} // namespace vessa

@@ -1,0 +1,108 @@
+#include "script/script_model.h"
+
+#include "script/basic_text.h"
+#include "script/script_icons.h"
+#include "script/tree_walks.h"
+
+#include <QColor>
+
+namespace vessa {
+
+namespace {
+const QColor PythonLineBack(0xC0, 0xC0, 0xC0);
+} // namespace
+
+ScriptModel::ScriptModel(ScriptHost& host)
+    : host_(host), undo_(treeView1_, junkyard2_, animationNames_, host) {
+    Initialize();
+}
+
+void ScriptModel::Initialize() {
+    constructTree_.Clear();
+    for (const auto& [text, image] :
+         {std::pair{"DoInOrder", icons::InOrder}, std::pair{"DoTogether", icons::Together}}) {
+        TreeNode* block = constructTree_.AddRoot(QString(), QString::fromLatin1(text));
+        constructTree_.SetImage(block, image);
+        constructTree_.EnsureVisible(block);
+    }
+    junkyard2_.Clear();
+    junkyard2_.AddRoot(QString(), QStringLiteral("UndoMe"));
+    treeView1_.Clear();
+    animationCounter_ = 1;
+    TreeNode* first =
+        treeView1_.AddRoot(QStringLiteral("action1"), QStringLiteral("Action1 = DoInOrder"));
+    animationNames_.SetText(QStringLiteral("Action1"));
+    animationCounter_ = 2;
+    treeView1_.SetSelectedItem(first);
+    commandLineTreeview_.Clear();
+    commandLineTreeview_.AddRoot(QString(),
+                                 DefaultLine(QStringLiteral("Camera"), QStringLiteral("Move")));
+}
+
+void ScriptModel::UpdateNode(TreeNode* node, const QString& newValue, bool log) {
+    const QString line = UpdatedLine(parse_, newValue);
+    // Only lines of the script are recorded: the command line's is not part of a world.
+    if (log && undoRecording_ && node->Text().contains(u'(') && treeView1_.Contains(node))
+        UndoLog(UndoOperation::Changed, node);
+    node->Owner().SetText(node, line);
+}
+
+void ScriptModel::MakeDefaultLine(TreeNode* node, const QString& commandName) {
+    node->Owner().SetText(node, DefaultLine(parse_.ParsedObject, commandName));
+}
+
+TreeNode* ScriptModel::AddNewAnimation() {
+    // A name the user gave by hand may hold the next key already: skip to a free one.
+    while (treeView1_.NodeByKey(QStringLiteral("action%1").arg(animationCounter_)))
+        ++animationCounter_;
+    const QString name = QStringLiteral("Action%1").arg(animationCounter_);
+    TreeNode* root = treeView1_.AddRoot(name.toLower(), AnimationText(name));
+    UndoLog(UndoOperation::Added, root);
+    animationNames_.Append(name);
+    ++animationCounter_;
+    return root;
+}
+
+void ScriptModel::MakePythonLine(TreeNode* node) {
+    TreeControl& tree = node->Owner();
+    tree.SetText(node, text::Replace(node->Text(), u", more...", u""));
+    tree.SetBackColor(node, PythonLineBack);
+    tree.SetTag(node, PythonLineTag);
+    tree.StartLabelEdit(node);
+}
+
+void ScriptModel::ChangeBlockKind(TreeNode* block) {
+    UndoLog(UndoOperation::Changed, block);
+    const QString& line = block->Text();
+    treeView1_.SetText(block, IsInOrderBlock(line)
+                                  ? text::Replace(line, u"DoInOrder", u"DoTogether")
+                                  : text::Replace(line, u"DoTogether", u"DoInOrder"));
+    RefreshChildIcons(block);
+}
+
+void ScriptModel::RemoveValue(TreeNode* node) {
+    const int slot = CommandParameters(parse_.ParsedCommand).Optional.SlotOf(parse_.ClickedKind);
+    if (slot >= 0)
+        parse_.OptionalValue[slot] = UnsetValue;
+    parse_.ClickedSlot = -1;
+    UpdateNode(node, QString());
+}
+
+void ScriptModel::AfterLabelEdit(TreeNode* node, const QString& text) {
+    if (node->Text() == text)
+        return;
+    if (treeView1_.Contains(node))
+        UndoLog(UndoOperation::Changed, node);
+    node->Owner().SetText(node, text);
+}
+
+void ScriptModel::ReplaceObjectName(const QString& oldName, const QString& newName) {
+    TraverseTreeReplaceString(treeView1_.FirstRoot(), oldName, newName);
+}
+
+void ScriptModel::UndoLog(UndoOperation operation, const TreeNode* node, const TreeNode* otherNode,
+                          int count) {
+    undo_.UndoLog(operation, node, otherNode, count);
+}
+
+} // namespace vessa

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "controls/tree_control.h"
+#include "script/animation_name_list.h"
+#include "script/script_line.h"
+#include "script/tree_undo_log.h"
+
+namespace vessa {
+
+class ScriptHost;
+
+// The script of the open world and every change to it that is not a menu's or an
+// editor's own: the animations tree TreeView1, the helper trees around it, the parse
+// state of the last click, the animation names and counter, and the undo log. The text
+// of the nodes is the script; there is no parsed form behind it.
+class ScriptModel {
+public:
+    explicit ScriptModel(ScriptHost& host);
+    ScriptModel(const ScriptModel&) = delete;
+    ScriptModel& operator=(const ScriptModel&) = delete;
+
+    ScriptHost& Host() const { return host_; }
+    // The animations: roots named "<name> = DoInOrder", blocks inside, lines as leaves.
+    TreeControl& TreeView1() { return treeView1_; }
+    // The palette of blocks to drag: "DoInOrder" and "DoTogether".
+    TreeControl& ConstructTree() { return constructTree_; }
+    // The one line of the command line tool.
+    TreeControl& CommandLineTreeview() { return commandLineTreeview_; }
+    // Hidden: the saved copies of the undo log under "UndoMe".
+    TreeControl& junkyard2() { return junkyard2_; }
+    // Hidden: what was cut or copied.
+    TreeControl& CopyBuffer() { return copyBuffer_; }
+
+    ParseState& Parse() { return parse_; }
+    AnimationNameList& AnimationNames() { return animationNames_; }
+    // The number of the next default animation name; it never goes back.
+    int AnimationCounter() const { return animationCounter_; }
+    // Off while a compound change does its own logging.
+    bool UndoRecording() const { return undoRecording_; }
+    void SetUndoRecording(bool on) { undoRecording_ = on; }
+
+    // Rewrites the node from the parse state with newValue in place of the piece
+    // clicked, recording the old text first when log is set and the line has a "(".
+    // A failure leaves the line as it was.
+    void UpdateNode(TreeNode* node, const QString& newValue, bool log = true);
+    // Writes the default line of a command for the parsed object into the node.
+    void MakeDefaultLine(TreeNode* node, const QString& commandName);
+
+    // "Action<n> = DoInOrder" after the last root, recorded for undo.
+    TreeNode* AddNewAnimation();
+    // The line becomes free Python text on grey, and its editing starts.
+    void MakePythonLine(TreeNode* node);
+    // DoInOrder becomes DoTogether or the reverse, and the icons follow.
+    void ChangeBlockKind(TreeNode* block);
+    // Removes from the parsed line the optional value of the kind clicked.
+    void RemoveValue(TreeNode* node);
+    // A node's text edited in place: recorded like any other change of a line.
+    void AfterLabelEdit(TreeNode* node, const QString& text);
+    // An object was renamed: the lines that call it or name it after "=" follow.
+    void ReplaceObjectName(const QString& oldName, const QString& newName);
+
+    void UndoLog(UndoOperation operation, const TreeNode* node, const TreeNode* otherNode = nullptr,
+                 int count = 0);
+    void UndoFromLog() { undo_.UndoFromLog(); }
+    const TreeUndoLog& TreeUndoRecords() const { return undo_; }
+
+    // The node a drag would take, the button that pressed it, and where the last click
+    // fell, in twips of the tree.
+    NodeRef DragNode;
+    Qt::MouseButton DragButton = Qt::NoButton;
+    double LastClickX = 0;
+    double LastClickY = 0;
+
+private:
+    void Initialize();
+
+    ScriptHost& host_; // Not owned.
+    TreeControl treeView1_;
+    TreeControl constructTree_;
+    TreeControl commandLineTreeview_;
+    TreeControl junkyard2_;
+    TreeControl copyBuffer_;
+    ParseState parse_;
+    AnimationNameList animationNames_;
+    int animationCounter_ = 1;
+    bool undoRecording_ = true;
+    TreeUndoLog undo_;
+};
+
+} // namespace vessa

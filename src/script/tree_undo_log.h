@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace vessa {
+
+class AnimationNameList;
+class ScriptHost;
+class TreeControl;
+class TreeNode;
+struct PathWalk;
+
+// What an undo record says happened to a node.
+enum class UndoOperation : int {
+    Added = 1,     // the node at path was added
+    Removed = 2,   // the node at path is about to be removed; its subtree is saved
+    Changed = 3,   // the node's text is about to change; the old text is saved
+    Moved = 4,     // the node moves from oldPath to newPath; its subtree is saved
+    Expansion = 5, // the node was opened or closed
+};
+
+// The script tree's undo history: text records, newest first, that address nodes by
+// path since undo re-creates nodes, and saved copies of nodes under the root "UndoMe"
+// of a hidden tree, newest last, in the order of the records that need one. There is
+// no redo. Recording a change is also where the world becomes modified.
+//
+// A record reads "<operation>,<path>,<count>", or "4,<newPath>,<oldPath>,<count>" for a
+// move; count is how many records of the event list's log undo replays first.
+class TreeUndoLog {
+public:
+    TreeUndoLog(TreeControl& tree, TreeControl& junkyard, AnimationNameList& animationNames,
+                ScriptHost& host);
+
+    // Records a change; otherNode is the moved node's new copy for Moved.
+    void UndoLog(UndoOperation operation, const TreeNode* node, const TreeNode* otherNode = nullptr,
+                 int count = 0);
+    // Reverses the newest record; nothing when there is none. Where the tree changed in
+    // a way the log does not know of, nodes go back as near their place as the path
+    // allows. A malformed count fails with RunTimeError::TypeMismatch.
+    void UndoFromLog();
+
+    bool IsEmpty() const { return records_.isEmpty(); }
+    // The records, newest first, each ended by CR LF.
+    QString Text() const;
+    void Clear();
+
+private:
+    void MarkModified();
+    TreeNode* UndoMe();
+    TreeNode* SaveCopy();
+    TreeNode* LastCopy() const;
+    void DropCopy(TreeNode* copy);
+    TreeNode* Restore(const PathWalk& walk, TreeNode* copy);
+    TreeNode* UndoAdded(const PathWalk& walk);
+    TreeNode* UndoRemoved(const PathWalk& walk);
+    TreeNode* UndoChanged(const PathWalk& walk);
+    TreeNode* UndoMoved(const PathWalk& walk, const QString& oldPath);
+
+    TreeControl& tree_;                 // Not owned.
+    TreeControl& junkyard_;             // Not owned.
+    AnimationNameList& animationNames_; // Not owned.
+    ScriptHost& host_;                  // Not owned.
+    QStringList records_;               // oldest first
+};
+
+} // namespace vessa

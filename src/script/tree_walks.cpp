@@ -1,0 +1,148 @@
+#include "script/tree_walks.h"
+
+#include "controls/tree_control.h"
+#include "core/run_time_error.h"
+#include "script/basic_text.h"
+#include "script/script_line.h"
+
+#include <QColor>
+#include <QStringList>
+#include <QVarLengthArray>
+
+#include <algorithm>
+
+namespace vessa {
+
+namespace {
+
+const QString LineEnd = QStringLiteral("\r\n");
+const QColor Grey(0xC0, 0xC0, 0xC0);
+
+enum class BlockHeader { AsWritten, BareWord };
+
+void WriteNode(const TreeNode* node, const QString& indent, BlockHeader header, QString& buffer) {
+    const QString& line = node->Text();
+    if (!IsBlock(line)) {
+        buffer += indent + NormalizeLine(line) + u',' + LineEnd;
+        return;
+    }
+    buffer +=
+        indent + (header == BlockHeader::BareWord ? BareBlockWord(line) : line) + u'(' + LineEnd;
+    const QString inner = indent + u'\t';
+    for (const TreeNode* child = node->Child(); child; child = child->Next())
+        WriteNode(child, inner, header, buffer);
+    buffer += indent + (node->Parent() ? QStringLiteral("),") : QStringLiteral(")")) + LineEnd;
+}
+
+void CopyFields(TreeNode* destination, const TreeNode* source, const AddNodesOptions& options) {
+    TreeControl& tree = destination->Owner();
+    tree.SetText(destination, source->Text());
+    tree.SetTag(destination, source->Tag());
+    tree.SetImage(destination, source->Image());
+    tree.SetForeColor(destination, source->ForeColor());
+    tree.SetBackColor(destination, source->BackColor());
+    if (options.KeepExpanded)
+        tree.SetExpanded(destination, source->Expanded());
+    if (!options.ExcludedTag.isEmpty() && text::Same(source->Tag(), options.ExcludedTag))
+        tree.SetForeColor(destination, Grey);
+    if (!options.WantedTag.isEmpty() && text::Same(source->Tag(), options.WantedTag)) {
+        tree.SetSelectedItem(destination);
+        tree.SetDropHighlight(destination);
+    }
+}
+
+} // namespace
+
+QString NodePath(const TreeNode* node) {
+    return NodePath(node, nullptr);
+}
+
+QString NodePath(const TreeNode* node, const TreeNode* absent) {
+    QVarLengthArray<int, 8> rows;
+    for (; node; node = node->Parent()) {
+        const bool before =
+            absent && absent->Parent() == node->Parent() && absent->Row() < node->Row();
+        rows.append(node->Row() - (before ? 1 : 0));
+    }
+    QString path;
+    for (auto row = rows.crbegin(); row != rows.crend(); ++row) {
+        if (!path.isEmpty())
+            path += u':';
+        path += QString::number(*row);
+    }
+    return path;
+}
+
+int ToInteger(const QString& text) {
+    bool ok = false;
+    const int value = text.trimmed().toInt(&ok);
+    if (!ok)
+        throw RunTimeError::Conversion("ToInteger");
+    return value;
+}
+
+PathWalk ResolvePath(const TreeControl& tree, const QString& path) {
+    PathWalk walk;
+    if (!tree.FirstRoot())
+        return walk;
+    const QStringList fields = path.split(u':');
+    for (qsizetype field = 0; field < fields.size(); ++field) {
+        // Stepping to the next sibling n times, stopping at the last one there is.
+        const int count = field == 0 ? tree.RootCount() : walk.Node->Children();
+        if (count == 0) {
+            walk.NoChild = true;
+            return walk;
+        }
+        const int steps = std::max(ToInteger(fields[field]), 0);
+        walk.RanOffTheEnd = steps >= count;
+        const int row = std::min(steps, count - 1);
+        walk.Node = field == 0 ? tree.RootAt(row) : walk.Node->ChildAt(row);
+        if (walk.RanOffTheEnd)
+            return walk;
+    }
+    return walk;
+}
+
+void AddNodes(TreeNode* destination, const TreeNode* source, const AddNodesOptions& options) {
+    CopyFields(destination, source, options);
+    TreeControl& tree = destination->Owner();
+    for (const TreeNode* child = source->Child(); child; child = child->Next())
+        AddNodes(tree.Add(destination, Relation::Child, QString(), QString()), child, options);
+}
+
+void TraverseTree(const TreeNode* node, const QString& indent, QString& buffer) {
+    WriteNode(node, indent, BlockHeader::AsWritten, buffer);
+}
+
+void TraverseTreeForLine(const TreeNode* node, const QString& indent, QString& buffer) {
+    WriteNode(node, indent, BlockHeader::BareWord, buffer);
+}
+
+void TraverseTreeForScript(const TreeNode* node, const QString& indent, QString& buffer) {
+    WriteNode(node, indent, BlockHeader::BareWord, buffer);
+}
+
+void TraverseTreeToFile(const TreeNode* node, int depth, QString& buffer) {
+    // The top level goes along siblings in a loop; each subtree goes down by recursion.
+    for (; node; node = node->Parent() ? nullptr : node->Next()) {
+        buffer += node->Text() + LineEnd + QString::number(depth) + LineEnd +
+                  (node->Expanded() ? u'1' : u'0') + LineEnd + node->Tag() + LineEnd;
+        for (const TreeNode* child = node->Child(); child; child = child->Next())
+            TraverseTreeToFile(child, depth + 1, buffer);
+    }
+}
+
+void TraverseTreeReplaceString(TreeNode* node, const QString& oldName, const QString& newName) {
+    const QString oldCall = oldName + u'.', newCall = newName + u'.';
+    const QString oldValue = u'=' + oldName, newValue = u'=' + newName;
+    for (; node; node = node->Next()) {
+        const QString& line = node->Text();
+        if (line.contains(oldName, Qt::CaseInsensitive))
+            node->Owner().SetText(
+                node, text::Replace(text::Replace(line, oldCall, newCall), oldValue, newValue));
+        if (node->Child())
+            TraverseTreeReplaceString(node->Child(), oldName, newName);
+    }
+}
+
+} // namespace vessa

@@ -1,0 +1,150 @@
+#include "script/script_model.h"
+#include "script/script_panel.h"
+#include "script_test_support.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QAccessible>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace vessa;
+using vessa::testing::FakeScriptHost;
+using Kind = ScriptRequest::Kind;
+
+namespace {
+
+struct Panel : ::testing::Test {
+
+    FakeScriptHost host;
+    ScriptModel script{host};
+    ScriptPanel panel{script};
+    TreeControlView& view = panel.TreeView1View();
+    TreeNode* action1 = script.TreeView1().FirstRoot();
+    TreeNode* line = nullptr;
+
+    void SetUp() override {
+        line = script.TreeView1().Add(action1, Relation::Child, "",
+                                      "Camera.Move(Forward, 1, Duration=2, more...)");
+        script.TreeView1().SetExpanded(action1, true);
+        panel.resize(500, 400);
+        panel.show();
+        QApplication::processEvents();
+    }
+
+    // The middle of the glyph at offset, as the view draws the node's text.
+    QPoint AtCharacter(const TreeNode* node, int offset) {
+        const QFontMetrics metrics(view.font());
+        const QString& text = node->Text();
+        return {view.NodeRect(node).left() + metrics.horizontalAdvance(text.left(offset)) +
+                    metrics.horizontalAdvance(text.at(offset)) / 2,
+                view.NodeRect(node).center().y()};
+    }
+
+    void Click(Qt::MouseButton button, const QPoint& point) {
+        QTest::mouseClick(view.viewport(), button, {}, point);
+        QApplication::processEvents();
+    }
+
+    QAction* MenuRow(const QString& caption) {
+        for (QAction* action : panel.OpenMenu()->actions())
+            if (action->text() == caption)
+                return action;
+        return nullptr;
+    }
+};
+
+} // namespace
+
+TEST_F(Panel, AClickOnAGlyphOfTheTreeReachesTheDispatcherAsThePieceUnderIt) {
+    Click(Qt::LeftButton, AtCharacter(line, 14));
+    ASSERT_EQ(host.requests.size(), 1u);
+    EXPECT_EQ(host.requests[0].What, Kind::StarMenuRow);
+    EXPECT_EQ(host.requests[0].Number, 5);
+    EXPECT_EQ(host.requests[0].ScreenPoint, view.viewport()->mapToGlobal(AtCharacter(line, 14)));
+    Click(Qt::LeftButton, AtCharacter(line, 28));
+    EXPECT_EQ(host.requests.back().Number, 17);
+    Click(Qt::LeftButton, AtCharacter(line, 8));
+    EXPECT_EQ(host.requests.back().What, Kind::ActionMenu);
+}
+
+TEST_F(Panel, RightClickMenusChangeTheScriptAndUndoTakesItBack) {
+    Click(Qt::RightButton, AtCharacter(action1, 2));
+    ASSERT_NE(panel.OpenMenu(), nullptr);
+    EXPECT_FALSE(MenuRow("Remove Value")->isVisible());
+    MenuRow("Change to DoTogether")->trigger();
+    EXPECT_EQ(action1->Text(), "Action1 = DoTogether");
+    EXPECT_EQ(line->Image(), 9);
+    EXPECT_EQ(host.caption, "Vessa47 - Default [modified]");
+
+    Click(Qt::RightButton, QPoint(300, 350));
+    EXPECT_EQ(panel.OpenMenu()->accessibleName(), "Blank Space");
+    MenuRow("Add New Action")->trigger();
+    EXPECT_EQ(script.TreeView1().RootCount(), 2);
+    MenuRow("Add Python Code Box")->trigger();
+    EXPECT_EQ(host.requests.back().What, Kind::BlankCommand);
+
+    panel.UndoFromLog();
+    panel.UndoFromLog();
+    EXPECT_EQ(script.TreeView1().RootCount(), 1);
+    EXPECT_EQ(action1->Text(), "Action1 = DoInOrder");
+    EXPECT_TRUE(host.errors.empty());
+}
+
+TEST_F(Panel, APythonLineIsTypedInPlaceAndTheEditIsRecorded) {
+    Click(Qt::RightButton, AtCharacter(line, 2));
+    MenuRow("Type Programming Language Code (Python)")->trigger();
+    auto* box = panel.findChild<QMessageBox*>();
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->windowTitle(), "Warning - Typing ahead");
+    box->button(QMessageBox::Yes)->click();
+    QApplication::processEvents();
+    EXPECT_EQ(line->Tag(), "1");
+
+    auto* editor = view.viewport()->findChild<QLineEdit*>();
+    ASSERT_NE(editor, nullptr);
+    editor->setText("print 'hello'");
+    QTest::keyClick(editor, Qt::Key_Return);
+    QApplication::processEvents();
+    EXPECT_EQ(line->Text(), "print 'hello'");
+
+    panel.UndoFromLog();
+    EXPECT_EQ(line->Text(), "Camera.Move(Forward, 1, Duration=2)");
+}
+
+TEST_F(Panel, ViewsHaveStableNamesAndItemsTellTheirPlace) {
+    EXPECT_EQ(panel.accessibleName(), "Animations");
+    // The first animation starts selected.
+    EXPECT_TRUE(view.selectionModel()->isSelected(view.ItemModel().IndexOf(action1)));
+    EXPECT_EQ(view.accessibleName(), "Script");
+    EXPECT_EQ(panel.ConstructTreeView().accessibleName(), "Blocks");
+    EXPECT_EQ(panel.CommandLineTreeviewView().accessibleName(), "Command line");
+    // What a screen reader is told about the line's cell.
+    QAccessibleInterface* tree = QAccessible::queryAccessibleInterface(&view);
+    ASSERT_NE(tree, nullptr);
+    QString description;
+    for (int child = 0; child < tree->childCount(); ++child)
+        if (tree->child(child)->text(QAccessible::Name) == line->Text())
+            description = tree->child(child)->text(QAccessible::Description);
+    EXPECT_EQ(description, "Level 2, inside Action1 = DoInOrder");
+    EXPECT_FALSE(panel.ConstructTreeView()
+                     .ItemModel()
+                     .index(0, 0)
+                     .data(Qt::DecorationRole)
+                     .value<QIcon>()
+                     .isNull());
+}
+
+TEST_F(Panel, ClicksAreMeasuredInTheFontTheScriptIsShownIn) {
+    QFont big = view.font();
+    big.setPointSize(big.pointSize() * 2);
+    panel.ApplyScriptFont(big);
+    QApplication::processEvents();
+    Click(Qt::LeftButton, AtCharacter(line, 28));
+    ASSERT_FALSE(host.requests.empty());
+    EXPECT_EQ(host.requests.back().Number, 17);
+    EXPECT_EQ(panel.CommandLineTreeviewView().font(), big);
+}

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "controls/tree_control.h"
+#include "controls/tree_geometry.h"
+#include "core/run_time_error.h"
+#include "script/script_host.h"
+#include "script/script_request.h"
+
+#include <QFontMetrics>
+
+#include <vector>
+
+namespace vessa::testing {
+
+// The window around the script: remembers the caption, the dirty flag, the event log
+// replays and the requests it was asked to show.
+class FakeScriptHost : public ScriptHost {
+public:
+    bool ScriptDirty() const override { return dirty; }
+    void SetScriptDirty(bool value) override { dirty = value; }
+    QString Caption() const override { return caption; }
+    void SetCaption(const QString& value) override { caption = value; }
+    void LVUndoFromLog() override { ++eventUndos; }
+    void Dispatch(const ScriptRequest& request) override { requests.push_back(request); }
+    void ReportError(const RunTimeError& error) override { errors.push_back(error.number()); }
+
+    bool dirty = false;
+    QString caption = "Vessa47 - Default";
+    int eventUndos = 0;
+    std::vector<ScriptRequest> requests;
+    std::vector<int> errors;
+};
+
+// A tree laid out as a tree view lays it out, without a window: one row of RowHeight
+// per shown node, indented by depth, an icon, then the text in a real font.
+class FakeTreeGeometry : public TreeGeometry {
+public:
+    static constexpr int RowHeight = 20;
+
+    explicit FakeTreeGeometry(const TreeControl& tree) : tree_(tree) {
+        font_ = QFont("DejaVu Sans", 10);
+    }
+
+    TreeNode* HitTest(const QPoint& point) const override {
+        const std::vector<TreeNode*> rows = Rows();
+        const int row = point.y() / RowHeight;
+        if (point.y() < 0 || row >= static_cast<int>(rows.size()))
+            return nullptr;
+        TreeNode* node = rows[static_cast<size_t>(row)];
+        return point.x() >= TextLeft(node) - 20 ? node : nullptr;
+    }
+
+    QRect NodeRect(const TreeNode* node) const override {
+        const std::vector<TreeNode*> rows = Rows();
+        for (size_t row = 0; row < rows.size(); ++row)
+            if (rows[row] == node)
+                return QRect(TextLeft(node), static_cast<int>(row) * RowHeight,
+                             QFontMetrics(font_).horizontalAdvance(node->Text()), RowHeight);
+        return {};
+    }
+
+    int ItemHeight() const override { return RowHeight; }
+    QFont TextFont() const override { return font_; }
+    double TwipsPerPixel() const override { return 15; }
+
+    // The middle of character offset of node's text.
+    QPoint AtCharacter(const TreeNode* node, int offset) const {
+        const QFontMetrics metrics(font_);
+        const QString& text = node->Text();
+        const int x = NodeRect(node).left() + metrics.horizontalAdvance(text.left(offset)) +
+                      metrics.horizontalAdvance(text.at(offset)) / 2;
+        return {x, NodeRect(node).center().y()};
+    }
+
+private:
+    static int TextLeft(const TreeNode* node) { return 20 * node->Depth() + 24; }
+
+    std::vector<TreeNode*> Rows() const {
+        std::vector<TreeNode*> rows;
+        AddRows(tree_.FirstRoot(), rows);
+        return rows;
+    }
+
+    static void AddRows(TreeNode* node, std::vector<TreeNode*>& rows) {
+        for (; node; node = node->Next()) {
+            rows.push_back(node);
+            if (node->Expanded())
+                AddRows(node->Child(), rows);
+        }
+    }
+
+    const TreeControl& tree_;
+    QFont font_;
+};
+
+} // namespace vessa::testing
