@@ -1,6 +1,6 @@
 #include "core/error_form.h"
 
-#include "core/accessible_names.h"
+#include "controls/accessible_names.h"
 
 #include <QApplication>
 #include <QClipboard>

@@ -1,6 +1,6 @@
 #include "core/help_form.h"
 
-#include "core/accessible_names.h"
+#include "controls/accessible_names.h"
 
 #include <QTextBrowser>
 #include <QUrl>

@@ -1,9 +1,13 @@
 #include "core/main_form.h"
 
-#include "core/accessible_names.h"
+#include "controls/accessible_names.h"
 #include "core/error_form.h"
 #include "core/output_limits.h"
 #include "core/render_form.h"
+#include "core/view_hosts.h"
+
+#include "script/script_model.h"
+#include "script/script_panel.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -11,8 +15,13 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QSplitter>
+#include <QStackedWidget>
 #include <QStatusBar>
+#include <QStyle>
+#include <QTabBar>
 #include <QTextEdit>
+#include <QToolButton>
+#include <QVBoxLayout>
 
 namespace vessa {
 
@@ -88,14 +97,15 @@ const MenuSpec kMenus[] = {
 MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
                    RenderForm& renderForm)
     : state_(state), engine_(engine), reporter_(reporter), renderForm_(renderForm),
-      differences_(state, engine, reporter, *this), outputText_(new QTextEdit(this)),
-      openingSceneFrame_(new QFrame(this)) {
+      differences_(state, engine, reporter, *this), script_(std::make_unique<ScriptModel>(*this)),
+      outputText_(new QTextEdit(this)), openingSceneFrame_(new QFrame(this)) {
     setObjectName(QStringLiteral("MainForm"));
     setWindowTitle(QStringLiteral("Vessa47"));
     menuBar()->setObjectName(QStringLiteral("menuBar"));
     buildMenus();
 
     openingSceneFrame_->setObjectName(QStringLiteral("OpeningSceneFrame"));
+    markViewHost(openingSceneFrame_, OpeningSceneHost);
     openingSceneFrame_->setFrameShape(QFrame::StyledPanel);
     openingSceneFrame_->setMinimumSize(320, 240);
     openingSceneFrame_->setStyleSheet(
@@ -109,7 +119,7 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
 
     auto* split = new QSplitter(Qt::Vertical, this);
     split->setObjectName(QStringLiteral("SplitterH1"));
-    split->addWidget(openingSceneFrame_);
+    split->addWidget(buildScriptTabs());
     split->addWidget(outputText_);
     split->setStretchFactor(0, 11);
     split->setStretchFactor(1, 1);
@@ -120,6 +130,136 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     connect(&IdleTimer, &QTimer::timeout, this, &MainForm::IdleTimer_Timer);
 
     applyAccessibleNames(this);
+    SwitchToTab(0);
+}
+
+MainForm::~MainForm() = default;
+
+QWidget* MainForm::buildOpeningScenePanel() {
+    auto* panel = new QWidget(this);
+    panel->setObjectName(QStringLiteral("OpeningScenePanel"));
+    auto* layout = new QVBoxLayout(panel);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(openingSceneFrame_);
+    return panel;
+}
+
+// The tab bar over the two panels: the opening scene, and the script that the
+// animation and event tabs share.
+QWidget* MainForm::buildScriptTabs() {
+    auto* area = new QWidget(this);
+    switchTab_ = new QTabBar(area);
+    switchTab_->setObjectName(QStringLiteral("SwitchTab"));
+    for (const char* caption : {"Opening Scene", "Animations", "Events"})
+        switchTab_->addTab(QString::fromUtf8(caption));
+    connect(switchTab_, &QTabBar::tabBarClicked, this, [this](int tab) {
+        if (tab >= 0)
+            SwitchToTab(tab);
+    });
+
+    scriptPanel_ = new ScriptPanel(*script_, area);
+    scriptUndoButton_ = new QToolButton(area);
+    scriptUndoButton_->setObjectName(QStringLiteral("ScriptUndoButton"));
+    scriptUndoButton_->setIcon(style()->standardIcon(QStyle::SP_ArrowBack));
+    scriptUndoButton_->setToolTip(QStringLiteral("Undo Changes to Script"));
+    connect(scriptUndoButton_, &QToolButton::clicked, scriptPanel_, &ScriptPanel::UndoFromLog);
+    auto* scriptTab = new QWidget(area);
+    auto* scriptLayout = new QVBoxLayout(scriptTab);
+    scriptLayout->setContentsMargins(0, 0, 0, 0);
+    scriptLayout->addWidget(scriptUndoButton_, 0, Qt::AlignLeft);
+    scriptLayout->addWidget(scriptPanel_, 1);
+
+    sceneScriptTab_ = new QStackedWidget(area);
+    sceneScriptTab_->addWidget(buildOpeningScenePanel());
+    sceneScriptTab_->addWidget(scriptTab);
+
+    auto* layout = new QVBoxLayout(area);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    layout->addWidget(switchTab_);
+    layout->addWidget(sceneScriptTab_, 1);
+    return area;
+}
+
+void MainForm::SwitchToTab(int tab) {
+    const int old = world_.SceneScriptTab;
+    if (switchTab_->currentIndex() != tab || old != tab) {
+        try {
+            if (tab == 0) {
+                enableMenuItems({"FileOpeningScene", "FileStartCameraHere", "EditFindMenuButton",
+                                 "EditUndoTextMenuButton", "EditPasteMenuButton",
+                                 "EditCutMenuButton", "EditCopyMenuButton", "EditDeleteMenuButton"},
+                                false);
+                if (old != 0)
+                    runTool(QStringLiteral("RestoreHandbasket()"),
+                            QStringLiteral("MainForm:SwitchToTab: Error restoring handbasket."));
+            } else {
+                if (old == 0)
+                    runTool(QStringLiteral("PreserveHandbasket()"),
+                            QStringLiteral("MainForm:SwitchToTab: Error restoring handbasket."));
+                enableMenuItems({"EditUndoTextMenuButton", "EditCutMenuButton",
+                                 "EditCopyMenuButton", "EditDeleteMenuButton"},
+                                true);
+                scriptPanel_->ConstructTreeView().setVisible(tab == 1);
+            }
+            world_.SceneScriptTab = tab;
+            switchTab_->setCurrentIndex(tab);
+            sceneScriptTab_->setCurrentIndex(tab == 0 ? 0 : 1);
+            if (tab == 0 && engine_.isSet())
+                reporter_.CheckInterpreterResult(
+                    engine_.call(QStringLiteral("SetIsDirty"), {0}),
+                    QStringLiteral("MainForm:SwitchToTab: Error making world clean."));
+        } catch (const RunTimeError& e) {
+            reporter_.reportAtTop(ReportForm::C, QStringLiteral("VB:MainForm:SwitchToTab() Error"),
+                                  e);
+        }
+    }
+    // The camera view lives in the opening-scene panel, and in the camera
+    // window while a script tab shows.
+    if (tab == 0 && old != 0)
+        moveCameraView(openingSceneFrame_);
+    else if (tab != 0 && old == 0)
+        moveCameraView(renderForm_.RenderFrame());
+}
+
+void MainForm::enableMenuItems(std::initializer_list<const char*> controls, bool enabled) {
+    for (const char* control : controls)
+        if (QAction* action = findChild<QAction*>(QString::fromUtf8(control)))
+            action->setEnabled(enabled);
+}
+
+void MainForm::moveCameraView(QWidget* host) {
+    if (!engine_.isSet())
+        return;
+    if (host == openingSceneFrame_)
+        renderForm_.hide();
+    try {
+        engine_.call(QStringLiteral("setimagenavigatorsize"), {host->width(), host->height()});
+        engine_.call(QStringLiteral("setimagenavigatorparent"), {viewHostId(host)});
+    } catch (const RunTimeError&) {
+        // A view that can't move stays where it is; the world still runs.
+    }
+    if (host != openingSceneFrame_)
+        renderForm_.show();
+}
+
+void MainForm::runTool(const QString& statement, const QString& failureMessage) {
+    reporter_.CheckInterpreterResult(engine_.ExecuteCode(statement, QStringLiteral("<Tool>")),
+                                     failureMessage);
+}
+
+void MainForm::LVUndoFromLog() {
+    // The event list keeps no log yet: nothing of it can need undoing.
+}
+
+void MainForm::Dispatch(const ScriptRequest&) {
+    // The menus and editors that clicks on script lines ask for arrive with the
+    // action menu, the star menu and the editors; until then a click only selects.
+}
+
+void MainForm::ReportError(const RunTimeError& error) {
+    reporter_.reportAtTop(
+        ReportForm::C, QStringLiteral("VB: ") + error.source() + QStringLiteral(" -Error"), error);
 }
 
 void MainForm::buildMenus() {
@@ -140,6 +280,9 @@ void MainForm::buildMenus() {
     }
     // Shown only when the engine offers site commands.
     findChild<QMenu*>(QStringLiteral("SiteSpecificMenuButton"))->menuAction()->setVisible(false);
+    QAction* undo = findChild<QAction*>(QStringLiteral("EditUndoTextMenuButton"));
+    undo->setShortcut(QKeySequence::Undo);
+    connect(undo, &QAction::triggered, this, [this] { scriptPanel_->UndoFromLog(); });
     QAction* exit = findChild<QAction*>(QStringLiteral("FileExitMenuButton"));
     exit->setEnabled(true);
     exit->setShortcut(QKeySequence::Quit);
@@ -166,16 +309,20 @@ int MainForm::SaveChangesPrompt() {
         this, QStringLiteral("Vessa47"), QStringLiteral("Save changes to your world first?"),
         QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
     if (answer == QMessageBox::Yes) {
-        FileSaveMenuButton_Click();
+        if (!FileSaveMenuButton_Click())
+            return 2; // not saved: keep the world open rather than lose it
         return 0;
     }
     // A box closed without a choice keeps the world open, as Cancel does.
     return answer == QMessageBox::No ? 1 : 2;
 }
 
-void MainForm::FileSaveMenuButton_Click() {
-    // Saving a world arrives with the world folder; until then nothing can be
-    // dirty, so nothing is lost here.
+bool MainForm::FileSaveMenuButton_Click() {
+    // Worlds can't be written to a folder yet; say so rather than pretend.
+    QMessageBox::information(this, QStringLiteral("Vessa47"),
+                             QStringLiteral("This version of Vessa47 can't save worlds yet, so "
+                                            "your world stays open."));
+    return false;
 }
 
 void MainForm::SetSaveName(const QString& name) {

@@ -5,24 +5,32 @@
 #include "core/engine_link.h"
 #include "core/error_reporter.h"
 #include "core/world_status.h"
+#include "script/script_host.h"
 
 #include <QMainWindow>
 #include <QTimer>
+#include <memory>
 
-class QTextEdit;
 class QFrame;
+class QStackedWidget;
+class QTabBar;
+class QTextEdit;
+class QToolButton;
 
 namespace vessa {
 
 class RenderForm;
+class ScriptModel;
+class ScriptPanel;
 
 // The main window: the hub through which the panels of every subsystem reach
 // each other. It stays a facade: records go to the DifferenceHandler, dirty
-// logic to WorldStatus, errors to the ErrorReporter.
-class MainForm : public QMainWindow, public DifferenceView {
+// logic to WorldStatus, errors to the ErrorReporter, the script to its model.
+class MainForm : public QMainWindow, public DifferenceView, public ScriptHost {
     Q_OBJECT
 public:
     MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter, RenderForm& renderForm);
+    ~MainForm() override;
 
     void HandleDifferences(const QVariant& differences) {
         differences_.HandleDifferences(differences);
@@ -37,7 +45,13 @@ public:
     void CleanUpAndExit();
     void setIdleTimerInterval(int ms);
 
+    // Shows tab 0 (opening scene), 1 (animations) or 2 (events). Leaving the
+    // opening scene keeps its state aside in the engine; coming back puts it back.
+    void SwitchToTab(int tab);
+
     QWidget* OpeningSceneFrame() const;
+    ScriptModel& script() { return *script_; }
+    ScriptPanel& scriptPanel() { return *scriptPanel_; }
     QTextEdit* OutputText() const { return outputText_; }
     WorldStatus& world() { return world_; }
     bool worldIsDirty = false;
@@ -53,6 +67,15 @@ public:
     void pumpEvents() override;
     void showUserError(const ErrorFormContent& content) override;
 
+    // ScriptHost
+    bool ScriptDirty() const override { return world_.ScriptDirty; }
+    void SetScriptDirty(bool dirty) override { world_.ScriptDirty = dirty; }
+    QString Caption() const override { return windowTitle(); }
+    void SetCaption(const QString& caption) override { setWindowTitle(caption); }
+    void LVUndoFromLog() override;
+    void Dispatch(const ScriptRequest& request) override;
+    void ReportError(const RunTimeError& error) override;
+
     // A diagnostic line in blue; off unless the program is built to trace.
     void LogMessage(const QString& text);
 
@@ -61,8 +84,14 @@ protected:
 
 private:
     void buildMenus();
+    QWidget* buildOpeningScenePanel();
+    QWidget* buildScriptTabs();
+    void enableMenuItems(std::initializer_list<const char*> controls, bool enabled);
+    void moveCameraView(QWidget* host);
+    void runTool(const QString& statement, const QString& failureMessage);
     void IdleTimer_Timer();
-    void FileSaveMenuButton_Click();
+    // Answers whether the world was saved.
+    bool FileSaveMenuButton_Click();
 
     AppState& state_;
     EngineLink& engine_;
@@ -70,8 +99,13 @@ private:
     RenderForm& renderForm_;
     DifferenceHandler differences_;
     WorldStatus world_;
+    std::unique_ptr<ScriptModel> script_;
     QTextEdit* outputText_;
     QFrame* openingSceneFrame_;
+    QTabBar* switchTab_ = nullptr;
+    QStackedWidget* sceneScriptTab_ = nullptr; // 0 the opening scene, 1 the script
+    ScriptPanel* scriptPanel_ = nullptr;
+    QToolButton* scriptUndoButton_ = nullptr;
     // Keeps the engine stepping while a dialog or an external tool holds the
     // main loop.
     QTimer IdleTimer;

@@ -5,6 +5,7 @@
 #include "core/main_form.h"
 #include "core/render_form.h"
 #include "core/splash_screen.h"
+#include "core/view_hosts.h"
 
 #include <QApplication>
 #include <QScreen>
@@ -15,10 +16,6 @@
 namespace vessa {
 
 namespace {
-
-// The registry of host windows shared with the engine: a host is named by an
-// integer id; the program has one host now, the opening-scene panel.
-constexpr qint64 kOpeningSceneHostId = 1;
 
 double twipsPerPixelOf(double logicalDpi) {
     return logicalDpi > 0 ? 1440.0 / logicalDpi : 15.0;
@@ -102,7 +99,7 @@ void QtShell::setMainFormCaption(const QString& caption) {
 }
 
 qint64 QtShell::openingSceneHostId() const {
-    return kOpeningSceneHostId;
+    return viewHostId(mainForm_->OpeningSceneFrame());
 }
 
 QSize QtShell::openingSceneSizeTwips() const {

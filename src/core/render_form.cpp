@@ -1,6 +1,7 @@
 #include "core/render_form.h"
 
-#include "core/accessible_names.h"
+#include "controls/accessible_names.h"
+#include "core/view_hosts.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -16,6 +17,7 @@ RenderForm::RenderForm(QWidget* parent)
     setObjectName(QStringLiteral("RenderForm"));
     setWindowTitle(QStringLiteral("Vessa - Camera"));
     renderFrame_->setObjectName(QStringLiteral("RenderFrame"));
+    markViewHost(renderFrame_, RenderFrameHost);
     renderFrame_->setMinimumSize(160, 120);
     check1_->setObjectName(QStringLiteral("Check1"));
     fpsLabel_->setObjectName(QStringLiteral("FPSLabel"));

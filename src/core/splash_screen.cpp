@@ -1,6 +1,6 @@
 #include "core/splash_screen.h"
 
-#include "core/accessible_names.h"
+#include "controls/accessible_names.h"
 
 #include <QGuiApplication>
 #include <QLinearGradient>

@@ -1,5 +1,6 @@
 #include "script/script_panel.h"
 
+#include "controls/accessible_names.h"
 #include "core/run_time_error.h"
 #include "script/script_host.h"
 #include "script/script_icons.h"
@@ -24,7 +25,6 @@ TreeControlView* MakeView(TreeControl& tree, const QString& name, const QList<QI
                           QWidget* parent) {
     auto* view = new TreeControlView(tree, parent);
     view->setObjectName(name);
-    view->setAccessibleName(name);
     view->ItemModel().SetImageList(icons);
     return view;
 }
@@ -39,12 +39,12 @@ void FitRows(TreeControlView& view, int rows) {
 
 ScriptPanel::ScriptPanel(ScriptModel& model, QWidget* parent)
     : QWidget(parent), model_(model), clicks_(model) {
-    setObjectName(QStringLiteral("Animations"));
-    setAccessibleName(tr("Animations"));
+    setObjectName(QStringLiteral("ScriptPanel"));
     const QList<QIcon> icons = ScriptIcons();
-    constructTree_ = MakeView(model.ConstructTree(), tr("Blocks"), icons, this);
-    treeView1_ = MakeView(model.TreeView1(), tr("Script"), icons, this);
-    commandLine_ = MakeView(model.CommandLineTreeview(), tr("Command line"), icons, this);
+    constructTree_ = MakeView(model.ConstructTree(), QStringLiteral("ConstructTree"), icons, this);
+    treeView1_ = MakeView(model.TreeView1(), QStringLiteral("TreeView1"), icons, this);
+    commandLine_ =
+        MakeView(model.CommandLineTreeview(), QStringLiteral("CommandLineTreeview"), icons, this);
     constructTree_->setRootIsDecorated(false);
     commandLine_->setRootIsDecorated(false);
     FitRows(*constructTree_, 2);
@@ -55,6 +55,7 @@ ScriptPanel::ScriptPanel(ScriptModel& model, QWidget* parent)
     layout->addWidget(constructTree_);
     layout->addWidget(treeView1_, 1);
     layout->addWidget(commandLine_);
+    applyAccessibleNames(this);
 
     treeView1_->ItemModel().SetLabelEditHandler(
         [this](TreeNode* node, const QString& text) { model_.AfterLabelEdit(node, text); });

@@ -16,14 +16,14 @@ QProcessEnvironment programEnvironment(const QString& configDir) {
     env.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(VESSA_TEST_PLUGIN_DIR));
     env.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), configDir);
-    env.insert(QStringLiteral("VESSA47_DRIVER_SCRIPT"), QStringLiteral("exit"));
+    env.insert(QStringLiteral("VESSA47_DRIVER_SCRIPT"), QStringLiteral("tab:1;tab:2;tab:0;exit"));
     env.remove(QStringLiteral("VESSA47_HOME")); // the program finds its home beside itself
     return env;
 }
 
 } // namespace
 
-TEST(WholeProgram, StartsTheEngineShowsTheMainWindowAndExitsThroughTheFileMenu) {
+TEST(WholeProgram, StartsVisitsEachTabAndExitsThroughTheFileMenu) {
     QTemporaryDir config;
     QProcess program;
     program.setProcessEnvironment(programEnvironment(config.path()));

@@ -1,4 +1,4 @@
-#include "core/accessible_names.h"
+#include "controls/accessible_names.h"
 #include "core/error_form.h"
 #include "core/main_form.h"
 #include "core/render_form.h"

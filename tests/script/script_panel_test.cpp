@@ -121,7 +121,7 @@ TEST_F(Panel, ViewsHaveStableNamesAndItemsTellTheirPlace) {
     EXPECT_TRUE(view.selectionModel()->isSelected(view.ItemModel().IndexOf(action1)));
     EXPECT_EQ(view.accessibleName(), "Script");
     EXPECT_EQ(panel.ConstructTreeView().accessibleName(), "Blocks");
-    EXPECT_EQ(panel.CommandLineTreeviewView().accessibleName(), "Command line");
+    EXPECT_EQ(panel.CommandLineTreeviewView().accessibleName(), "Line being built");
     // What a screen reader is told about the line's cell.
     QAccessibleInterface* tree = QAccessible::queryAccessibleInterface(&view);
     ASSERT_NE(tree, nullptr);

@@ -3,16 +3,21 @@
 // it when QT_QPA_GENERIC_PLUGINS names "vessatestdriver"; the program itself
 // knows nothing of it.
 //
-// VESSA47_DRIVER_SCRIPT chooses what it does once the main window is up:
-//   "exit"  open the File menu with Alt+F and choose E&xit with X.
+// VESSA47_DRIVER_SCRIPT lists what it does once the main window is up, steps
+// separated by ";":
+//   "tab:N"       click tab N of the world tabs (0 opening scene, 1 animations)
+//   "shot:PATH"   save a picture of the main window to PATH
+//   "wait:MS"     let the program run for MS milliseconds
+//   "exit"        open the File menu with Alt+F and choose E&xit with X
 // Whatever the script, it reports on standard error when the main window is
 // shown with its final caption: "driver: main window shown".
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QGenericPlugin>
-#include <QKeyEvent>
 #include <QMenu>
+#include <QTabBar>
+#include <QTest>
 #include <QTimer>
 #include <QWidget>
 #include <cstdio>
@@ -25,13 +30,6 @@ QWidget* readyMainWindow() {
             w->windowTitle().startsWith(QStringLiteral("Vessa47 [")))
             return w;
     return nullptr;
-}
-
-void pressKey(QWidget* target, int key, Qt::KeyboardModifiers modifiers, const QString& text) {
-    QKeyEvent press(QEvent::KeyPress, key, modifiers, text);
-    QApplication::sendEvent(target, &press);
-    QKeyEvent release(QEvent::KeyRelease, key, modifiers, text);
-    QApplication::sendEvent(target, &release);
 }
 
 class Driver : public QObject {
@@ -49,21 +47,62 @@ private:
         poll_.stop();
         std::fprintf(stderr, "driver: main window shown\n");
         std::fflush(stderr);
-        if (qgetenv("VESSA47_DRIVER_SCRIPT") == "exit")
-            QTimer::singleShot(50, this, [this, main] { chooseExit(main); });
+        steps_ = QString::fromLocal8Bit(qgetenv("VESSA47_DRIVER_SCRIPT"))
+                     .split(QLatin1Char(';'), Qt::SkipEmptyParts);
+        main_ = main;
+        QTimer::singleShot(50, this, &Driver::nextStep);
+    }
+
+    void nextStep() {
+        if (steps_.isEmpty() || !main_)
+            return;
+        const QString step = steps_.takeFirst().trimmed();
+        const QString argument = step.section(QLatin1Char(':'), 1);
+        int pause = 100;
+        if (step == QStringLiteral("exit"))
+            chooseExit(main_);
+        else if (step.startsWith(QStringLiteral("tab:")))
+            clickTab(argument.toInt());
+        else if (step.startsWith(QStringLiteral("shot:")))
+            main_->grab().save(argument);
+        else if (step.startsWith(QStringLiteral("wait:")))
+            pause = argument.toInt();
+        else
+            std::fprintf(stderr, "driver: unknown step %s\n", qPrintable(step));
+        QTimer::singleShot(pause, this, &Driver::nextStep);
+    }
+
+    void clickTab(int index) {
+        auto* tabs = main_->findChild<QTabBar*>(QStringLiteral("SwitchTab"));
+        if (!tabs) {
+            std::fprintf(stderr, "driver: no world tabs\n");
+            return;
+        }
+        const QPoint at = tabs->tabRect(index).center();
+        QTest::mouseClick(tabs, Qt::LeftButton, Qt::NoModifier, at);
     }
 
     void chooseExit(QWidget* main) {
-        pressKey(main, Qt::Key_F, Qt::AltModifier, QStringLiteral("f"));
+        // As a user would, bring the main window to the front first: the camera
+        // window may have taken the focus.
+        main->activateWindow();
+        QTimer::singleShot(50, this, [this, main] { openFileMenuAndExit(main); });
+    }
+
+    void openFileMenuAndExit(QWidget* main) {
+        QWidget* focus = main->focusWidget();
+        QTest::keyClick(focus ? focus : main, Qt::Key_F, Qt::AltModifier);
         QTimer::singleShot(50, this, [] {
             if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget()))
-                pressKey(menu, Qt::Key_X, Qt::NoModifier, QStringLiteral("x"));
+                QTest::keyClick(menu, Qt::Key_X);
             else
                 std::fprintf(stderr, "driver: the File menu did not open\n");
         });
     }
 
     QTimer poll_;
+    QStringList steps_;
+    QWidget* main_ = nullptr;
 };
 
 class DriverPlugin : public QGenericPlugin {

@@ -1,4 +1,4 @@
-#include "core/accessible_names.h"
+#include "controls/accessible_names.h"
 
 #include <QHash>
 #include <QWidget>
@@ -18,9 +18,13 @@ const QHash<QString, QString>& table() {
         // Panels of the main window
         {QStringLiteral("OutputText"), QStringLiteral("Output")},
         {QStringLiteral("OpeningSceneFrame"), QStringLiteral("Camera view")},
+        {QStringLiteral("SwitchTab"), QStringLiteral("World tabs")},
+        {QStringLiteral("OpeningScenePanel"), QStringLiteral("Opening scene")},
+        {QStringLiteral("ScriptPanel"), QStringLiteral("Animations")},
         {QStringLiteral("TreeView1"), QStringLiteral("Script")},
-        {QStringLiteral("ConstructTree"), QStringLiteral("Commands")},
-        {QStringLiteral("CommandLineTreeview"), QStringLiteral("Script line being built")},
+        {QStringLiteral("ConstructTree"), QStringLiteral("Blocks")},
+        {QStringLiteral("CommandLineTreeview"), QStringLiteral("Line being built")},
+        {QStringLiteral("ScriptUndoButton"), QStringLiteral("Undo changes to script")},
         {QStringLiteral("ObjectTree"), QStringLiteral("Objects")},
         {QStringLiteral("ObjectTree2"), QStringLiteral("Objects for events")},
         {QStringLiteral("SoundTree"), QStringLiteral("Sounds")},
