@@ -1,0 +1,52 @@
+#pragma once
+
+#include <osg/Matrix>
+#include <osg/Vec3>
+
+#include <vector>
+
+namespace gallery {
+
+// A triangle mesh with one normal per vertex. Triangles wind counter-clockwise
+// seen from outside, so that back faces can be culled.
+struct Mesh {
+    std::vector<osg::Vec3> positions;
+    std::vector<osg::Vec3> normals;
+    std::vector<unsigned> indices;
+
+    void transform(const osg::Matrix& matrix);
+    void append(const Mesh& other);
+};
+
+// A point of a profile turned around the y axis: its distance from the axis,
+// its height, and the outward normal in the (r, y) plane.
+struct ProfilePoint {
+    float radius;
+    float y;
+    float normalRadius;
+    float normalY;
+};
+
+// Turns a profile, listed from bottom to top along the outside, around the y
+// axis. A wedge (startTurn..endTurn, in turns) makes pieces of a ball.
+Mesh lathe(const std::vector<ProfilePoint>& profile, int slices, float startTurn = 0,
+           float endTurn = 1);
+
+// Centred on the origin, along the y axis where there is an axis.
+Mesh sphereMesh(float radius, int slices, int stacks, float startTurn = 0, float endTurn = 1);
+Mesh capsuleMesh(float radius, float length, int slices, int stacks);
+Mesh cylinderMesh(float bottomRadius, float topRadius, float height, int slices);
+Mesh torusMesh(float ringRadius, float tubeRadius, int slices, int sides);
+Mesh boxMesh(const osg::Vec3& size);
+// A box whose top face is shrunk by the given factors across x and z: a roof
+// with a depth factor of 0, a pyramid with both 0.
+Mesh taperedBoxMesh(const osg::Vec3& size, float topWidthFactor, float topDepthFactor);
+
+// One normal per face instead of per vertex: crisp edges for low-poly shapes.
+Mesh faceted(const Mesh& mesh);
+// Moves every vertex of a mesh centred on the origin towards or away from the
+// centre by a repeatable pseudo-random amount; vertices at the same place move
+// together, so the surface stays closed.
+Mesh jittered(const Mesh& mesh, float amount, unsigned seed);
+
+} // namespace gallery

@@ -1,0 +1,6 @@
+#include "objects.h"
+namespace gallery {
+std::vector<ObjectRecipe> furniture() {
+    return {};
+}
+} // namespace gallery

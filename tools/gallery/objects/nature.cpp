@@ -1,0 +1,6 @@
+#include "objects.h"
+namespace gallery {
+std::vector<ObjectRecipe> nature() {
+    return {};
+}
+} // namespace gallery

@@ -1,0 +1,109 @@
+#include "primitives.h"
+
+namespace gallery {
+
+namespace {
+
+// Enough facets to look round in a thumbnail and in a crowded world.
+constexpr int roundSlices = 18;
+constexpr int roundStacks = 12;
+
+Shape centred(Mesh mesh, const osg::Vec4& color) {
+    return Shape{std::move(mesh), {}, color};
+}
+
+Shape between(Mesh mesh, const osg::Vec3& from, const osg::Vec3& to, const osg::Vec4& color) {
+    osg::Vec3 direction = to - from;
+    direction.normalize();
+    return centred(std::move(mesh), color)
+        .transformed(osg::Matrix::rotate(YAxis, direction))
+        .at((from + to) * 0.5f);
+}
+
+} // namespace
+
+Shape Shape::at(const osg::Vec3& newCenter) const {
+    Shape moved = transformed(osg::Matrix::translate(newCenter - center));
+    moved.center = newCenter;
+    return moved;
+}
+
+Shape Shape::turned(float degrees, const osg::Vec3& axis) const {
+    const osg::Matrix aboutCenter = osg::Matrix::translate(-center) *
+                                    osg::Matrix::rotate(osg::DegreesToRadians(degrees), axis) *
+                                    osg::Matrix::translate(center);
+    Shape turnedShape = transformed(aboutCenter);
+    turnedShape.center = center;
+    return turnedShape;
+}
+
+Shape Shape::transformed(const osg::Matrix& matrix) const {
+    Shape result = *this;
+    result.mesh.transform(matrix);
+    result.center = center * matrix;
+    return result;
+}
+
+Shape box(const osg::Vec3& size, const osg::Vec4& color) {
+    return centred(boxMesh(size), color);
+}
+
+Shape ball(float radius, const osg::Vec4& color) {
+    return centred(sphereMesh(radius, roundSlices, roundStacks), color);
+}
+
+Shape egg(const osg::Vec3& radii, const osg::Vec4& color) {
+    return ball(1, color).transformed(osg::Matrix::scale(radii));
+}
+
+Shape ballSlice(float radius, float startTurn, float endTurn, const osg::Vec4& color) {
+    return centred(sphereMesh(radius, roundSlices / 3, roundStacks, startTurn, endTurn), color);
+}
+
+Shape rod(float radius, float length, const osg::Vec4& color) {
+    return frustum(radius, radius, length, color);
+}
+
+Shape frustum(float bottomRadius, float topRadius, float height, const osg::Vec4& color) {
+    return centred(cylinderMesh(bottomRadius, topRadius, height, roundSlices), color);
+}
+
+Shape cone(float radius, float height, const osg::Vec4& color) {
+    return frustum(radius, 0, height, color);
+}
+
+Shape capsule(float radius, float length, const osg::Vec4& color) {
+    return centred(capsuleMesh(radius, length, roundSlices, roundStacks), color);
+}
+
+Shape ring(float ringRadius, float tubeRadius, const osg::Vec4& color) {
+    return centred(torusMesh(ringRadius, tubeRadius, 2 * roundSlices, roundStacks), color);
+}
+
+Shape prism(float radius, float height, int sides, const osg::Vec4& color) {
+    return centred(faceted(cylinderMesh(radius, radius, height, sides)), color);
+}
+
+Shape taperedBox(const osg::Vec3& size, float topWidthFactor, float topDepthFactor,
+                 const osg::Vec4& color) {
+    return centred(taperedBoxMesh(size, topWidthFactor, topDepthFactor), color);
+}
+
+Shape rock(const osg::Vec3& radii, unsigned seed, const osg::Vec4& color) {
+    Mesh lumpy = jittered(sphereMesh(1, 9, 6), 0.18f, seed);
+    lumpy.transform(osg::Matrix::scale(radii));
+    return centred(faceted(lumpy), color);
+}
+
+Shape stick(float radius, const osg::Vec3& from, const osg::Vec3& to, const osg::Vec4& color) {
+    const float length = (to - from).length();
+    return between(cylinderMesh(radius, radius, length, roundSlices), from, to, color);
+}
+
+Shape limb(float radius, const osg::Vec3& from, const osg::Vec3& to, const osg::Vec4& color) {
+    // The ends are rounded over the two points, as an arm is over its joints.
+    const float length = (to - from).length() + 2 * radius;
+    return between(capsuleMesh(radius, length, roundSlices, roundStacks), from, to, color);
+}
+
+} // namespace gallery
