@@ -1,7 +1,5 @@
 #include "mesh.h"
 
-#include <osg/Vec2>
-
 #include <cmath>
 #include <cstdint>
 #include <numbers>
@@ -9,6 +7,10 @@
 namespace gallery {
 
 namespace {
+
+template <typename T> void append(std::vector<T>& to, const std::vector<T>& from) {
+    to.insert(to.end(), from.begin(), from.end());
+}
 
 constexpr float pi = std::numbers::pi_v<float>;
 
@@ -30,10 +32,11 @@ void addQuad(Mesh& mesh, unsigned a, unsigned b, unsigned c, unsigned d, bool co
     }
 }
 
-std::vector<ProfilePoint> circleProfile(float radius, int stacks, float capOffset) {
+std::vector<ProfilePoint> circleProfile(float radius, int stacks, float capOffset,
+                                        float fromLatitude = -pi / 2) {
     std::vector<ProfilePoint> profile;
     for (int i = 0; i <= stacks; ++i) {
-        const float latitude = -pi / 2 + pi * float(i) / float(stacks);
+        const float latitude = fromLatitude + (pi / 2 - fromLatitude) * float(i) / float(stacks);
         const float c = std::cos(latitude);
         const float s = std::sin(latitude);
         const float offset = latitude < 0 ? -capOffset : capOffset;
@@ -151,6 +154,36 @@ Mesh torusMesh(float ringRadius, float tubeRadius, int slices, int sides) {
         profile.push_back({ringRadius + tubeRadius * c, tubeRadius * s, c, s});
     }
     return lathe(profile, slices);
+}
+
+Mesh domeMesh(float radius, int slices, int stacks) {
+    std::vector<ProfilePoint> profile{{0, 0, 0, -1}, {radius, 0, 0, -1}};
+    append(profile, circleProfile(radius, stacks, 0, 0));
+    return lathe(profile, slices);
+}
+
+Mesh extrudedMesh(const std::vector<osg::Vec2>& outline, float thickness) {
+    osg::Vec2 centroid;
+    for (const auto& point : outline) {
+        centroid += point / float(outline.size());
+    }
+    const float front = thickness / 2;
+    Mesh solid;
+    auto add = [&solid](const osg::Vec3& a, const osg::Vec3& b, const osg::Vec3& c) {
+        const auto base = unsigned(solid.positions.size());
+        solid.positions.insert(solid.positions.end(), {a, b, c});
+        solid.normals.insert(solid.normals.end(), 3, osg::Vec3());
+        solid.indices.insert(solid.indices.end(), {base, base + 1, base + 2});
+    };
+    for (std::size_t i = 0; i < outline.size(); ++i) {
+        const osg::Vec2& p = outline[i];
+        const osg::Vec2& q = outline[(i + 1) % outline.size()];
+        add({centroid, front}, {p, front}, {q, front});
+        add({centroid, -front}, {q, -front}, {p, -front});
+        add({p, -front}, {q, -front}, {q, front});
+        add({p, -front}, {q, front}, {p, front});
+    }
+    return faceted(solid);
 }
 
 Mesh boxMesh(const osg::Vec3& size) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <osg/Matrix>
+#include <osg/Vec2>
 #include <osg/Vec3>
 
 #include <vector>
@@ -37,7 +38,12 @@ Mesh sphereMesh(float radius, int slices, int stacks, float startTurn = 0, float
 Mesh capsuleMesh(float radius, float length, int slices, int stacks);
 Mesh cylinderMesh(float bottomRadius, float topRadius, float height, int slices);
 Mesh torusMesh(float ringRadius, float tubeRadius, int slices, int sides);
+// Half a ball on a flat base, the base centred on the origin.
+Mesh domeMesh(float radius, int slices, int stacks);
 Mesh boxMesh(const osg::Vec3& size);
+// A flat outline in the xy plane, given counter-clockwise around its centroid
+// (convex or star-shaped about it), made thick along z about the origin.
+Mesh extrudedMesh(const std::vector<osg::Vec2>& outline, float thickness);
 // A box whose top face is shrunk by the given factors across x and z: a roof
 // with a depth factor of 0, a pyramid with both 0.
 Mesh taperedBoxMesh(const osg::Vec3& size, float topWidthFactor, float topDepthFactor);

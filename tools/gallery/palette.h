@@ -14,6 +14,8 @@ inline const osg::Vec4 Red{0.92f, 0.22f, 0.20f, 1};
 inline const osg::Vec4 DarkRed{0.66f, 0.13f, 0.14f, 1};
 inline const osg::Vec4 Pink{1.00f, 0.62f, 0.72f, 1};
 inline const osg::Vec4 Orange{1.00f, 0.56f, 0.12f, 1};
+inline const osg::Vec4 Rust{0.84f, 0.38f, 0.08f, 1};
+inline const osg::Vec4 Gold{0.98f, 0.72f, 0.12f, 1};
 inline const osg::Vec4 Yellow{1.00f, 0.85f, 0.20f, 1};
 inline const osg::Vec4 Lime{0.62f, 0.88f, 0.30f, 1};
 inline const osg::Vec4 Green{0.32f, 0.76f, 0.30f, 1};

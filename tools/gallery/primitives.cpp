@@ -1,5 +1,8 @@
 #include "primitives.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace gallery {
 
 namespace {
@@ -29,12 +32,13 @@ Shape Shape::at(const osg::Vec3& newCenter) const {
 }
 
 Shape Shape::turned(float degrees, const osg::Vec3& axis) const {
-    const osg::Matrix aboutCenter = osg::Matrix::translate(-center) *
-                                    osg::Matrix::rotate(osg::DegreesToRadians(degrees), axis) *
-                                    osg::Matrix::translate(center);
-    Shape turnedShape = transformed(aboutCenter);
-    turnedShape.center = center;
-    return turnedShape;
+    return turnedAbout(degrees, axis, center);
+}
+
+Shape Shape::turnedAbout(float degrees, const osg::Vec3& axis, const osg::Vec3& point) const {
+    return transformed(osg::Matrix::translate(-point) *
+                       osg::Matrix::rotate(osg::DegreesToRadians(degrees), axis) *
+                       osg::Matrix::translate(point));
 }
 
 Shape Shape::transformed(const osg::Matrix& matrix) const {
@@ -89,9 +93,24 @@ Shape taperedBox(const osg::Vec3& size, float topWidthFactor, float topDepthFact
     return centred(taperedBoxMesh(size, topWidthFactor, topDepthFactor), color);
 }
 
+Shape dome(const osg::Vec3& radii, const osg::Vec4& color) {
+    Mesh half = domeMesh(1, roundSlices, roundStacks / 2);
+    half.transform(osg::Matrix::scale(radii));
+    return centred(std::move(half), color);
+}
+
+Shape slab(const std::vector<osg::Vec2>& outline, float thickness, const osg::Vec4& color) {
+    return centred(extrudedMesh(outline, thickness), color);
+}
+
 Shape rock(const osg::Vec3& radii, unsigned seed, const osg::Vec4& color) {
     Mesh lumpy = jittered(sphereMesh(1, 9, 6), 0.18f, seed);
     lumpy.transform(osg::Matrix::scale(radii));
+    float lowest = 0;
+    for (const auto& p : lumpy.positions) {
+        lowest = std::min(lowest, p.y());
+    }
+    lumpy.transform(osg::Matrix::translate(0, -radii.y() - lowest, 0));
     return centred(faceted(lumpy), color);
 }
 
@@ -104,6 +123,14 @@ Shape limb(float radius, const osg::Vec3& from, const osg::Vec3& to, const osg::
     // The ends are rounded over the two points, as an arm is over its joints.
     const float length = (to - from).length() + 2 * radius;
     return between(capsuleMesh(radius, length, roundSlices, roundStacks), from, to, color);
+}
+
+osg::Vec3 onEgg(const osg::Vec3& center, const osg::Vec3& radii, float turnDegrees,
+                float riseDegrees) {
+    const float turn = osg::DegreesToRadians(turnDegrees);
+    const float rise = osg::DegreesToRadians(riseDegrees);
+    return center + osg::componentMultiply(radii, {std::cos(rise) * std::sin(turn), std::sin(rise),
+                                                   std::cos(rise) * std::cos(turn)});
 }
 
 } // namespace gallery

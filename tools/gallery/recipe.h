@@ -31,6 +31,11 @@ std::vector<Part> leftAndRight(const Part& left);
 // A front-left part and its three mirror images, as the legs of a table.
 std::vector<Part> fourCorners(const Part& frontLeft);
 
+// The part with this name anywhere in the object; throws if there is none.
+Part& partNamed(ObjectRecipe& recipe, const std::string& name);
+// The whole object made bigger or smaller about its origin.
+ObjectRecipe scaled(const ObjectRecipe& recipe, float factor);
+
 template <typename T> void append(std::vector<T>& to, const std::vector<T>& from) {
     to.insert(to.end(), from.begin(), from.end());
 }

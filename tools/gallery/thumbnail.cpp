@@ -4,15 +4,15 @@
 #include <osg/Material>
 #include <osg/NodeVisitor>
 #include <osg/Transform>
-#include <osg/TriangleFunctor>
+#include <osg/TriangleIndexFunctor>
 
 #include <QLinearGradient>
 #include <QPainter>
-#include <QPolygonF>
 #include <QRadialGradient>
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 namespace gallery {
@@ -21,29 +21,40 @@ namespace {
 
 struct Triangle {
     osg::Vec3 corners[3];
+    osg::Vec3 normals[3];
     osg::Vec4 color;
 };
 
-// Gathers every triangle of the model in object coordinates with its colour.
+// Gathers every triangle of the model in object coordinates with its normals
+// and colour. Reads the vertex and normal arrays the gallery writes.
 class TriangleCollector : public osg::NodeVisitor {
 public:
     TriangleCollector() : osg::NodeVisitor(TRAVERSE_ALL_CHILDREN) {}
 
     void apply(osg::Geometry& geometry) override {
+        const auto* vertices = dynamic_cast<const osg::Vec3Array*>(geometry.getVertexArray());
+        const auto* normals = dynamic_cast<const osg::Vec3Array*>(geometry.getNormalArray());
+        if (!vertices || !normals || normals->size() != vertices->size()) {
+            return;
+        }
         struct Sink {
-            std::vector<osg::Vec3> corners;
-            void operator()(const osg::Vec3& a, const osg::Vec3& b, const osg::Vec3& c) {
-                corners.insert(corners.end(), {a, b, c});
+            std::vector<unsigned> indices;
+            void operator()(unsigned a, unsigned b, unsigned c) {
+                indices.insert(indices.end(), {a, b, c});
             }
         };
-        osg::TriangleFunctor<Sink> sink;
+        osg::TriangleIndexFunctor<Sink> sink;
         geometry.accept(sink);
         const osg::Matrix toObject = osg::computeLocalToWorld(getNodePath());
         const osg::Vec4 color = colorOf(geometry);
-        for (std::size_t i = 0; i + 2 < sink.corners.size(); i += 3) {
-            triangles.push_back({{sink.corners[i] * toObject, sink.corners[i + 1] * toObject,
-                                  sink.corners[i + 2] * toObject},
-                                 color});
+        for (std::size_t i = 0; i + 2 < sink.indices.size(); i += 3) {
+            Triangle triangle{{}, {}, color};
+            for (int k = 0; k < 3; ++k) {
+                const unsigned index = sink.indices[i + std::size_t(k)];
+                triangle.corners[k] = (*vertices)[index] * toObject;
+                triangle.normals[k] = osg::Matrix::transform3x3((*normals)[index], toObject);
+            }
+            triangles.push_back(triangle);
         }
     }
 
@@ -64,7 +75,7 @@ struct Camera {
     osg::Vec3 right, up, towardEye;
 
     static Camera threeQuarterView() {
-        const float turn = osg::DegreesToRadians(32.0f);
+        const float turn = osg::DegreesToRadians(26.0f);
         const float rise = osg::DegreesToRadians(24.0f);
         Camera camera;
         camera.towardEye = {std::sin(turn) * std::cos(rise), std::sin(rise),
@@ -78,36 +89,18 @@ struct Camera {
     osg::Vec3 view(const osg::Vec3& p) const { return {p * right, p * up, p * towardEye}; }
 };
 
-// Long triangles get sorted badly against their neighbours; cutting them into
-// smaller ones lets the back-to-front order come out right.
-void subdivide(const Triangle& triangle, float maxEdge, int depth, std::vector<Triangle>& out) {
-    const osg::Vec3* c = triangle.corners;
-    const float longest =
-        std::max({(c[1] - c[0]).length(), (c[2] - c[1]).length(), (c[0] - c[2]).length()});
-    if (longest <= maxEdge || depth == 0) {
-        out.push_back(triangle);
-        return;
-    }
-    const osg::Vec3 ab = (c[0] + c[1]) * 0.5f, bc = (c[1] + c[2]) * 0.5f, ca = (c[2] + c[0]) * 0.5f;
-    for (const auto& piece :
-         {Triangle{{c[0], ab, ca}, triangle.color}, Triangle{{ab, c[1], bc}, triangle.color},
-          Triangle{{ca, bc, c[2]}, triangle.color}, Triangle{{ab, bc, ca}, triangle.color}}) {
-        subdivide(piece, maxEdge, depth - 1, out);
-    }
-}
-
-// Only triangles that face the camera, in view coordinates, cut to size.
-std::vector<Triangle> visibleInView(const std::vector<Triangle>& triangles, const Camera& camera,
-                                    float maxEdge) {
+// Triangles facing the camera, in view coordinates.
+std::vector<Triangle> facingCamera(const std::vector<Triangle>& triangles, const Camera& camera) {
     std::vector<Triangle> visible;
     for (const auto& t : triangles) {
         const Triangle viewed{
             {camera.view(t.corners[0]), camera.view(t.corners[1]), camera.view(t.corners[2])},
+            {camera.view(t.normals[0]), camera.view(t.normals[1]), camera.view(t.normals[2])},
             t.color};
         const osg::Vec3 normal =
             (viewed.corners[1] - viewed.corners[0]) ^ (viewed.corners[2] - viewed.corners[0]);
         if (normal.z() > 0) {
-            subdivide(viewed, maxEdge, 3, visible);
+            visible.push_back(viewed);
         }
     }
     return visible;
@@ -135,19 +128,71 @@ Framing frame(const std::vector<Triangle>& triangles, const Camera& camera, floa
 }
 
 // Light from above, a little from the left and from the viewer.
-QColor shaded(const Triangle& viewed) {
+QRgb shaded(const osg::Vec4& color, osg::Vec3 normal) {
     static const osg::Vec3 light = [] {
         osg::Vec3 direction(-0.45f, 0.75f, 0.55f);
         direction.normalize();
         return direction;
     }();
-    osg::Vec3 normal =
-        (viewed.corners[1] - viewed.corners[0]) ^ (viewed.corners[2] - viewed.corners[0]);
     normal.normalize();
     const float brightness = std::min(1.0f, 0.42f + 0.62f * std::max(0.0f, normal * light));
-    const osg::Vec4& c = viewed.color;
-    return QColor::fromRgbF(c.r() * brightness, c.g() * brightness, c.b() * brightness);
+    return QColor::fromRgbF(color.r() * brightness, color.g() * brightness, color.b() * brightness)
+        .rgb();
 }
+
+// Fills triangles into an image, keeping at each pixel the one nearest the
+// eye, so that faces lying close together (a pane on a wall) come out right.
+class DepthCanvas {
+public:
+    explicit DepthCanvas(QImage& image)
+        : image_(image), nearest_(std::size_t(image.width() * image.height()),
+                                  -std::numeric_limits<float>::infinity()) {}
+
+    // Corners in pixels with their depth; normals in view coordinates.
+    void fill(const osg::Vec3 (&corners)[3], const osg::Vec3 (&normals)[3],
+              const osg::Vec4& color) {
+        const float area = edge(corners[0], corners[1], corners[2].x(), corners[2].y());
+        if (std::abs(area) < 1e-9f) {
+            return;
+        }
+        const int left = std::max(
+            0, int(std::floor(std::min({corners[0].x(), corners[1].x(), corners[2].x()}))));
+        const int right =
+            std::min(image_.width() - 1,
+                     int(std::ceil(std::max({corners[0].x(), corners[1].x(), corners[2].x()}))));
+        const int top = std::max(
+            0, int(std::floor(std::min({corners[0].y(), corners[1].y(), corners[2].y()}))));
+        const int bottom =
+            std::min(image_.height() - 1,
+                     int(std::ceil(std::max({corners[0].y(), corners[1].y(), corners[2].y()}))));
+        for (int y = top; y <= bottom; ++y) {
+            for (int x = left; x <= right; ++x) {
+                const float px = float(x) + 0.5f, py = float(y) + 0.5f;
+                const float w0 = edge(corners[1], corners[2], px, py) / area;
+                const float w1 = edge(corners[2], corners[0], px, py) / area;
+                const float w2 = 1 - w0 - w1;
+                if (w0 < 0 || w1 < 0 || w2 < 0) {
+                    continue;
+                }
+                const float depth = w0 * corners[0].z() + w1 * corners[1].z() + w2 * corners[2].z();
+                float& nearest = nearest_[std::size_t(y * image_.width() + x)];
+                if (depth > nearest) {
+                    nearest = depth;
+                    image_.setPixel(
+                        x, y, shaded(color, normals[0] * w0 + normals[1] * w1 + normals[2] * w2));
+                }
+            }
+        }
+    }
+
+private:
+    static float edge(const osg::Vec3& a, const osg::Vec3& b, float x, float y) {
+        return (b.x() - a.x()) * (y - a.y()) - (b.y() - a.y()) * (x - a.x());
+    }
+
+    QImage& image_;
+    std::vector<float> nearest_;
+};
 
 void paintBackground(QPainter& painter, int size) {
     QLinearGradient sky(0, 0, 0, size);
@@ -184,37 +229,29 @@ QImage drawThumbnail(osg::Node& model, int size) {
     TriangleCollector collector;
     model.accept(collector);
 
-    // Draw twice as large and shrink, which smooths the edges.
-    const int canvas = 2 * size;
+    // Draw three times as large and shrink, which smooths the edges.
+    const int canvas = 3 * size;
     const float margin = 0.08f * float(canvas);
     const Camera camera = Camera::threeQuarterView();
     const Framing framing = frame(collector.triangles, camera, float(canvas) - 2 * margin);
     const QPointF middle(canvas / 2.0, canvas / 2.0);
-
-    std::vector<Triangle> visible =
-        visibleInView(collector.triangles, camera, 12.0f / framing.scale);
-    std::stable_sort(visible.begin(), visible.end(), [](const Triangle& a, const Triangle& b) {
-        return a.corners[0].z() + a.corners[1].z() + a.corners[2].z() <
-               b.corners[0].z() + b.corners[1].z() + b.corners[2].z();
-    });
 
     QImage image(canvas, canvas, QImage::Format_RGB32);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     paintBackground(painter, canvas);
     paintShadow(painter, collector.triangles, camera, framing, middle);
-    for (const auto& t : visible) {
-        const QColor color = shaded(t);
-        // An outline of the same colour closes the hairline gaps between
-        // neighbouring triangles.
-        painter.setPen(QPen(color, 1.0));
-        painter.setBrush(color);
-        const QPointF corners[3] = {framing.toPixels(t.corners[0], middle),
-                                    framing.toPixels(t.corners[1], middle),
-                                    framing.toPixels(t.corners[2], middle)};
-        painter.drawPolygon(corners, 3);
-    }
     painter.end();
+
+    DepthCanvas depthCanvas(image);
+    for (const auto& t : facingCamera(collector.triangles, camera)) {
+        osg::Vec3 corners[3];
+        for (int k = 0; k < 3; ++k) {
+            const QPointF pixel = framing.toPixels(t.corners[k], middle);
+            corners[k].set(float(pixel.x()), float(pixel.y()), t.corners[k].z());
+        }
+        depthCanvas.fill(corners, t.normals, t.color);
+    }
     return image.scaled(size, size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
