@@ -37,7 +37,9 @@ std::vector<ProfilePoint> circleProfile(float radius, int stacks, float capOffse
     std::vector<ProfilePoint> profile;
     for (int i = 0; i <= stacks; ++i) {
         const float latitude = fromLatitude + (pi / 2 - fromLatitude) * float(i) / float(stacks);
-        const float c = std::cos(latitude);
+        // At the poles the ring shrinks to a point; make it exactly one, so
+        // that the lathe leaves out the triangles that vanish there.
+        const float c = std::abs(latitude) == pi / 2 ? 0 : std::cos(latitude);
         const float s = std::sin(latitude);
         const float offset = latitude < 0 ? -capOffset : capOffset;
         profile.push_back({radius * c, radius * s + offset, c, s});
@@ -107,6 +109,9 @@ Mesh lathe(const std::vector<ProfilePoint>& profile, int slices, float startTurn
     }
     const auto row = unsigned(slices + 1);
     for (unsigned i = 0; i + 1 < profile.size(); ++i) {
+        if (profile[i].radius == profile[i + 1].radius && profile[i].y == profile[i + 1].y) {
+            continue; // a point repeated to give an edge two normals spans no surface
+        }
         const bool lowerOnAxis = profile[i].radius == 0;
         const bool upperOnAxis = profile[i + 1].radius == 0;
         for (unsigned j = 0; j < unsigned(slices); ++j) {

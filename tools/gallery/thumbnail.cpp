@@ -116,12 +116,30 @@ struct Framing {
     }
 };
 
+// The ground under the object, as the corners of its footprint.
+std::vector<osg::Vec3> footprint(const std::vector<Triangle>& triangles) {
+    osg::BoundingBox bounds;
+    for (const auto& t : triangles) {
+        for (const auto& corner : t.corners) {
+            bounds.expandBy(corner.x(), 0, corner.z());
+        }
+    }
+    return {{bounds.xMin(), 0, bounds.zMin()},
+            {bounds.xMax(), 0, bounds.zMin()},
+            {bounds.xMin(), 0, bounds.zMax()},
+            {bounds.xMax(), 0, bounds.zMax()}};
+}
+
+// Fits the object and its shadow into the picture.
 Framing frame(const std::vector<Triangle>& triangles, const Camera& camera, float pixels) {
     osg::BoundingBox bounds;
     for (const auto& t : triangles) {
         for (const auto& corner : t.corners) {
             bounds.expandBy(camera.view(corner));
         }
+    }
+    for (const auto& corner : footprint(triangles)) {
+        bounds.expandBy(camera.view(corner));
     }
     const float extent = std::max(bounds.xMax() - bounds.xMin(), bounds.yMax() - bounds.yMin());
     return {pixels / std::max(extent, 1e-6f), QPointF(bounds.center().x(), bounds.center().y())};
@@ -201,26 +219,27 @@ void paintBackground(QPainter& painter, int size) {
     painter.fillRect(0, 0, size, size, sky);
 }
 
-// A soft shadow on the ground under the object, so it does not float.
+// A soft shadow on the ground under the object, so it does not float: an
+// ellipse filling the picture of its footprint.
 void paintShadow(QPainter& painter, const std::vector<Triangle>& triangles, const Camera& camera,
                  const Framing& framing, const QPointF& middle) {
-    osg::BoundingBox footprint;
-    for (const auto& t : triangles) {
-        for (const auto& corner : t.corners) {
-            footprint.expandBy(corner.x(), 0, corner.z());
-        }
+    QRectF area;
+    for (const auto& corner : footprint(triangles)) {
+        const QPointF pixel = framing.toPixels(camera.view(corner), middle);
+        area =
+            area.isNull() ? QRectF(pixel, QSizeF(0, 0)) : area.united(QRectF(pixel, QSizeF(0, 0)));
     }
-    const QPointF center = framing.toPixels(camera.view(footprint.center()), middle);
-    const float radius =
-        0.5f * framing.scale *
-        std::max(footprint.xMax() - footprint.xMin(), footprint.zMax() - footprint.zMin());
-    QRadialGradient shadow(center, radius);
-    shadow.setColorAt(0, QColor(40, 50, 70, 70));
+    const float radius = std::max(1.0, area.width() / 2);
+    QRadialGradient shadow(QPointF(0, 0), radius);
+    shadow.setColorAt(0, QColor(40, 50, 70, 80));
     shadow.setColorAt(1, QColor(40, 50, 70, 0));
+    painter.save();
+    painter.translate(area.center());
+    painter.scale(1, std::max(0.2, area.height() / area.width()));
     painter.setPen(Qt::NoPen);
     painter.setBrush(shadow);
-    const float flattening = std::sin(osg::DegreesToRadians(24.0f));
-    painter.drawEllipse(center, radius, radius * flattening);
+    painter.drawEllipse(QPointF(0, 0), radius, radius);
+    painter.restore();
 }
 
 } // namespace

@@ -172,7 +172,7 @@ ObjectRecipe duck() {
 }
 
 ObjectRecipe fish() {
-    const osg::Vec3 bodyCenter{0, 0.09f, 0}, bodyRadii{0.05f, 0.085f, 0.15f};
+    const osg::Vec3 bodyCenter{0, 0.09f, 0}, bodyRadii{0.05f, 0.09f, 0.15f};
     ObjectRecipe recipe{"Animals", "Fish", {}, {}};
     recipe.body = {egg(bodyRadii, Orange).at(bodyCenter),
                    egg({0.053f, 0.075f, 0.02f}, White).at({0, 0.09f, 0.07f}),

@@ -39,6 +39,8 @@ std::vector<osg::Vec2> starOutline(float outer, float inner, int points) {
 } // namespace
 
 std::vector<ObjectRecipe> shapes() {
+    // The star stands on its two lower points.
+    const float starFeet = 0.5f * std::cos(std::numbers::pi_v<float> / 5);
     return {shape("Cube", {box({1, 1, 1}, Blue).at({0, 0.5f, 0})}),
             shape("Ball", beachBall()),
             shape("Cylinder", {rod(0.5f, 1, Green).at({0, 0.5f, 0})}),
@@ -46,7 +48,7 @@ std::vector<ObjectRecipe> shapes() {
             shape("Pyramid", {taperedBox({1, 1, 1}, 0, 0, Yellow).at({0, 0.5f, 0})}),
             shape("Ring", {ring(0.38f, 0.12f, Purple).turned(90, XAxis).at({0, 0.5f, 0})}),
             shape("Capsule", {capsule(0.3f, 1.2f, Teal).at({0, 0.6f, 0})}),
-            shape("Star", {slab(starOutline(0.5f, 0.22f, 5), 0.2f, Yellow).at({0, 0.5f, 0})})};
+            shape("Star", {slab(starOutline(0.5f, 0.22f, 5), 0.2f, Yellow).at({0, starFeet, 0})})};
 }
 
 } // namespace gallery
