@@ -159,7 +159,7 @@ TEST_P(GalleryObject, EveryPartCarriesGeometryAndTurnsAboutAPointOnItself) {
         ASSERT_GT(triangles, 0u) << path << " has nothing to show";
         // The pivot is the part's own origin: a hinge on the edge of a door,
         // an axle in a wheel. Geometry left far from it swings wide.
-        const float slack = 0.01f + 0.15f * (own._max - own._min).length();
+        const float slack = 0.01f + 0.05f * (own._max - own._min).length();
         for (int axis = 0; axis < 3; ++axis) {
             EXPECT_GE(0, own._min[axis] - slack) << path << " axis " << axis;
             EXPECT_LE(0, own._max[axis] + slack) << path << " axis " << axis;
