@@ -8,9 +8,14 @@ namespace gallery {
 
 namespace {
 
-template <typename T> void append(std::vector<T>& to, const std::vector<T>& from) {
-    to.insert(to.end(), from.begin(), from.end());
-}
+// A point of a profile turned around the y axis: its distance from the axis,
+// its height, and the outward normal in the (r, y) plane.
+struct ProfilePoint {
+    float radius;
+    float y;
+    float normalRadius;
+    float normalY;
+};
 
 constexpr float pi = std::numbers::pi_v<float>;
 
@@ -37,9 +42,11 @@ std::vector<ProfilePoint> circleProfile(float radius, int stacks, float capOffse
     std::vector<ProfilePoint> profile;
     for (int i = 0; i <= stacks; ++i) {
         const float latitude = fromLatitude + (pi / 2 - fromLatitude) * float(i) / float(stacks);
-        // At the poles the ring shrinks to a point; make it exactly one, so
-        // that the lathe leaves out the triangles that vanish there.
-        const float c = std::abs(latitude) == pi / 2 ? 0 : std::cos(latitude);
+        // At the poles the ring shrinks to a point; make it exactly one (the
+        // cosine comes out a hair above zero), so that the lathe leaves out
+        // the triangles that vanish there.
+        const float cosine = std::cos(latitude);
+        const float c = std::abs(cosine) < 1e-6f ? 0 : cosine;
         const float s = std::sin(latitude);
         const float offset = latitude < 0 ? -capOffset : capOffset;
         profile.push_back({radius * c, radius * s + offset, c, s});
@@ -63,6 +70,36 @@ float hashToUnit(const osg::Vec3& p, unsigned seed) {
     }
     h ^= h >> 15;
     return float(h % 10000u) / 10000.0f;
+}
+
+// Turns a profile, listed from bottom to top along the outside, around the y
+// axis. A wedge (startTurn..endTurn, in turns) makes a slice of the solid.
+Mesh lathe(const std::vector<ProfilePoint>& profile, int slices, float startTurn = 0,
+           float endTurn = 1) {
+    Mesh mesh;
+    for (const auto& point : profile) {
+        for (int j = 0; j <= slices; ++j) {
+            const float turn = startTurn + (endTurn - startTurn) * float(j) / float(slices);
+            const float s = std::sin(2 * pi * turn);
+            const float c = std::cos(2 * pi * turn);
+            mesh.positions.emplace_back(point.radius * s, point.y, point.radius * c);
+            mesh.normals.emplace_back(point.normalRadius * s, point.normalY,
+                                      point.normalRadius * c);
+        }
+    }
+    const auto row = unsigned(slices + 1);
+    for (unsigned i = 0; i + 1 < profile.size(); ++i) {
+        if (profile[i].radius == profile[i + 1].radius && profile[i].y == profile[i + 1].y) {
+            continue; // a point repeated to give an edge two normals spans no surface
+        }
+        const bool lowerOnAxis = profile[i].radius == 0;
+        const bool upperOnAxis = profile[i + 1].radius == 0;
+        for (unsigned j = 0; j < unsigned(slices); ++j) {
+            const unsigned a = i * row + j;
+            addQuad(mesh, a, a + 1, a + 1 + row, a + row, lowerOnAxis, upperOnAxis);
+        }
+    }
+    return mesh;
 }
 
 } // namespace
@@ -93,33 +130,6 @@ void Mesh::append(const Mesh& other) {
     for (unsigned i : other.indices) {
         indices.push_back(base + i);
     }
-}
-
-Mesh lathe(const std::vector<ProfilePoint>& profile, int slices, float startTurn, float endTurn) {
-    Mesh mesh;
-    for (const auto& point : profile) {
-        for (int j = 0; j <= slices; ++j) {
-            const float turn = startTurn + (endTurn - startTurn) * float(j) / float(slices);
-            const float s = std::sin(2 * pi * turn);
-            const float c = std::cos(2 * pi * turn);
-            mesh.positions.emplace_back(point.radius * s, point.y, point.radius * c);
-            mesh.normals.emplace_back(point.normalRadius * s, point.normalY,
-                                      point.normalRadius * c);
-        }
-    }
-    const auto row = unsigned(slices + 1);
-    for (unsigned i = 0; i + 1 < profile.size(); ++i) {
-        if (profile[i].radius == profile[i + 1].radius && profile[i].y == profile[i + 1].y) {
-            continue; // a point repeated to give an edge two normals spans no surface
-        }
-        const bool lowerOnAxis = profile[i].radius == 0;
-        const bool upperOnAxis = profile[i + 1].radius == 0;
-        for (unsigned j = 0; j < unsigned(slices); ++j) {
-            const unsigned a = i * row + j;
-            addQuad(mesh, a, a + 1, a + 1 + row, a + row, lowerOnAxis, upperOnAxis);
-        }
-    }
-    return mesh;
 }
 
 Mesh sphereMesh(float radius, int slices, int stacks, float startTurn, float endTurn) {
@@ -162,8 +172,8 @@ Mesh torusMesh(float ringRadius, float tubeRadius, int slices, int sides) {
 }
 
 Mesh domeMesh(float radius, int slices, int stacks) {
-    std::vector<ProfilePoint> profile{{0, 0, 0, -1}, {radius, 0, 0, -1}};
-    append(profile, circleProfile(radius, stacks, 0, 0));
+    std::vector<ProfilePoint> profile = circleProfile(radius, stacks, 0, 0);
+    profile.insert(profile.begin(), {{0, 0, 0, -1}, {radius, 0, 0, -1}});
     return lathe(profile, slices);
 }
 
@@ -177,7 +187,7 @@ Mesh extrudedMesh(const std::vector<osg::Vec2>& outline, float thickness) {
     auto add = [&solid](const osg::Vec3& a, const osg::Vec3& b, const osg::Vec3& c) {
         const auto base = unsigned(solid.positions.size());
         solid.positions.insert(solid.positions.end(), {a, b, c});
-        solid.normals.insert(solid.normals.end(), 3, osg::Vec3());
+        solid.normals.insert(solid.normals.end(), 3, osg::Vec3()); // faceted() fills them in
         solid.indices.insert(solid.indices.end(), {base, base + 1, base + 2});
     };
     for (std::size_t i = 0; i < outline.size(); ++i) {

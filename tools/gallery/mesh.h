@@ -19,20 +19,6 @@ struct Mesh {
     void append(const Mesh& other);
 };
 
-// A point of a profile turned around the y axis: its distance from the axis,
-// its height, and the outward normal in the (r, y) plane.
-struct ProfilePoint {
-    float radius;
-    float y;
-    float normalRadius;
-    float normalY;
-};
-
-// Turns a profile, listed from bottom to top along the outside, around the y
-// axis. A wedge (startTurn..endTurn, in turns) makes pieces of a ball.
-Mesh lathe(const std::vector<ProfilePoint>& profile, int slices, float startTurn = 0,
-           float endTurn = 1);
-
 // Centred on the origin, along the y axis where there is an axis.
 Mesh sphereMesh(float radius, int slices, int stacks, float startTurn = 0, float endTurn = 1);
 Mesh capsuleMesh(float radius, float length, int slices, int stacks);

@@ -86,10 +86,6 @@ Shape ring(float ringRadius, float tubeRadius, const osg::Vec4& color) {
     return centred(torusMesh(ringRadius, tubeRadius, 2 * roundSlices, roundStacks), color);
 }
 
-Shape prism(float radius, float height, int sides, const osg::Vec4& color) {
-    return centred(faceted(cylinderMesh(radius, radius, height, sides)), color);
-}
-
 Shape taperedBox(const osg::Vec3& size, float topWidthFactor, float topDepthFactor,
                  const osg::Vec4& color) {
     return centred(taperedBoxMesh(size, topWidthFactor, topDepthFactor), color);

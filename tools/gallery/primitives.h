@@ -35,9 +35,6 @@ Shape frustum(float bottomRadius, float topRadius, float height, const osg::Vec4
 Shape cone(float radius, float height, const osg::Vec4& color);         // tip up
 Shape capsule(float radius, float length, const osg::Vec4& color);      // upright, ends included
 Shape ring(float ringRadius, float tubeRadius, const osg::Vec4& color); // lying flat
-// Upright prism with a polygon for its cross-section, flat-shaded (a hexagonal
-// tower, a triangular fin).
-Shape prism(float radius, float height, int sides, const osg::Vec4& color);
 Shape taperedBox(const osg::Vec3& size, float topWidthFactor, float topDepthFactor,
                  const osg::Vec4& color);
 // Half an egg on its flat base, placed by the middle of the base.

@@ -8,6 +8,7 @@
 
 #include <QLinearGradient>
 #include <QPainter>
+#include <QPolygonF>
 #include <QRadialGradient>
 
 #include <algorithm>
@@ -108,7 +109,7 @@ std::vector<Triangle> facingCamera(const std::vector<Triangle>& triangles, const
 
 struct Framing {
     float scale;
-    QPointF center; // of the model's view bounds, in pixels
+    QPointF center; // the middle of the model's bounds in view coordinates
 
     QPointF toPixels(const osg::Vec3& viewed, const QPointF& middle) const {
         return {middle.x() + (viewed.x() - center.x()) * scale,
@@ -173,16 +174,12 @@ public:
         if (std::abs(area) < 1e-9f) {
             return;
         }
-        const int left = std::max(
-            0, int(std::floor(std::min({corners[0].x(), corners[1].x(), corners[2].x()}))));
-        const int right =
-            std::min(image_.width() - 1,
-                     int(std::ceil(std::max({corners[0].x(), corners[1].x(), corners[2].x()}))));
-        const int top = std::max(
-            0, int(std::floor(std::min({corners[0].y(), corners[1].y(), corners[2].y()}))));
-        const int bottom =
-            std::min(image_.height() - 1,
-                     int(std::ceil(std::max({corners[0].y(), corners[1].y(), corners[2].y()}))));
+        const auto [minX, maxX] = std::minmax({corners[0].x(), corners[1].x(), corners[2].x()});
+        const auto [minY, maxY] = std::minmax({corners[0].y(), corners[1].y(), corners[2].y()});
+        const int left = std::max(0, int(std::floor(minX)));
+        const int right = std::min(image_.width() - 1, int(std::ceil(maxX)));
+        const int top = std::max(0, int(std::floor(minY)));
+        const int bottom = std::min(image_.height() - 1, int(std::ceil(maxY)));
         for (int y = top; y <= bottom; ++y) {
             for (int x = left; x <= right; ++x) {
                 const float px = float(x) + 0.5f, py = float(y) + 0.5f;
@@ -223,12 +220,11 @@ void paintBackground(QPainter& painter, int size) {
 // ellipse filling the picture of its footprint.
 void paintShadow(QPainter& painter, const std::vector<Triangle>& triangles, const Camera& camera,
                  const Framing& framing, const QPointF& middle) {
-    QRectF area;
+    QPolygonF ground;
     for (const auto& corner : footprint(triangles)) {
-        const QPointF pixel = framing.toPixels(camera.view(corner), middle);
-        area =
-            area.isNull() ? QRectF(pixel, QSizeF(0, 0)) : area.united(QRectF(pixel, QSizeF(0, 0)));
+        ground << framing.toPixels(camera.view(corner), middle);
     }
+    const QRectF area = ground.boundingRect();
     const float radius = std::max(1.0, area.width() / 2);
     QRadialGradient shadow(QPointF(0, 0), radius);
     shadow.setColorAt(0, QColor(40, 50, 70, 80));

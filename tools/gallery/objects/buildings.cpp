@@ -132,7 +132,7 @@ ObjectRecipe windmill() {
     ObjectRecipe recipe{"Buildings", "Windmill", {}, {}};
     recipe.body = {frustum(1.5f, 1.0f, 4.5f, Cream).at({0, 2.25f, 0}),
                    cone(1.25f, 1.3f, DarkRed).at({0, 5.15f, 0})};
-    append(recipe.body, {box({0.5f, 0.6f, 0.08f}, SkyBlue).at({0, 3.0f, 1.2f})});
+    recipe.body.push_back(box({0.5f, 0.6f, 0.08f}, SkyBlue).at({0, 3.0f, 1.2f}));
     const osg::Vec3 hub{0, 4.1f, 1.3f};
     Part sails{"Sails",
                hub,
