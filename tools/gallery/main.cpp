@@ -10,15 +10,6 @@ namespace {
 
 constexpr int thumbnailSize = 128;
 
-std::vector<gallery::ObjectRecipe> allObjects() {
-    std::vector<gallery::ObjectRecipe> all;
-    for (auto theme : {gallery::animals, gallery::people, gallery::buildings, gallery::furniture,
-                       gallery::nature, gallery::vehicles, gallery::shapes}) {
-        gallery::append(all, theme());
-    }
-    return all;
-}
-
 bool make(const gallery::ObjectRecipe& recipe, const std::filesystem::path& objectsFolder) {
     const std::filesystem::path folder = objectsFolder / recipe.folder;
     std::filesystem::create_directories(folder);
@@ -42,7 +33,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::filesystem::path objectsFolder = argv[1];
-    for (const auto& recipe : allObjects()) {
+    for (const auto& recipe : gallery::allObjects()) {
         if (!make(recipe, objectsFolder)) {
             return 1;
         }

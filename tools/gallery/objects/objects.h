@@ -13,4 +13,7 @@ std::vector<ObjectRecipe> nature();
 std::vector<ObjectRecipe> vehicles();
 std::vector<ObjectRecipe> shapes();
 
+// Every object of every theme.
+std::vector<ObjectRecipe> allObjects();
+
 } // namespace gallery
