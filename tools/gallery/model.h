@@ -1,0 +1,19 @@
+#pragma once
+
+#include "recipe.h"
+
+#include <osg/Group>
+
+#include <filesystem>
+
+namespace gallery {
+
+// The object as a scene graph: a group named after it, each part a named
+// transform placed at its pivot with its geometry relative to the pivot.
+osg::ref_ptr<osg::Group> buildModel(const ObjectRecipe& recipe);
+
+// Writes the model in OpenSceneGraph's binary format under the object file's
+// own name. Returns false, with a message on standard error, if it could not.
+bool writeModel(const osg::Node& model, const std::filesystem::path& file);
+
+} // namespace gallery
