@@ -12,7 +12,6 @@ constexpr int Together = 9;
 constexpr int InOrder = 10; // the palette's DoInOrder block
 constexpr int FirstNumber = 11;
 constexpr int LastNumber = 52;
-constexpr int Count = 53; // images 0 to 52; 0 shows nothing
 } // namespace icons
 
 // Gives the children of a block the icons of its kind; nothing for nullptr or a line.

@@ -1,6 +1,7 @@
 #include "script/script_panel.h"
 
 #include "controls/accessible_names.h"
+#include "controls/tree_images.h"
 #include "core/run_time_error.h"
 #include "script/script_host.h"
 #include "script/script_icons.h"
@@ -13,13 +14,6 @@
 namespace vessa {
 
 namespace {
-
-QList<QIcon> ScriptIcons() {
-    QList<QIcon> list;
-    for (int image = 0; image < icons::Count; ++image)
-        list << QIcon(QStringLiteral(":/script-icons/icon_%1.png").arg(image, 2, 10, QChar(u'0')));
-    return list;
-}
 
 TreeControlView* MakeView(TreeControl& tree, const QString& name, const QList<QIcon>& icons,
                           QWidget* parent) {
@@ -40,7 +34,7 @@ void FitRows(TreeControlView& view, int rows) {
 ScriptPanel::ScriptPanel(ScriptModel& model, QWidget* parent)
     : QWidget(parent), model_(model), clicks_(model) {
     setObjectName(QStringLiteral("ScriptPanel"));
-    const QList<QIcon> icons = ScriptIcons();
+    const QList<QIcon> icons = TreeImages();
     constructTree_ = MakeView(model.ConstructTree(), QStringLiteral("ConstructTree"), icons, this);
     treeView1_ = MakeView(model.TreeView1(), QStringLiteral("TreeView1"), icons, this);
     commandLine_ =

@@ -1,11 +1,13 @@
-// Draws the script's icons, images 0 to 52, as 16 x 16 PNG files named icon_NN.png into
-// the folder given as the only argument. Run at build time; nothing drawn is committed.
+// Draws the images that every tree of the program shows, 0 to 53, as 16 x 16 PNG
+// files named icon_NN.png into the folder given as the only argument. Run at build
+// time; nothing drawn is committed. An object's kind has two images: the odd one for
+// it as a part of another object (drawn hollow), the even one for it on its own.
 //
-//  0 nothing              5 Python code          9 together: side-by-side arrows
-//  1 animation (film)     6 scene (globe)       10 in order: a numbered list
-//  2 camera               7 part of an object   11-52 the numbers 1 to 42
-//  3 light                8 object
-//  4 sound
+//  0 nothing              5 light, as a part     9 together: side-by-side arrows
+//  1 scene, as a part     6 light               10 in order: a numbered list
+//  2 scene                7 model, as a part    11-52 the numbers 1 to 42
+//  3 camera, as a part    8 model               53 sound
+//  4 camera
 #include <QDir>
 #include <QImage>
 #include <QPainter>
@@ -18,6 +20,7 @@
 namespace {
 
 constexpr int Size = 16;
+constexpr int kSound = 53;
 const QColor Ink(0x20, 0x30, 0x50);
 const QColor Blue(0x2b, 0x6c, 0xc4);
 const QColor Green(0x2e, 0x8b, 0x57);
@@ -58,32 +61,22 @@ void DrawNumber(QPainter& p, int number) {
     }
 }
 
-void DrawFilm(QPainter& p) {
-    p.fillRect(2, 1, 12, 14, Ink);
-    for (int y = 2; y < 14; y += 3) {
-        p.fillRect(3, y, 2, 2, Qt::white);
-        p.fillRect(11, y, 2, 2, Qt::white);
-    }
-    p.fillRect(6, 3, 4, 4, Amber);
-    p.fillRect(6, 9, 4, 4, Amber);
-}
-
-void DrawCamera(QPainter& p) {
+void DrawCamera(QPainter& p, bool filled) {
     p.setRenderHint(QPainter::Antialiasing);
-    p.setPen(Qt::NoPen);
-    p.setBrush(Ink);
-    p.drawRoundedRect(QRectF(1, 4, 14, 10), 2, 2);
-    p.drawRect(QRectF(5, 2, 6, 3));
+    p.setPen(QPen(Ink, 1));
+    p.setBrush(filled ? QBrush(Ink) : QBrush(Qt::white));
+    p.drawRoundedRect(QRectF(1.5, 4.5, 13, 9), 2, 2);
+    p.drawRect(QRectF(5.5, 2.5, 5, 2));
     p.setBrush(Qt::white);
     p.drawEllipse(QPointF(8, 9), 3.5, 3.5);
     p.setBrush(Blue);
     p.drawEllipse(QPointF(8, 9), 2, 2);
 }
 
-void DrawLight(QPainter& p) {
+void DrawLight(QPainter& p, bool filled) {
     p.setRenderHint(QPainter::Antialiasing);
     p.setPen(QPen(Ink, 1));
-    p.setBrush(Amber);
+    p.setBrush(filled ? QBrush(Amber) : QBrush(Qt::white));
     p.drawEllipse(QPointF(8, 6.5), 5, 5);
     p.fillRect(6, 11, 4, 4, Ink);
 }
@@ -101,20 +94,10 @@ void DrawSound(QPainter& p) {
     p.drawArc(QRectF(6, 1, 9, 14), -50 * 16, 100 * 16);
 }
 
-void DrawPython(QPainter& p) {
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setBrush(QColor(0xc0, 0xc0, 0xc0));
-    p.setPen(QPen(Ink, 1));
-    p.drawRect(QRectF(0.5, 0.5, 15, 15));
-    p.setPen(QPen(Green, 1.6));
-    p.drawPolyline(QPolygonF({{6, 4}, {2.5, 8}, {6, 12}}));
-    p.drawPolyline(QPolygonF({{10, 4}, {13.5, 8}, {10, 12}}));
-}
-
-void DrawGlobe(QPainter& p) {
+void DrawGlobe(QPainter& p, bool filled) {
     p.setRenderHint(QPainter::Antialiasing);
     p.setPen(QPen(Ink, 1));
-    p.setBrush(QColor(0x9c, 0xd0, 0xf0));
+    p.setBrush(filled ? QColor(0x9c, 0xd0, 0xf0) : QColor(Qt::white));
     p.drawEllipse(QPointF(8, 8), 6.5, 6.5);
     p.setBrush(Qt::NoBrush);
     p.drawEllipse(QPointF(8, 8), 3, 6.5);
@@ -160,18 +143,20 @@ QImage Draw(int image) {
     QPainter p(&icon);
     const std::array<std::function<void(QPainter&)>, 11> pictures = {
         [](QPainter&) {},
-        DrawFilm,
-        DrawCamera,
-        DrawLight,
-        DrawSound,
-        DrawPython,
-        DrawGlobe,
+        [](QPainter& q) { DrawGlobe(q, false); },
+        [](QPainter& q) { DrawGlobe(q, true); },
+        [](QPainter& q) { DrawCamera(q, false); },
+        [](QPainter& q) { DrawCamera(q, true); },
+        [](QPainter& q) { DrawLight(q, false); },
+        [](QPainter& q) { DrawLight(q, true); },
         [](QPainter& q) { DrawCube(q, false); },
         [](QPainter& q) { DrawCube(q, true); },
         DrawTogether,
         DrawInOrder,
     };
-    if (image < static_cast<int>(pictures.size()))
+    if (image == kSound)
+        DrawSound(p);
+    else if (image < static_cast<int>(pictures.size()))
         pictures[static_cast<size_t>(image)](p);
     else
         DrawNumber(p, image - 10);
@@ -190,7 +175,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "cannot make %s\n", argv[1]);
         return 1;
     }
-    for (int image = 0; image <= 52; ++image) {
+    for (int image = 0; image <= kSound; ++image) {
         const QString name = QStringLiteral("icon_%1.png").arg(image, 2, 10, QLatin1Char('0'));
         if (!Draw(image).save(folder.filePath(name))) {
             std::fprintf(stderr, "cannot write %s\n", qPrintable(name));
