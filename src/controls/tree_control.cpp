@@ -129,6 +129,26 @@ void TreeControl::Remove(int index) {
     Notify([](TreeObserver& o) { o.NodeRemoved(); });
 }
 
+void TreeControl::Move(TreeNode* node, TreeNode* newParent) {
+    TreeNode* parent = newParent ? newParent : holder_.get();
+    if (IsWithin(parent, node))
+        throw RunTimeError::Argument(QStringLiteral("TreeControl.Move"));
+    Notify([&](TreeObserver& o) { o.NodeAboutToBeRemoved(node); });
+    TreeNode* oldParent = node->parent_;
+    const int oldRow = node->row_;
+    std::unique_ptr<TreeNode> owned = std::move(oldParent->children_[static_cast<size_t>(oldRow)]);
+    oldParent->children_.erase(oldParent->children_.begin() + oldRow);
+    Renumber(oldParent, oldRow);
+    Notify([](TreeObserver& o) { o.NodeRemoved(); });
+
+    const int row = parent->Children();
+    Notify([&](TreeObserver& o) { o.NodeAboutToBeAdded(newParent, row); });
+    node->parent_ = parent;
+    parent->children_.push_back(std::move(owned));
+    Renumber(parent, row);
+    Notify([&](TreeObserver& o) { o.NodeAdded(node); });
+}
+
 void TreeControl::Forget(TreeNode* node) {
     byIndex_.remove(node->index_);
     if (!node->key_.isEmpty())

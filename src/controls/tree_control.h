@@ -100,6 +100,10 @@ public:
     TreeNode* AddRoot(const QString& key, const QString& text);
     // Removes the node with that Index and all below it.
     void Remove(int index);
+    // Makes node, with all below it, the last child of newParent (nullptr: the last
+    // root). It keeps its Index and Key. Moving a node below itself raises
+    // RunTimeError::InvalidArgument.
+    void Move(TreeNode* node, TreeNode* newParent);
 
     // nullptr when there is no such node.
     TreeNode* Node(int index) const;

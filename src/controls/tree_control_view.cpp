@@ -33,12 +33,18 @@ TreeControlView::TreeControlView(TreeControl& tree, QWidget* parent)
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     tree_.AddObserver(this);
     connect(this, &QTreeView::expanded, this, [this](const QModelIndex& index) {
-        if (!syncing_)
-            tree_.SetExpanded(TreeItemModel::NodeOf(index), true);
+        if (syncing_)
+            return;
+        TreeNode* node = TreeItemModel::NodeOf(index);
+        tree_.SetExpanded(node, true);
+        Q_EMIT Expand(node);
     });
     connect(this, &QTreeView::collapsed, this, [this](const QModelIndex& index) {
-        if (!syncing_)
-            tree_.SetExpanded(TreeItemModel::NodeOf(index), false);
+        if (syncing_)
+            return;
+        TreeNode* node = TreeItemModel::NodeOf(index);
+        tree_.SetExpanded(node, false);
+        Q_EMIT Collapse(node);
     });
     connect(selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& current) { FollowCurrent(current); });
@@ -111,6 +117,24 @@ void TreeControlView::mousePressEvent(QMouseEvent* event) {
         Q_EMIT MouseDown(event->button(), event->position().toPoint());
 }
 
+void TreeControlView::mouseMoveEvent(QMouseEvent* event) {
+    if (pressWentToView_)
+        QTreeView::mouseMoveEvent(event);
+    else
+        Q_EMIT MouseMove(event->buttons(), event->position().toPoint());
+}
+
+void TreeControlView::mouseDoubleClickEvent(QMouseEvent* event) {
+    QTreeView::mouseDoubleClickEvent(event);
+    if (!OnArrow(event->position().toPoint()))
+        Q_EMIT DblClick(event->position().toPoint());
+}
+
+void TreeControlView::keyReleaseEvent(QKeyEvent* event) {
+    QTreeView::keyReleaseEvent(event);
+    Q_EMIT KeyUp(event->key());
+}
+
 void TreeControlView::mouseReleaseEvent(QMouseEvent* event) {
     if (pressWentToView_)
         QTreeView::mouseReleaseEvent(event);
@@ -121,6 +145,7 @@ void TreeControlView::mouseReleaseEvent(QMouseEvent* event) {
 
 void TreeControlView::NodeAdded(TreeNode* node) {
     ApplyExpansion(node);
+    ApplyExpansionBelow(node); // a node moved with its subtree keeps its open branches
     // A parent marked open before it had children opens now that it has one.
     if (node->Parent())
         ApplyExpansion(node->Parent());

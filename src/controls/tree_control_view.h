@@ -30,11 +30,20 @@ public:
 Q_SIGNALS:
     // Points are in viewport pixels.
     void MouseDown(Qt::MouseButton button, const QPoint& point);
+    void MouseMove(Qt::MouseButtons buttons, const QPoint& point);
     void MouseUp(Qt::MouseButton button, const QPoint& point);
+    void DblClick(const QPoint& point);
+    void KeyUp(int key);
+    // The user opened or closed a node (not the program).
+    void Expand(TreeNode* node);
+    void Collapse(TreeNode* node);
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
 
 private:
     void NodeAdded(TreeNode* node) override;

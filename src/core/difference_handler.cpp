@@ -1,5 +1,8 @@
 #include "core/difference_handler.h"
 
+#include "scene/scene_trees.h"
+#include "script/tree_walks.h"
+
 namespace vessa {
 
 namespace {
@@ -7,12 +10,80 @@ namespace {
 QVariantList asList(const QVariant& value) {
     if (value.typeId() != QMetaType::QVariantList)
         throw RunTimeError(RunTimeError::TypeMismatch,
-                           QStringLiteral("Type mismatch: expected a list of records, got %1")
+                           QStringLiteral("Type mismatch: expected a list, got %1")
                                .arg(QString::fromLatin1(value.typeName())));
     return value.toList();
 }
 
+QString itemText(const QVariantList& record, int index) {
+    return recordItem(record, index).toString();
+}
+
+bool sameName(const QString& a, const QString& b) {
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
+TreeNode* nodeByKey(const TreeControl& tree, const QString& key) {
+    if (TreeNode* node = tree.NodeByKey(key))
+        return node;
+    throw RunTimeError(RunTimeError::ElementNotFound,
+                       QStringLiteral("Element not found: no node has the key %1").arg(key),
+                       QStringLiteral("TreeView"));
+}
+
+int imageOfKind(const QString& kind, int previous) {
+    if (kind == QStringLiteral("scene"))
+        return object_images::Scene;
+    if (kind == QStringLiteral("camera"))
+        return object_images::Camera;
+    if (kind == QStringLiteral("light"))
+        return object_images::Light;
+    if (kind == QStringLiteral("model"))
+        return object_images::Model;
+    return previous;
+}
+
+// A node added beside the others at the top of a tree, with another's key,
+// text and image.
+TreeNode* addTopLevelCopy(TreeControl& tree, const QString& key, const QString& text, int image) {
+    TreeNode* node = tree.AddRoot(key, text);
+    tree.SetImage(node, image);
+    return node;
+}
+
 } // namespace
+
+// Local state of one call. The current node is read live while it is in its
+// tree; a record may take it out, and then what was last seen of it stands.
+struct DifferenceHandler::Batch {
+    QVariantList records;
+    int index = 0;
+    int skip = 0;
+    int image = 0;
+    const TreeControl* currentTree = nullptr;
+    int currentIndex = 0;
+    QString currentKey;
+    QString currentText;
+    bool soundHandlerArmed = false;
+    bool soundHandlerTaken = false;
+
+    void setCurrent(const TreeNode* node) {
+        currentTree = &node->Owner();
+        currentIndex = node->Index();
+        currentKey = node->Key();
+        currentText = node->Text();
+    }
+    void refreshCurrent() {
+        if (const TreeNode* live = currentTree ? currentTree->Node(currentIndex) : nullptr)
+            setCurrent(live);
+    }
+    QVariantList recordAt(int at) const {
+        if (at < 0 || at >= records.size())
+            throw RunTimeError(RunTimeError::SubscriptOutOfRange,
+                               QStringLiteral("Subscript out of range: no record %1").arg(at));
+        return asList(records[at]);
+    }
+};
 
 QVariant recordItem(const QVariantList& record, int index) {
     if (index < 0 || index >= record.size())
@@ -24,28 +95,65 @@ QVariant recordItem(const QVariantList& record, int index) {
 
 void DifferenceHandler::HandleDifferences(const QVariant& differences) {
     gUpdateObjectTree2 = false;
+    Batch batch;
     try {
-        asRunTimeError([&] {
-            for (const QVariant& entry : asList(differences)) {
-                const QVariantList record = asList(entry);
-                handleRecord(recordItem(record, 0).toString().toLower(), record);
-            }
-        });
+        asRunTimeError([&] { batch.records = asList(differences); });
     } catch (const RunTimeError& e) {
         raiseWithReport(state_, ReportForm::C, QStringLiteral("VB: HandleDifferences -Error"), e);
     }
+    for (batch.index = 0; batch.index < batch.records.size(); ++batch.index) {
+        if (batch.skip != 0) {
+            --batch.skip;
+            continue;
+        }
+        QVariantList record;
+        try {
+            asRunTimeError([&] {
+                record = batch.recordAt(batch.index);
+                handleRecord(batch, itemText(record, 0).toLower(), record);
+            });
+        } catch (const RunTimeError& e) {
+            if (!batch.soundHandlerArmed)
+                raiseWithReport(state_, ReportForm::C,
+                                QStringLiteral("VB: HandleDifferences -Error"), e);
+            if (batch.soundHandlerTaken)
+                throw;
+            batch.soundHandlerTaken = true;
+            asRunTimeError([&] { renameSoundInScene(batch, record); });
+        }
+    }
 }
 
-void DifferenceHandler::handleRecord(const QString& tag, const QVariantList& record) {
+void DifferenceHandler::handleRecord(Batch& batch, const QString& tag, const QVariantList& record) {
     if (tag == QStringLiteral("undoemptychange")) {
         UndoAvailable = !recordItem(record, 2).toBool();
         view_.showUndoAvailable(UndoAvailable);
     } else if (tag == QStringLiteral("output")) {
-        view_.appendOutput(recordItem(record, 1).toString(), QColor(0, 0, 0));
+        view_.appendOutput(itemText(record, 1), QColor(0, 0, 0));
     } else if (tag == QStringLiteral("error")) {
-        view_.appendOutput(recordItem(record, 1).toString(), QColor(255, 0, 0));
+        view_.appendOutput(itemText(record, 1), QColor(255, 0, 0));
     } else if (tag == QStringLiteral("popuperrordialog")) {
         popUpErrorDialog(record);
+    } else if (tag == QStringLiteral("objectconstruct")) {
+        objectConstruct(batch, record);
+    } else if (tag == QStringLiteral("soundnamechange")) {
+        soundNameChange(batch, record);
+    } else if (tag == QStringLiteral("sceneaddsound")) {
+        sceneAddSound(batch);
+    } else if (tag == QStringLiteral("sceneremovesound")) {
+        sceneRemoveSound(batch, record);
+    } else if (tag == QStringLiteral("objectnamechange")) {
+        objectNameChange(batch, record);
+    } else if (tag == QStringLiteral("objectfirstclassorpartchange")) {
+        objectFirstClassOrPartChange(batch, record);
+    } else if (tag == QStringLiteral("objectparentchange")) {
+        objectParentChange(batch, record);
+    } else if (tag == QStringLiteral("objectdestruct")) {
+        objectDestruct(batch, record);
+    } else if (tag == QStringLiteral("objectresurrect")) {
+        objectResurrect(batch, record);
+    } else if (tag == QStringLiteral("rightmousemenu")) {
+        view_.showObjectMenu(itemText(record, 2));
     } else if (tag == QStringLiteral("activechanged")) {
         WorldActive = recordItem(record, 2).toBool();
         view_.showWorldActive(WorldActive);
@@ -53,7 +161,7 @@ void DifferenceHandler::handleRecord(const QString& tag, const QVariantList& rec
         // Accepted so that it does not count as unknown.
     } else {
         view_.PrintOutput(QStringLiteral("MainForm:HandleDifferences got an unknown tag: ") +
-                          recordItem(record, 0).toString());
+                          itemText(record, 0));
     }
 }
 
@@ -70,6 +178,184 @@ void DifferenceHandler::popUpErrorDialog(const QVariantList& record) {
     view_.showUserError(content);
     if (onTop)
         view_.setRenderFormAlwaysOnTop(true);
+}
+
+void DifferenceHandler::objectConstruct(Batch& batch, const QVariantList& record) {
+    const QString id = itemText(record, 1);
+    const QString kind = itemText(record, 2).toLower();
+    if (kind == QStringLiteral("sound")) {
+        TreeControl& junk = trees_.SoundTreeJunkyard;
+        TreeNode* node =
+            junk.Add(nodeByKey(junk, QStringLiteral("NonSceneSounds")), Relation::Child,
+                     QStringLiteral("s") + id, QStringLiteral("Placeholder"));
+        junk.SetImage(node, object_images::Sound);
+        batch.setCurrent(node);
+        return;
+    }
+    if (kind == QStringLiteral("junkyard")) {
+        JunkyardKey = id;
+        return;
+    }
+    if (kind == QStringLiteral("none")) {
+        NoParentKey = id;
+        return;
+    }
+    batch.image = imageOfKind(kind, batch.image);
+    // A new object comes as construct, parent, name. All three tests are made,
+    // so a batch that ends too soon after a construct fails here.
+    const QVariantList parent = batch.recordAt(batch.index + 1);
+    const QVariantList name = batch.recordAt(batch.index + 2);
+    const bool parentFirst = itemText(parent, 0).toLower() == QStringLiteral("objectparentchange");
+    const bool nameNext = itemText(name, 0).toLower() == QStringLiteral("objectnamechange");
+    const bool hasParent = !sameName(itemText(parent, 3), NoParentKey);
+    TreeControl& tree = trees_.ObjectTree;
+    TreeNode* node = nullptr;
+    if (parentFirst && nameNext && hasParent) {
+        batch.skip = 2;
+        node = tree.Add(nodeByKey(tree, QStringLiteral("k") + itemText(parent, 3)), Relation::Child,
+                        QStringLiteral("k") + id, itemText(name, 3));
+        tree.SetImage(node, batch.image);
+        tree.SetTag(node, itemText(name, 3));
+        SetNodeLabels(node, node->Tag());
+    } else {
+        node = addTopLevelCopy(tree, QStringLiteral("k") + id, QStringLiteral("Placeholder"),
+                               batch.image);
+    }
+    batch.setCurrent(node);
+    if (kind == QStringLiteral("scene"))
+        tree.SetExpanded(node, true);
+    gUpdateObjectTree2 = true;
+}
+
+void DifferenceHandler::soundNameChange(Batch& batch, const QVariantList& record) {
+    batch.soundHandlerArmed = true;
+    if (TreeNode* node =
+            trees_.SoundTreeJunkyard.NodeByKey(QStringLiteral("s") + itemText(record, 1))) {
+        batch.setCurrent(node);
+        trees_.SoundTreeJunkyard.SetText(node, itemText(record, 3));
+        return;
+    }
+    // Not among the sounds out of the scene: it is one of the scene's.
+    batch.soundHandlerTaken = true;
+    renameSoundInScene(batch, record);
+}
+
+void DifferenceHandler::renameSoundInScene(Batch& batch, const QVariantList& record) {
+    TreeNode* node = nodeByKey(trees_.SoundTree, QStringLiteral("s") + itemText(record, 1));
+    batch.setCurrent(node);
+    const QString newName = itemText(record, 3);
+    if (script_.FirstRoot())
+        TraverseTreeReplaceString(script_.FirstRoot(), node->Text(), newName);
+    if (view_.eventListHasItems())
+        view_.ListviewReplaceString(node->Text(), newName);
+    trees_.SoundTree.SetText(node, newName);
+}
+
+void DifferenceHandler::sceneAddSound(Batch& batch) {
+    batch.refreshCurrent();
+    if (!batch.currentTree)
+        throw RunTimeError(RunTimeError::ObjectRequired,
+                           QStringLiteral("Object required: no sound to add to the scene"));
+    addTopLevelCopy(trees_.SoundTree, batch.currentKey, batch.currentText, object_images::Sound);
+    trees_.SoundTreeJunkyard.Remove(batch.currentIndex);
+}
+
+void DifferenceHandler::sceneRemoveSound(Batch& batch, const QVariantList& record) {
+    TreeNode* node = nodeByKey(trees_.SoundTree, QStringLiteral("s") + itemText(record, 2));
+    batch.setCurrent(node);
+    TreeNode* junk =
+        addTopLevelCopy(trees_.SoundTreeJunkyard, node->Key(), node->Text(), object_images::Sound);
+    trees_.SoundTreeJunkyard.SetTag(junk, node->Tag());
+    trees_.SoundTree.Remove(node->Index());
+}
+
+void DifferenceHandler::followRename(const QString& oldName, const QString& newName) {
+    if (oldName.trimmed().isEmpty())
+        return; // a node's first name: nothing can refer to it yet
+    if (TreeNode* first = script_.FirstRoot())
+        TraverseTreeReplaceString(first->FirstSibling(), oldName, newName);
+    if (view_.eventListHasItems())
+        view_.ListviewReplaceString(oldName, newName);
+}
+
+void DifferenceHandler::objectNameChange(Batch& batch, const QVariantList& record) {
+    TreeControl& tree = trees_.ObjectTree;
+    TreeNode* node = nodeByKey(tree, QStringLiteral("k") + itemText(record, 1));
+    batch.setCurrent(node);
+    const QString newName = itemText(record, 3);
+    followRename(node->Tag(), newName);
+    tree.SetTag(node, newName);
+    tree.SetText(node, newName);
+    SetNodeLabels(node, newName);
+    gUpdateObjectTree2 = true;
+}
+
+void DifferenceHandler::objectFirstClassOrPartChange(Batch& batch, const QVariantList& record) {
+    TreeControl& tree = trees_.ObjectTree;
+    TreeNode* node = nodeByKey(tree, QStringLiteral("k") + itemText(record, 1));
+    batch.setCurrent(node);
+    const int image = node->Image();
+    const bool odd = image % 2 != 0;
+    if (itemText(record, 3) == QStringLiteral("1")) {
+        if (odd)
+            tree.SetImage(node, image + 1);
+    } else if (!odd) {
+        tree.SetImage(node, image - 1);
+    }
+    gUpdateObjectTree2 = true;
+}
+
+void DifferenceHandler::objectParentChange(Batch& batch, const QVariantList& record) {
+    TreeControl& tree = trees_.ObjectTree;
+    TreeNode* node = nodeByKey(tree, QStringLiteral("k") + itemText(record, 1));
+    batch.setCurrent(node);
+    const QString parentId = itemText(record, 3);
+    if (sameName(parentId, NoParentKey)) {
+        // Out of the scene's tree: the node starts again at the top, its parts lost.
+        const QString key = node->Key(), text = node->Text();
+        const int image = node->Image();
+        tree.Remove(node->Index());
+        batch.setCurrent(addTopLevelCopy(tree, key, text, image));
+    } else {
+        tree.Move(node, nodeByKey(tree, QStringLiteral("k") + parentId));
+        tree.SetText(node, node->Tag());
+        SetNodeLabels(node, node->Tag());
+    }
+    gUpdateObjectTree2 = true;
+}
+
+void DifferenceHandler::objectDestruct(Batch& batch, const QVariantList& record) {
+    TreeControl& tree = trees_.ObjectTree;
+    TreeNode* node = nodeByKey(tree, QStringLiteral("k") + itemText(record, 1));
+    batch.setCurrent(node);
+    if (sameName(node->Text(), trees_.SelectedObjectName))
+        reporter_.CheckInterpreterResult(
+            engine_.ExecuteCode(
+                QStringLiteral("_CurrentlySelectedObject = Vessa.GetDefaultScene()"),
+                QStringLiteral("<Tool>")),
+            QStringLiteral("MainForm:HandleDifferences: Error getting default scene."));
+    if (!node->Parent())
+        throw RunTimeError(RunTimeError::ObjectRequired,
+                           QStringLiteral("Object required: %1 has no parent").arg(node->Text()));
+    TreeNode* junk = addTopLevelCopy(trees_.Junkyard, node->Key(), node->Text(), node->Image());
+    // The parent's key rides along, so that a resurrected object finds its place.
+    trees_.Junkyard.SetTag(junk, node->Parent()->Key() + QLatin1Char('\r') + node->Tag());
+    tree.Remove(node->Index());
+    gUpdateObjectTree2 = true;
+}
+
+void DifferenceHandler::objectResurrect(Batch& batch, const QVariantList& record) {
+    TreeNode* old = nodeByKey(trees_.Junkyard, QStringLiteral("k") + itemText(record, 1));
+    TreeControl& tree = trees_.ObjectTree;
+    TreeNode* node = addTopLevelCopy(tree, old->Key(), old->Text(), old->Image());
+    batch.setCurrent(node);
+    const qsizetype cut = old->Tag().indexOf(QLatin1Char('\r'));
+    if (cut < 0)
+        throw RunTimeError::Argument(QStringLiteral("HandleDifferences"));
+    tree.Move(node, nodeByKey(tree, old->Tag().left(cut)));
+    tree.SetTag(node, old->Tag().mid(cut + 1));
+    trees_.Junkyard.Remove(old->Index());
+    gUpdateObjectTree2 = true;
 }
 
 } // namespace vessa

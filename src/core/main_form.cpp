@@ -6,6 +6,7 @@
 #include "core/render_form.h"
 #include "core/view_hosts.h"
 
+#include "scene/scene_panel.h"
 #include "script/script_model.h"
 #include "script/script_panel.h"
 
@@ -97,7 +98,8 @@ const MenuSpec kMenus[] = {
 MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
                    RenderForm& renderForm)
     : state_(state), engine_(engine), reporter_(reporter), renderForm_(renderForm),
-      differences_(state, engine, reporter, *this), script_(std::make_unique<ScriptModel>(*this)),
+      script_(std::make_unique<ScriptModel>(*this)),
+      differences_(state, engine, reporter, *this, trees_, script_->TreeView1()),
       outputText_(new QTextEdit(this)), openingSceneFrame_(new QFrame(this)) {
     setObjectName(QStringLiteral("MainForm"));
     setWindowTitle(QStringLiteral("Vessa47"));
@@ -117,13 +119,26 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     outputText_->setLineWrapMode(QTextEdit::WidgetWidth);
     outputText_->document()->setMaximumBlockCount(kOutputPaneLines);
 
-    auto* split = new QSplitter(Qt::Vertical, this);
-    split->setObjectName(QStringLiteral("SplitterH1"));
-    split->addWidget(buildScriptTabs());
-    split->addWidget(outputText_);
-    split->setStretchFactor(0, 11);
-    split->setStretchFactor(1, 1);
-    setCentralWidget(split);
+    InitSoundTree(trees_);
+    scenePanel_ = new ScenePanel(trees_, engine_, reporter_, script_->DragNode,
+                                 {[this] { return world_.SceneScriptTab; },
+                                  [this](const QString& name) {
+                                      showObjectMenu(name);
+                                  }},
+                                 this);
+    auto* right = new QSplitter(Qt::Vertical, this);
+    right->setObjectName(QStringLiteral("SplitterH1"));
+    right->addWidget(buildScriptTabs());
+    right->addWidget(outputText_);
+    right->setStretchFactor(0, 11);
+    right->setStretchFactor(1, 1);
+    auto* columns = new QSplitter(Qt::Horizontal, this);
+    columns->setObjectName(QStringLiteral("SplitterV"));
+    columns->addWidget(scenePanel_);
+    columns->addWidget(right);
+    columns->setStretchFactor(0, 1);
+    columns->setStretchFactor(1, 4);
+    setCentralWidget(columns);
     resize(9000 / 15, 9360 / 15);
 
     IdleTimer.setObjectName(QStringLiteral("IdleTimer"));
@@ -202,8 +217,11 @@ void MainForm::SwitchToTab(int tab) {
                                 true);
                 scriptPanel_->ConstructTreeView().setVisible(tab == 1);
             }
+            if (tab == 2)
+                ObjectTree2_Update(trees_);
             world_.SceneScriptTab = tab;
             switchTab_->setCurrentIndex(tab);
+            scenePanel_->showTab(tab);
             sceneScriptTab_->setCurrentIndex(tab == 0 ? 0 : 1);
             if (tab == 0 && engine_.isSet())
                 reporter_.CheckInterpreterResult(
@@ -294,7 +312,22 @@ QWidget* MainForm::OpeningSceneFrame() const {
 }
 
 bool MainForm::objectTreeVisible() const {
-    return false;
+    return scenePanel_->objectTreeVisible();
+}
+
+void MainForm::HandleDifferences(const QVariant& differences) {
+    differences_.HandleDifferences(differences);
+    if (differences_.gUpdateObjectTree2)
+        ObjectTree2_Update(trees_);
+}
+
+void MainForm::PollTreeDifferences() {
+    HandleDifferences(engine_.call(QStringLiteral("PollForTreeDifferences")));
+}
+
+void MainForm::showObjectMenu(const QString&) {
+    // The object menu arrives with the action menu; until then a right click
+    // on an object selects it and nothing more.
 }
 
 bool MainForm::IsWorldDirty() {

@@ -5,6 +5,7 @@
 #include "core/engine_link.h"
 #include "core/error_reporter.h"
 #include "core/world_status.h"
+#include "scene/scene_trees.h"
 #include "script/script_host.h"
 
 #include <QMainWindow>
@@ -20,6 +21,7 @@ class QToolButton;
 namespace vessa {
 
 class RenderForm;
+class ScenePanel;
 class ScriptModel;
 class ScriptPanel;
 
@@ -32,11 +34,13 @@ public:
     MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter, RenderForm& renderForm);
     ~MainForm() override;
 
-    void HandleDifferences(const QVariant& differences) {
-        differences_.HandleDifferences(differences);
-    }
-    bool gUpdateObjectTree2() const { return differences_.gUpdateObjectTree2; }
+    // Hands a poll's records on, then rebuilds ObjectTree2 if ObjectTree changed.
+    void HandleDifferences(const QVariant& differences);
+    // Polls the object tree's records out of the rhythm of the main loop, as
+    // loading a world must before the scene goes away.
+    void PollTreeDifferences();
     bool objectTreeVisible() const;
+    SceneTrees& sceneTrees() { return trees_; }
 
     bool IsWorldDirty();
     // Yes saves and answers 0, No answers 1, Cancel answers 2.
@@ -52,6 +56,7 @@ public:
     QWidget* OpeningSceneFrame() const;
     ScriptModel& script() { return *script_; }
     ScriptPanel& scriptPanel() { return *scriptPanel_; }
+    ScenePanel& scenePanel() { return *scenePanel_; }
     QTextEdit* OutputText() const { return outputText_; }
     WorldStatus& world() { return world_; }
     bool worldIsDirty = false;
@@ -66,6 +71,9 @@ public:
     void setRenderFormAlwaysOnTop(bool onTop) override;
     void pumpEvents() override;
     void showUserError(const ErrorFormContent& content) override;
+    void showObjectMenu(const QString& objectName) override;
+    bool eventListHasItems() const override { return false; }
+    void ListviewReplaceString(const QString&, const QString&) override {}
 
     // ScriptHost
     bool ScriptDirty() const override { return world_.ScriptDirty; }
@@ -97,14 +105,16 @@ private:
     EngineLink& engine_;
     ErrorReporter& reporter_;
     RenderForm& renderForm_;
-    DifferenceHandler differences_;
     WorldStatus world_;
+    SceneTrees trees_;
     std::unique_ptr<ScriptModel> script_;
+    DifferenceHandler differences_;
     QTextEdit* outputText_;
     QFrame* openingSceneFrame_;
     QTabBar* switchTab_ = nullptr;
     QStackedWidget* sceneScriptTab_ = nullptr; // 0 the opening scene, 1 the script
     ScriptPanel* scriptPanel_ = nullptr;
+    ScenePanel* scenePanel_ = nullptr;
     QToolButton* scriptUndoButton_ = nullptr;
     // Keeps the engine stepping while a dialog or an external tool holds the
     // main loop.

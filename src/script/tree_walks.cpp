@@ -1,6 +1,7 @@
 #include "script/tree_walks.h"
 
 #include "controls/tree_control.h"
+#include "controls/tree_copy.h"
 #include "core/run_time_error.h"
 #include "script/basic_text.h"
 #include "script/script_line.h"
@@ -16,7 +17,6 @@ namespace vessa {
 namespace {
 
 const QString LineEnd = QStringLiteral("\r\n");
-const QColor Grey(0xC0, 0xC0, 0xC0);
 
 enum class BlockHeader { AsWritten, BareWord };
 
@@ -32,23 +32,6 @@ void WriteNode(const TreeNode* node, const QString& indent, BlockHeader header, 
     for (const TreeNode* child = node->Child(); child; child = child->Next())
         WriteNode(child, inner, header, buffer);
     buffer += indent + (node->Parent() ? QStringLiteral("),") : QStringLiteral(")")) + LineEnd;
-}
-
-void CopyFields(TreeNode* destination, const TreeNode* source, const AddNodesOptions& options) {
-    TreeControl& tree = destination->Owner();
-    tree.SetText(destination, source->Text());
-    tree.SetTag(destination, source->Tag());
-    tree.SetImage(destination, source->Image());
-    tree.SetForeColor(destination, source->ForeColor());
-    tree.SetBackColor(destination, source->BackColor());
-    if (options.KeepExpanded)
-        tree.SetExpanded(destination, source->Expanded());
-    if (!options.ExcludedTag.isEmpty() && text::Same(source->Tag(), options.ExcludedTag))
-        tree.SetForeColor(destination, Grey);
-    if (!options.WantedTag.isEmpty() && text::Same(source->Tag(), options.WantedTag)) {
-        tree.SetSelectedItem(destination);
-        tree.SetDropHighlight(destination);
-    }
 }
 
 } // namespace
@@ -104,10 +87,17 @@ PathWalk ResolvePath(const TreeControl& tree, const QString& path) {
 }
 
 void AddNodes(TreeNode* destination, const TreeNode* source, const AddNodesOptions& options) {
-    CopyFields(destination, source, options);
-    TreeControl& tree = destination->Owner();
-    for (const TreeNode* child = source->Child(); child; child = child->Next())
-        AddNodes(tree.Add(destination, Relation::Child, QString(), QString()), child, options);
+    CopySubtree(destination, source, [&options](TreeNode* copy, const TreeNode* original) {
+        TreeControl& tree = copy->Owner();
+        if (options.KeepExpanded)
+            tree.SetExpanded(copy, original->Expanded());
+        if (!options.ExcludedTag.isEmpty() && text::Same(original->Tag(), options.ExcludedTag))
+            tree.SetForeColor(copy, kGreyedOut);
+        if (!options.WantedTag.isEmpty() && text::Same(original->Tag(), options.WantedTag)) {
+            tree.SetSelectedItem(copy);
+            tree.SetDropHighlight(copy);
+        }
+    });
 }
 
 void TraverseTree(const TreeNode* node, const QString& indent, QString& buffer) {

@@ -271,15 +271,15 @@ class Scene:
             thing.parent = parent
             parent.children.append(thing)
         self._queue.add_tree(records.object_construct(thing.id, kind))
-        self._queue.add_tree(records.object_parent_change(thing.id, self.none_id, self._id_of(parent)))
+        # The scene itself has no parent to tell: it stays at the top of the
+        # front end's tree, open, as it was made.
+        if parent is not None:
+            self._queue.add_tree(records.object_parent_change(thing.id, self.none_id, parent.id))
         self._queue.add_tree(records.object_name_change(thing.id, "", thing.name))
         self._bind(thing)
         self.remember(lambda: self.destroy(thing))
         self.changed()
         return thing
-
-    def _id_of(self, parent):
-        return parent.id if parent is not None else self.none_id
 
     def _bind(self, thing):
         if thing.first_class:
