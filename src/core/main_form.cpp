@@ -31,6 +31,10 @@ namespace {
 // Diagnostics stay in the program but are switched off.
 constexpr bool kLogMessagesOn = false;
 
+// The shares of the window that the scene's column and the output pane start with.
+constexpr double kObjectTreeShare = 0.2;
+constexpr double kOutputShare = 0.08;
+
 // Pace of IdleTimer when the engine has nothing due: it only has to keep the
 // engine alive while a dialog holds the main loop.
 constexpr int kIdleTimerRestMs = 250;
@@ -120,6 +124,20 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     outputText_->document()->setMaximumBlockCount(kOutputPaneLines);
 
     InitSoundTree(trees_);
+    resize(9000 / 15, 9360 / 15);
+    setCentralWidget(buildColumns());
+
+    IdleTimer.setObjectName(QStringLiteral("IdleTimer"));
+    connect(&IdleTimer, &QTimer::timeout, this, &MainForm::IdleTimer_Timer);
+
+    applyAccessibleNames(this);
+    SwitchToTab(0);
+}
+
+MainForm::~MainForm() = default;
+
+// The scene's column on the left; the tabs over the output pane on the right.
+QWidget* MainForm::buildColumns() {
     scenePanel_ = new ScenePanel(trees_, engine_, reporter_, script_->DragNode,
                                  {[this] { return world_.SceneScriptTab; },
                                   [this](const QString& name) {
@@ -130,25 +148,16 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     right->setObjectName(QStringLiteral("SplitterH1"));
     right->addWidget(buildScriptTabs());
     right->addWidget(outputText_);
-    right->setStretchFactor(0, 11);
-    right->setStretchFactor(1, 1);
+    const int height = this->height();
+    right->setSizes({qRound(height * (1 - kOutputShare)), qRound(height * kOutputShare)});
     auto* columns = new QSplitter(Qt::Horizontal, this);
     columns->setObjectName(QStringLiteral("SplitterV"));
     columns->addWidget(scenePanel_);
     columns->addWidget(right);
-    columns->setStretchFactor(0, 1);
-    columns->setStretchFactor(1, 4);
-    setCentralWidget(columns);
-    resize(9000 / 15, 9360 / 15);
-
-    IdleTimer.setObjectName(QStringLiteral("IdleTimer"));
-    connect(&IdleTimer, &QTimer::timeout, this, &MainForm::IdleTimer_Timer);
-
-    applyAccessibleNames(this);
-    SwitchToTab(0);
+    columns->setSizes(
+        {qRound(width() * kObjectTreeShare), qRound(width() * (1 - kObjectTreeShare))});
+    return columns;
 }
-
-MainForm::~MainForm() = default;
 
 QWidget* MainForm::buildOpeningScenePanel() {
     auto* panel = new QWidget(this);

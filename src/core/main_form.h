@@ -92,6 +92,7 @@ protected:
 
 private:
     void buildMenus();
+    QWidget* buildColumns();
     QWidget* buildOpeningScenePanel();
     QWidget* buildScriptTabs();
     void enableMenuItems(std::initializer_list<const char*> controls, bool enabled);

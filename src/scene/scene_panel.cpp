@@ -103,8 +103,10 @@ void ScenePanel::connectObjectTree() {
     connect(view, &TreeControlView::MouseDown, this, [this](Qt::MouseButton b, const QPoint& p) {
         guarded([&] { ObjectTree_MouseDown(b, p); });
     });
-    connect(view, &TreeControlView::MouseMove, this,
-            [this](Qt::MouseButtons b, const QPoint& p) { ObjectTree_MouseMove(b, p); });
+    connect(view, &TreeControlView::MouseMove, this, [this](Qt::MouseButtons b, const QPoint& p) {
+        if (TreeNode* node = ObjectTree_MouseMove(b, p))
+            beginDrag(*objectTree_, node);
+    });
     connect(view, &TreeControlView::MouseUp, this, [this](Qt::MouseButton b, const QPoint& p) {
         guarded([&] { ObjectTree_MouseUp(b, p); });
     });
@@ -131,7 +133,10 @@ void ScenePanel::connectObjectTree() {
 void ScenePanel::connectObjectTree2() {
     TreeControlView* view = objectTree2_;
     connect(view, &TreeControlView::MouseDown, this, [this](Qt::MouseButton b, const QPoint& p) {
-        guarded([&] { ObjectTree2_MouseDown(b, p); });
+        TreeNode* node = nullptr;
+        guarded([&] { node = ObjectTree2_MouseDown(b, p); });
+        if (node)
+            beginDrag(*objectTree2_, node);
     });
     connect(view, &TreeControlView::Expand, this, [this] {
         guarded([&] {
@@ -152,8 +157,10 @@ void ScenePanel::connectSoundTree() {
     connect(view, &TreeControlView::MouseDown, this, [this](Qt::MouseButton b, const QPoint& p) {
         guarded([&] { SoundTree_MouseDown(b, p); });
     });
-    connect(view, &TreeControlView::MouseMove, this,
-            [this](Qt::MouseButtons b, const QPoint&) { SoundTree_MouseMove(b); });
+    connect(view, &TreeControlView::MouseMove, this, [this](Qt::MouseButtons b, const QPoint&) {
+        if (TreeNode* node = SoundTree_MouseMove(b))
+            beginDrag(*soundTree_, node);
+    });
     connect(view, &TreeControlView::DblClick, this,
             [this] { guarded([&] { SoundTree_DblClick(); }); });
     connect(view, &TreeControlView::KeyUp, this,
@@ -191,13 +198,13 @@ void ScenePanel::ObjectTree_NodeClick(TreeNode*) {
     // The command line, once there is one, takes the object's name from here.
 }
 
-void ScenePanel::ObjectTree_MouseMove(Qt::MouseButtons buttons, const QPoint&) {
+TreeNode* ScenePanel::ObjectTree_MouseMove(Qt::MouseButtons buttons, const QPoint&) {
     TreeNode* pressed = pressedNode_.Get();
     // The scene itself, and a node without a picture, stay where they are.
     if (!(buttons & Qt::LeftButton) || !pressed || pressed->Image() == 0 || !pressed->Parent())
-        return;
+        return nullptr;
     inDrag_ = true;
-    beginDrag(*objectTree_, pressed);
+    return pressed;
 }
 
 void ScenePanel::beginDrag(TreeControlView& view, TreeNode* node) {
@@ -284,6 +291,8 @@ void ScenePanel::ObjectTree_AfterLabelEdit(TreeNode*, const QString& newString) 
     QString name = newString;
     if (oldLabel_.startsWith(QLatin1Char('.')) && !name.startsWith(QLatin1Char('.')))
         name.prepend(QLatin1Char('.'));
+    if (name == oldLabel_)
+        return; // left as it was: nothing to ask
     if (!acceptableName(name))
         return;
     runTool(trees_.SelectedObjectName + QStringLiteral(".Rename('") + name + QStringLiteral("')"),
@@ -292,23 +301,23 @@ void ScenePanel::ObjectTree_AfterLabelEdit(TreeNode*, const QString& newString) 
 
 // -- ObjectTree2 -------------------------------------------------------------
 
-void ScenePanel::ObjectTree2_MouseDown(Qt::MouseButton button, const QPoint& point) {
+TreeNode* ScenePanel::ObjectTree2_MouseDown(Qt::MouseButton button, const QPoint& point) {
     if (button != Qt::LeftButton)
-        return;
+        return nullptr;
     TreeControl& tree = trees_.ObjectTree2;
     TreeNode* node = objectTree2_->HitTest(point);
     if (!node)
-        return;
+        return nullptr;
     if (isGrey(node)) {
         // Who an event happens to can't be one of these.
         tree.SetSelectedItem(nullptr);
         tree.SetDropHighlight(nullptr);
-        return;
+        return nullptr;
     }
     tree.SetSelectedItem(node);
     tree.SetDropHighlight(node);
     dragNode_ = NodeRef::To(tree, node);
-    beginDrag(*objectTree2_, node);
+    return node;
 }
 
 // -- SoundTree ---------------------------------------------------------------
@@ -326,13 +335,13 @@ void ScenePanel::SoundTree_MouseDown(Qt::MouseButton, const QPoint& point) {
         tree.StartLabelEdit(node);
 }
 
-void ScenePanel::SoundTree_MouseMove(Qt::MouseButtons buttons) {
+TreeNode* ScenePanel::SoundTree_MouseMove(Qt::MouseButtons buttons) {
     TreeNode* node = dragNode_.Tree == &trees_.SoundTree ? dragNode_.Get() : nullptr;
     if (!(buttons & Qt::LeftButton) || !node)
-        return;
+        return nullptr;
     trees_.SoundTree.SetSelectedItem(node);
     trees_.SoundTree.SetDropHighlight(node);
-    beginDrag(*soundTree_, node);
+    return node;
 }
 
 void ScenePanel::SoundTree_DblClick() {

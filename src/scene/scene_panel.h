@@ -39,15 +39,17 @@ public:
     TreeControlView& SoundTreeView() { return *soundTree_; }
 
     // The handlers, public so that they can be driven as the views drive them.
+    // Those that may begin a drag answer the node to drag, or nullptr; the
+    // views then run the drag, which ends in a drop event.
     void ObjectTree_MouseDown(Qt::MouseButton button, const QPoint& point);
-    void ObjectTree_MouseMove(Qt::MouseButtons buttons, const QPoint& point);
+    TreeNode* ObjectTree_MouseMove(Qt::MouseButtons buttons, const QPoint& point);
     void ObjectTree_MouseUp(Qt::MouseButton button, const QPoint& point);
     void ObjectTree_DragOver(const QPoint& point);
     void ObjectTree_DragDrop();
     void ObjectTree_AfterLabelEdit(TreeNode* node, const QString& newString);
-    void ObjectTree2_MouseDown(Qt::MouseButton button, const QPoint& point);
+    TreeNode* ObjectTree2_MouseDown(Qt::MouseButton button, const QPoint& point);
     void SoundTree_MouseDown(Qt::MouseButton button, const QPoint& point);
-    void SoundTree_MouseMove(Qt::MouseButtons buttons);
+    TreeNode* SoundTree_MouseMove(Qt::MouseButtons buttons);
     void SoundTree_DblClick();
     void SoundTree_KeyUp(int key);
     void SoundTree_AfterLabelEdit(const QString& newString);

@@ -16,14 +16,15 @@ QProcessEnvironment programEnvironment(const QString& configDir) {
     env.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(VESSA_TEST_PLUGIN_DIR));
     env.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), configDir);
-    env.insert(QStringLiteral("VESSA47_DRIVER_SCRIPT"), QStringLiteral("tab:1;tab:2;tab:0;exit"));
+    env.insert(QStringLiteral("VESSA47_DRIVER_SCRIPT"),
+               QStringLiteral("wait:300;dump:ObjectTree;tab:1;tab:2;tab:0;exit"));
     env.remove(QStringLiteral("VESSA47_HOME")); // the program finds its home beside itself
     return env;
 }
 
 } // namespace
 
-TEST(WholeProgram, StartsVisitsEachTabAndExitsThroughTheFileMenu) {
+TEST(WholeProgram, ShowsTheDefaultWorldVisitsEachTabAndExitsThroughTheFileMenu) {
     QTemporaryDir config;
     QProcess program;
     program.setProcessEnvironment(programEnvironment(config.path()));
@@ -40,4 +41,8 @@ TEST(WholeProgram, StartsVisitsEachTabAndExitsThroughTheFileMenu) {
         << errors.toStdString();
     EXPECT_FALSE(errors.contains(QStringLiteral("did not open"))) << errors.toStdString();
     EXPECT_FALSE(errors.contains(QStringLiteral("Traceback"))) << errors.toStdString();
+    // The default world reached the object tree through the engine's records.
+    for (const char* line : {"driver: ObjectTree: Scene\n", "driver: ObjectTree:   Camera\n",
+                             "driver: ObjectTree:   Light\n", "driver: ObjectTree:   Ground\n"})
+        EXPECT_TRUE(errors.contains(QString::fromLatin1(line))) << line << errors.toStdString();
 }

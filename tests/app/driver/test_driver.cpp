@@ -7,6 +7,8 @@
 // separated by ";":
 //   "tab:N"       click tab N of the world tabs (0 opening scene, 1 animations)
 //   "shot:PATH"   save a picture of the main window to PATH
+//   "dump:NAME"   print the items of the tree view NAME, one per line, indented
+//                 by depth: "driver: NAME: <indent><text>"
 //   "wait:MS"     let the program run for MS milliseconds
 //   "exit"        open the File menu with Alt+F and choose E&xit with X
 // Whatever the script, it reports on standard error when the main window is
@@ -19,6 +21,7 @@
 #include <QTabBar>
 #include <QTest>
 #include <QTimer>
+#include <QTreeView>
 #include <QWidget>
 #include <cstdio>
 
@@ -65,11 +68,34 @@ private:
             clickTab(argument.toInt());
         else if (step.startsWith(QStringLiteral("shot:")))
             main_->grab().save(argument);
+        else if (step.startsWith(QStringLiteral("dump:")))
+            dumpTree(argument);
         else if (step.startsWith(QStringLiteral("wait:")))
             pause = argument.toInt();
         else
             std::fprintf(stderr, "driver: unknown step %s\n", qPrintable(step));
         QTimer::singleShot(pause, this, &Driver::nextStep);
+    }
+
+    void dumpTree(const QString& name) {
+        auto* view = main_->findChild<QTreeView*>(name);
+        if (!view) {
+            std::fprintf(stderr, "driver: no tree %s\n", qPrintable(name));
+            return;
+        }
+        dumpRows(name, view->model(), QModelIndex(), 0);
+        std::fflush(stderr);
+    }
+
+    void dumpRows(const QString& name, const QAbstractItemModel* model, const QModelIndex& parent,
+                  int depth) {
+        for (int row = 0; row < model->rowCount(parent); ++row) {
+            const QModelIndex index = model->index(row, 0, parent);
+            std::fprintf(stderr, "driver: %s: %s%s\n", qPrintable(name),
+                         qPrintable(QString(depth * 2, QLatin1Char(' '))),
+                         qPrintable(index.data().toString()));
+            dumpRows(name, model, index, depth + 1);
+        }
     }
 
     void clickTab(int index) {
