@@ -110,18 +110,7 @@ void ScenePanel::connectObjectTree() {
     connect(view, &TreeControlView::MouseUp, this, [this](Qt::MouseButton b, const QPoint& p) {
         guarded([&] { ObjectTree_MouseUp(b, p); });
     });
-    connect(view, &TreeControlView::Expand, this, [this] {
-        guarded([&] {
-            runTool(QStringLiteral("playsystemsound('TreeExpand')"),
-                    QStringLiteral("MainForm:ObjectTree_Expand: Error playing sound."));
-        });
-    });
-    connect(view, &TreeControlView::Collapse, this, [this] {
-        guarded([&] {
-            runTool(QStringLiteral("PlaySystemSound('TreeCollapse')"),
-                    QStringLiteral("MainForm:ObjectTree_Collapse: Error playing sound."));
-        });
-    });
+    connectFoldingSounds(*view, QStringLiteral("ObjectTree"));
     view->ItemModel().SetLabelEditHandler([this](TreeNode* node, const QString& text) {
         guarded([&] { ObjectTree_AfterLabelEdit(node, text); });
     });
@@ -138,16 +127,22 @@ void ScenePanel::connectObjectTree2() {
         if (node)
             beginDrag(*objectTree2_, node);
     });
-    connect(view, &TreeControlView::Expand, this, [this] {
+    connectFoldingSounds(*view, QStringLiteral("ObjectTree2"));
+}
+
+void ScenePanel::connectFoldingSounds(TreeControlView& view, const QString& control) {
+    connect(&view, &TreeControlView::Expand, this, [this, control] {
         guarded([&] {
             runTool(QStringLiteral("playsystemsound('TreeExpand')"),
-                    QStringLiteral("MainForm:ObjectTree2_Expand: Error playing sound."));
+                    QStringLiteral("MainForm:") + control +
+                        QStringLiteral("_Expand: Error playing sound."));
         });
     });
-    connect(view, &TreeControlView::Collapse, this, [this] {
+    connect(&view, &TreeControlView::Collapse, this, [this, control] {
         guarded([&] {
             runTool(QStringLiteral("PlaySystemSound('TreeCollapse')"),
-                    QStringLiteral("MainForm:ObjectTree2_Collapse: Error playing sound."));
+                    QStringLiteral("MainForm:") + control +
+                        QStringLiteral("_Collapse: Error playing sound."));
         });
     });
 }

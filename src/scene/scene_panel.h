@@ -63,6 +63,8 @@ private:
     void connectObjectTree();
     void connectObjectTree2();
     void connectSoundTree();
+    // Opening and closing a node of the object trees makes its sound.
+    void connectFoldingSounds(TreeControlView& view, const QString& control);
     void ObjectTree_NodeClick(TreeNode* node);
     // Starts a drag of a node of one of the trees; the drop decides what it means.
     void beginDrag(TreeControlView& view, TreeNode* node);

@@ -45,23 +45,13 @@ QVariant batch(std::initializer_list<QVariantList> records) {
     return list;
 }
 
-struct Harness {
-    AppState state;
-    EngineLink engine;
-    ScriptedInterpreter::Log log;
-    RecordingErrorDisplay display;
-    ThrowingProcessControl process;
-    ErrorReporter reporter{state, display, process};
+struct Harness : ScriptedProgram {
     RecordingView view;
     SceneTrees trees;
     TreeControl script;
     DifferenceHandler handler{state, engine, reporter, view, trees, script};
 
-    Harness() {
-        state.ExitOnFatal = false;
-        engine.attach(std::make_unique<ScriptedInterpreter>(log));
-        InitSoundTree(trees);
-    }
+    Harness() { InitSoundTree(trees); }
 };
 
 } // namespace

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "core/app_state.h"
+#include "core/engine_link.h"
 #include "core/error_display.h"
+#include "core/error_reporter.h"
 #include "core/interpreter.h"
 #include "core/run_time_error.h"
 #include "core/shell.h"
@@ -99,6 +102,34 @@ public:
     QList<int> waits;
     QVariantList handled;
     std::function<void()> onPump;
+};
+
+// A running program's core around a scripted engine, past start-up: failed
+// calls show the dialog and the program goes on.
+struct ScriptedProgram {
+    AppState state;
+    EngineLink engine;
+    ScriptedInterpreter::Log log;
+    ScriptedInterpreter* scripted; // owned by the engine link
+    RecordingErrorDisplay display;
+    ThrowingProcessControl process;
+    ErrorReporter reporter{state, display, process};
+
+    ScriptedProgram() {
+        state.ExitOnFatal = false;
+        auto made = std::make_unique<ScriptedInterpreter>(log);
+        scripted = made.get();
+        engine.attach(std::move(made));
+    }
+
+    // The Python statements sent so far, in order.
+    QStringList statements() const {
+        QStringList sent;
+        for (qsizetype i = 0; i < log.calls.size(); ++i)
+            if (log.calls[i] == QStringLiteral("ExecuteCode"))
+                sent << log.arguments[i][0].toString();
+        return sent;
+    }
 };
 
 } // namespace vessa::testing

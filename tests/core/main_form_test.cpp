@@ -20,24 +20,13 @@ using namespace vessa::testing;
 namespace {
 
 // The main window over a scripted engine.
-struct MainFormHarness {
-    AppState state;
-    EngineLink engine;
-    ScriptedInterpreter::Log log;
-    ScriptedInterpreter* scripted;
-    RecordingErrorDisplay display;
-    ThrowingProcessControl process;
-    ErrorReporter reporter{state, display, process};
+struct MainFormHarness : ScriptedProgram {
     RenderForm renderForm;
     std::unique_ptr<MainForm> form;
 
     MainFormHarness() {
-        state.ExitOnFatal = false;
-        auto made = std::make_unique<ScriptedInterpreter>(log);
-        made->answers[QStringLiteral("getisdirty")] = 0;
-        made->answers[QStringLiteral("GetLoopWait")] = -1;
-        scripted = made.get();
-        engine.attach(std::move(made));
+        scripted->answers[QStringLiteral("getisdirty")] = 0;
+        scripted->answers[QStringLiteral("GetLoopWait")] = -1;
         form = std::make_unique<MainForm>(state, engine, reporter, renderForm);
     }
 };

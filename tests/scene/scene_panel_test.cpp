@@ -21,27 +21,16 @@ using namespace vessa::testing;
 namespace {
 
 // The scene column over a scripted engine, with Scene > Bunny > .arm and a Sun.
-struct Column {
-    AppState state;
-    EngineLink engine;
-    ScriptedInterpreter::Log log;
-    RecordingErrorDisplay display;
-    ThrowingProcessControl process;
-    ErrorReporter reporter{state, display, process};
+struct Column : ScriptedProgram {
     SceneTrees trees;
     NodeRef dragNode;
     int tab = 0;
     QStringList objectMenus;
-    ScriptedInterpreter* scripted = nullptr;
     std::unique_ptr<ScenePanel> panel;
     TreeNode *scene, *bunny, *arm, *sun;
 
     Column() {
-        state.ExitOnFatal = false;
-        auto made = std::make_unique<ScriptedInterpreter>(log);
-        made->answers[QStringLiteral("isvalidname")] = true;
-        scripted = made.get();
-        engine.attach(std::move(made));
+        scripted->answers[QStringLiteral("isvalidname")] = true;
         TreeControl& t = trees.ObjectTree;
         scene =
             add(nullptr, QStringLiteral("Scene"), QStringLiteral("Scene"), object_images::Scene);
@@ -73,14 +62,6 @@ struct Column {
     }
 
     QPoint at(const TreeNode* node) { return panel->ObjectTreeView().NodeRect(node).center(); }
-
-    QStringList statements() const {
-        QStringList sent;
-        for (qsizetype i = 0; i < log.calls.size(); ++i)
-            if (log.calls[i] == QStringLiteral("ExecuteCode"))
-                sent << log.arguments[i][0].toString();
-        return sent;
-    }
 
     // Presses on `from`, drags, and drops on `to` as the view's drop events would.
     void dragAndDrop(const TreeNode* from, const TreeNode* to) {
