@@ -4,6 +4,7 @@
 #include "scene/scene_trees.h"
 
 #include <gtest/gtest.h>
+#include <random>
 
 using namespace vessa;
 using namespace vessa::testing;
@@ -323,4 +324,49 @@ TEST(SoundRecords, AfterASoundRenameAFailureIsTakenForOneAndTheNextClimbsBare) {
     } catch (const RunTimeError& e) {
         EXPECT_FALSE(e.description().startsWith(QStringLiteral("VB: HandleDifferences")));
     }
+}
+
+TEST(SceneRecords, NothingTheEngineSendsCanCrashTheFrontEnd) {
+    // Random batches of real tags with items of any kind and length: each either
+    // works or fails as a run-time error of the call.
+    const QStringList tags = {QStringLiteral("objectconstruct"),
+                              QStringLiteral("objectnamechange"),
+                              QStringLiteral("objectparentchange"),
+                              QStringLiteral("objectdestruct"),
+                              QStringLiteral("objectresurrect"),
+                              QStringLiteral("soundnamechange"),
+                              QStringLiteral("sceneaddsound"),
+                              QStringLiteral("sceneremovesound"),
+                              QStringLiteral("objectfirstclassorpartchange"),
+                              QStringLiteral("output")};
+    const QVariantList values = {QStringLiteral("1"),
+                                 QStringLiteral("2"),
+                                 QStringLiteral("3"),
+                                 QStringLiteral("scene"),
+                                 QStringLiteral("model"),
+                                 QStringLiteral("sound"),
+                                 QStringLiteral("none"),
+                                 7,
+                                 true,
+                                 QVariant(),
+                                 QVariant(QVariantList{1, 2})};
+    std::mt19937 random(47);
+    const auto pick = [&](qsizetype count) {
+        return static_cast<qsizetype>(random() % static_cast<unsigned>(count));
+    };
+    Harness h;
+    for (int round = 0; round < 2000; ++round) {
+        QVariantList records;
+        for (int r = 0; r < 6; ++r) {
+            QVariantList record = {tags[pick(tags.size())]};
+            for (qsizetype item = pick(5); item > 0; --item)
+                record.append(values[pick(values.size())]);
+            records.append(QVariant(record));
+        }
+        try {
+            h.handler.HandleDifferences(records);
+        } catch (const RunTimeError&) {
+        }
+    }
+    SUCCEED();
 }
