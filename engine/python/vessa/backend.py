@@ -1,15 +1,26 @@
 """The backend interface, and its pure-Python implementation.
 
-The engine keeps every object's transform and color in the backend and asks
-it to ease values over time; the backend knows nothing of names, parts,
-commands or events. A compiled backend (scene graph, drawing) implements the
-same methods and replaces PythonBackend without other changes.
+The engine keeps every object's transform, color and drawing style in the
+backend and asks it to ease values over time; the backend knows nothing of
+names, parts, commands or events. The compiled backend `vessa._core` (scene
+graph, drawing) implements the same methods; create() answers it when it can
+be imported and PythonBackend otherwise (a browser, a plain source tree).
 
 Interface (ids are the engine's integer object ids; vectors are tuples):
-    add_node(node_id, values)        values: {channel: tuple} for every channel
+    add_node(node_id, values, kind="model")
+        values: {channel: tuple}; a missing channel takes its default. kind:
+        "scene", "camera", "light" or "model". A scene node is the top of
+        the drawn world; any other node is drawn while its parent is.
     remove_node(node_id)
     get(node_id, channel) -> tuple
     set(node_id, channel, value)
+    set_parent(node_id, parent_id)   None takes the node out of the world
+    get_style(node_id, style) / set_style(node_id, style, value)
+        How the node's own shape is drawn (STYLES has the defaults):
+        "visible" and "texture" are truth values; "filling" ("Solid",
+        "Lines", "Points") and "lighting" ("Lit", "UnLit") are kept as given
+        and read without regard to case; "model" names the shape of a model
+        node: "" a box one meter on each side, which its size stretches.
     add_tween(node_id, channel, delta, start, duration, style) -> tween id
         Changes the channel by delta over [start, start + duration], shaped by
         the style's easing curve. Tweens add up: two on one channel combine.
@@ -24,6 +35,19 @@ Interface (ids are the engine's integer object ids; vectors are tuples):
 from . import geometry
 
 CHANNELS = ("position", "orientation", "size", "color")
+STYLES = {"visible": True, "filling": "Solid", "lighting": "Lit", "texture": True, "model": ""}
+FLAG_STYLES = ("visible", "texture")
+DEFAULT_VALUES = {"position": (0.0, 0.0, 0.0), "orientation": geometry.IDENTITY,
+                  "size": (1.0, 1.0, 1.0), "color": (1.0, 1.0, 1.0)}
+
+
+def create():
+    """The compiled backend when it can be imported, else the Python one."""
+    try:
+        from . import _core
+    except ImportError:
+        return PythonBackend()
+    return _core.Backend()
 
 
 def _linear(t):
@@ -71,16 +95,25 @@ class _Tween:
 
 
 class PythonBackend:
+    """The reference backend: the same answers as `vessa._core`, nothing drawn."""
+
     def __init__(self):
         self._nodes = {}
+        self._parents = {}
+        self._styles = {}
         self._tweens = {}
         self._next_id = 1
 
-    def add_node(self, node_id, values):
-        self._nodes[node_id] = {c: tuple(values[c]) for c in CHANNELS}
+    def add_node(self, node_id, values, kind="model"):
+        self.remove_node(node_id)
+        self._nodes[node_id] = {c: tuple(values.get(c, DEFAULT_VALUES[c])) for c in CHANNELS}
+        self._parents[node_id] = None
+        self._styles[node_id] = dict(STYLES)
 
     def remove_node(self, node_id):
         self._nodes.pop(node_id, None)
+        self._parents.pop(node_id, None)
+        self._styles.pop(node_id, None)
         for tween_id in [i for i, t in self._tweens.items() if t.node_id == node_id]:
             del self._tweens[tween_id]
 
@@ -88,7 +121,21 @@ class PythonBackend:
         return self._nodes[node_id][channel]
 
     def set(self, node_id, channel, value):
-        self._nodes[node_id][channel] = tuple(value)
+        self._nodes[node_id][channel] = tuple(float(x) for x in value)
+
+    def set_parent(self, node_id, parent_id):
+        if parent_id is not None and parent_id not in self._nodes:
+            raise KeyError(parent_id)
+        self._nodes[node_id]    # an unknown node is an error, as in _core
+        self._parents[node_id] = parent_id
+
+    def get_style(self, node_id, style):
+        return self._styles[node_id][style]
+
+    def set_style(self, node_id, style, value):
+        if style not in STYLES:
+            raise ValueError("unknown style %s" % style)
+        self._styles[node_id][style] = bool(value) if style in FLAG_STYLES else str(value)
 
     def add_tween(self, node_id, channel, delta, start, duration, style):
         tween_id = self._next_id

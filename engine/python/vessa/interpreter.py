@@ -5,9 +5,9 @@ lists. A call that can fail answers None on success and the failure text
 otherwise; user code never fails a call: its errors go out as records.
 """
 
+from . import backend as backends
 from . import compat, events, namespace, places, records, scenefile
 from .animation import Animator
-from .backend import PythonBackend
 from .capture import Capture
 from .clock import WallClock
 from .handbasket import Handbasket
@@ -36,14 +36,15 @@ NOT_YET = (
 
 class Interpreter:
     def __init__(self, clock=None, backend=None):
-        """clock and backend are for tests and for a compiled backend."""
+        """clock and backend are for tests; the backend is otherwise the
+        compiled one when it can be imported (backend.create())."""
         compat.install()
         self._queue = DifferenceQueue()
         self._watchdog = Watchdog(is_user_code)
         self._recent = RecentFiles()
         self._home = places.home_dir()
         self._dirty = False
-        self.animator = Animator(backend or PythonBackend(), clock or WallClock(),
+        self.animator = Animator(backend or backends.create(), clock or WallClock(),
                                  lambda active: self._queue.add_misc(records.active_changed(active)))
         self.undo = UndoStack(lambda empty: self._queue.add_misc(records.undo_empty_change(empty)))
         self.scene = Scene(self._queue, self.animator.backend, self.animator, self._mark_dirty)

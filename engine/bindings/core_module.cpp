@@ -1,0 +1,116 @@
+// `vessa._core`: the compiled backend as the engine's Python layer sees it.
+// Each method converts Python values and hands over to vessa::core::Backend;
+// the interface itself is written down in vessa/backend.py.
+#include "backend/backend.h"
+
+#include <pybind11/pybind11.h>
+#include <pybind11/stl.h>
+
+#include <stdexcept>
+
+namespace py = pybind11;
+using namespace pybind11::literals;
+using vessa::core::Backend;
+using vessa::core::ChannelValue;
+
+namespace {
+
+ChannelValue toValue(const py::handle& sequence) {
+    ChannelValue value{};
+    if (sequence.is_none())
+        return value;
+    size_t i = 0;
+    for (const py::handle item : sequence) {
+        if (i == value.size())
+            throw std::invalid_argument("a value has at most four numbers");
+        value[i++] = item.cast<double>();
+    }
+    return value;
+}
+
+py::tuple toTuple(const ChannelValue& value, int width) {
+    py::tuple tuple(static_cast<size_t>(width));
+    for (int i = 0; i < width; ++i)
+        tuple[static_cast<size_t>(i)] = value[static_cast<size_t>(i)];
+    return tuple;
+}
+
+vessa::core::NodeValues toValues(const py::dict& values) {
+    vessa::core::NodeValues result;
+    for (int i = 0; i < vessa::core::kChannelCount; ++i) {
+        const auto channel = static_cast<vessa::core::Channel>(i);
+        const char* name = vessa::core::channelName(channel);
+        result[static_cast<size_t>(i)] =
+            values.contains(name) ? toValue(values[name]) : vessa::core::defaultValue(channel);
+    }
+    return result;
+}
+
+std::optional<int> toId(const py::object& id) {
+    return id.is_none() ? std::nullopt : std::optional<int>(id.cast<int>());
+}
+
+bool isFlagStyle(const std::string& style) {
+    return style == "visible" || style == "texture";
+}
+
+} // namespace
+
+PYBIND11_MODULE(_core, m) {
+    m.doc() = "The compiled backend of the Vessa47 engine: scene graph, tweens and drawing.";
+    py::register_exception<std::out_of_range>(m, "UnknownNode", PyExc_KeyError);
+
+    py::class_<Backend>(m, "Backend")
+        .def(py::init<>())
+        .def(
+            "add_node",
+            [](Backend& b, int id, const py::dict& values, const std::string& kind) {
+                b.addNode(id, toValues(values), kind);
+            },
+            "node_id"_a, "values"_a, "kind"_a = "model")
+        .def("remove_node", &Backend::removeNode, "node_id"_a)
+        .def(
+            "get",
+            [](const Backend& b, int id, const std::string& channel) {
+                return toTuple(b.get(id, channel),
+                               vessa::core::channelWidth(vessa::core::channelFromName(channel)));
+            },
+            "node_id"_a, "channel"_a)
+        .def(
+            "set",
+            [](Backend& b, int id, const std::string& channel, const py::object& value) {
+                b.set(id, channel, toValue(value));
+            },
+            "node_id"_a, "channel"_a, "value"_a)
+        .def(
+            "set_parent",
+            [](Backend& b, int id, const py::object& parent) { b.setParent(id, toId(parent)); },
+            "node_id"_a, "parent_id"_a)
+        .def(
+            "get_style",
+            [](const Backend& b, int id, const std::string& style) -> py::object {
+                return std::visit([](const auto& v) -> py::object { return py::cast(v); },
+                                  b.getStyle(id, style));
+            },
+            "node_id"_a, "style"_a)
+        .def(
+            "set_style",
+            [](Backend& b, int id, const std::string& style, const py::object& value) {
+                if (isFlagStyle(style))
+                    b.setStyle(id, style, py::bool_(value).cast<bool>());
+                else
+                    b.setStyle(id, style, py::str(value).cast<std::string>());
+            },
+            "node_id"_a, "style"_a, "value"_a)
+        .def(
+            "add_tween",
+            [](Backend& b, const py::object& node, const py::object& channel,
+               const py::object& delta, double start, double duration, const py::object& style) {
+                return b.addTween(toId(node), channel.is_none() ? "" : channel.cast<std::string>(),
+                                  toValue(delta), start, duration, py::str(style));
+            },
+            "node_id"_a, "channel"_a, "delta"_a, "start"_a, "duration"_a, "style"_a)
+        .def("cancel", &Backend::cancel, "tween_id"_a)
+        .def("step", &Backend::step, "now"_a)
+        .def("tween_count", &Backend::tweenCount);
+}

@@ -1,0 +1,55 @@
+#include "models/shapes.h"
+
+#include <osg/Material>
+#include <osg/MatrixTransform>
+#include <osg/ShapeDrawable>
+#include <osgText/Font3D>
+#include <osgText/Text3D>
+
+namespace vessa::core {
+
+namespace {
+
+constexpr const char* kFontFile = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
+constexpr float kLetterHeight = 1.0f;
+constexpr float kLetterDepth = 0.2f;
+
+osgText::Font* textFont() {
+    static osg::ref_ptr<osgText::Font> font = osgText::readRefFont3DFile(kFontFile);
+    return font.get();
+}
+
+} // namespace
+
+osg::Node* unitBox() {
+    static osg::ref_ptr<osg::Geode> box = [] {
+        auto* drawable = new osg::ShapeDrawable(new osg::Box(osg::Vec3(), 1.0f));
+        drawable->setColor(osg::Vec4(1.0f, 1.0f, 1.0f, 1.0f));
+        osg::ref_ptr<osg::Geode> geode = new osg::Geode;
+        geode->setName("box");
+        geode->addDrawable(drawable);
+        return geode;
+    }();
+    return box.get();
+}
+
+osg::Node* textShape(const std::string& words) {
+    auto* text = new osgText::Text3D;
+    if (osgText::Font* font = textFont())
+        text->setFont(font);
+    text->setCharacterSize(kLetterHeight);
+    text->setCharacterDepth(kLetterDepth);
+    text->setAlignment(osgText::TextBase::CENTER_BASE_LINE);
+    text->setText(words, osgText::String::ENCODING_UTF8);
+    text->setColor(osg::Vec4(1.0f, 1.0f, 1.0f, 1.0f));
+    auto* geode = new osg::Geode;
+    geode->addDrawable(text);
+    // Text faces OpenSceneGraph's +z; the engine's cameras look at an
+    // object's front from behind it, along that axis, so turn it round.
+    auto* facing = new osg::MatrixTransform(osg::Matrixd::rotate(osg::PI, osg::Vec3d(0, 1, 0)));
+    facing->setName("text");
+    facing->addChild(geode);
+    return facing;
+}
+
+} // namespace vessa::core
