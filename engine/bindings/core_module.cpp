@@ -54,6 +54,30 @@ bool isFlagStyle(const std::string& style) {
     return style == "visible" || style == "texture";
 }
 
+py::object failureOrNone(const std::string& failure) {
+    return failure.empty() ? py::object(py::none()) : py::object(py::str(failure));
+}
+
+py::object pointOrNone(const std::optional<ChannelValue>& point) {
+    return point ? py::object(toTuple(*point, 3)) : py::object(py::none());
+}
+
+py::dict toDict(const vessa::core::InputEvent& event) {
+    py::dict d;
+    d["kind"] = event.kind;
+    d["x"] = event.x;
+    d["y"] = event.y;
+    d["node"] = event.node ? py::object(py::int_(*event.node)) : py::object(py::none());
+    d["point"] = pointOrNone(event.point);
+    d["ray"] = py::make_tuple(toTuple(event.rayOrigin, 3), toTuple(event.rayDirection, 3));
+    d["wheel"] = event.wheelSteps;
+    d["key"] = event.key;
+    d["rawkey"] = event.rawkey;
+    d["shift"] = event.shift;
+    d["control"] = event.control;
+    return d;
+}
+
 } // namespace
 
 PYBIND11_MODULE(_core, m) {
@@ -112,5 +136,42 @@ PYBIND11_MODULE(_core, m) {
             "node_id"_a, "channel"_a, "delta"_a, "start"_a, "duration"_a, "style"_a)
         .def("cancel", &Backend::cancel, "tween_id"_a)
         .def("step", &Backend::step, "now"_a)
-        .def("tween_count", &Backend::tweenCount);
+        .def("tween_count", &Backend::tweenCount)
+        .def(
+            "open_view",
+            [](Backend& b, int width, int height, long long host) {
+                return failureOrNone(b.view().open(width, height, host));
+            },
+            "width"_a, "height"_a, "host_id"_a)
+        .def(
+            "move_view",
+            [](Backend& b, long long host) { return failureOrNone(b.view().moveTo(host)); },
+            "host_id"_a)
+        .def(
+            "resize_view",
+            [](Backend& b, int width, int height) { b.view().resize(width, height); }, "width"_a,
+            "height"_a)
+        .def("close_view", [](Backend& b) { b.view().close(); })
+        .def("focus_view", [](Backend& b) { return failureOrNone(b.view().focus()); })
+        .def("check_drawing", [](const Backend&) { return vessa::core::ViewHost::checkOpenGL(); })
+        .def("hardware_accelerated",
+             [](const Backend&) { return vessa::core::ViewHost::hardwareAccelerated(); })
+        .def(
+            "set_acceleration",
+            [](Backend& b, bool on) { return failureOrNone(b.view().setHighQuality(on)); }, "on"_a)
+        .def("frames_per_second", [](const Backend& b) { return b.view().framesPerSecond(); })
+        .def(
+            "save_picture",
+            [](Backend& b, const std::string& path) {
+                return failureOrNone(b.view().savePicture(path));
+            },
+            "path"_a)
+        .def("poll_input",
+             [](Backend& b) {
+                 py::list events;
+                 for (const auto& event : b.takeInput())
+                     events.append(toDict(event));
+                 return events;
+             })
+        .def("input_waiting", &Backend::inputWaiting);
 }

@@ -16,9 +16,12 @@ namespace vessa {
 
 namespace {
 
-// The registry of host windows shared with the engine: a host is named by an
-// integer id; the program has one host now, the opening-scene panel.
+// Host windows of the engine's camera view are named by integer ids, which
+// the engine finds in the host widget's "vessaHostId" property: the
+// opening-scene panel and the camera window's frame.
 constexpr qint64 kOpeningSceneHostId = 1;
+constexpr qint64 kRenderFrameHostId = 2;
+constexpr const char* kHostIdProperty = "vessaHostId";
 
 double twipsPerPixelOf(double logicalDpi) {
     return logicalDpi > 0 ? 1440.0 / logicalDpi : 15.0;
@@ -75,14 +78,16 @@ void QtShell::pumpEventsWaiting(int maxWaitMs) {
 }
 
 void QtShell::createMainForm() {
-    if (!renderForm_)
-        renderForm_ = std::make_unique<RenderForm>();
+    createRenderForm();
     mainForm_ = std::make_unique<MainForm>(state_, engine_, reporter_, *renderForm_);
+    mainForm_->OpeningSceneFrame()->setProperty(kHostIdProperty, kOpeningSceneHostId);
 }
 
 void QtShell::createRenderForm() {
-    if (!renderForm_)
-        renderForm_ = std::make_unique<RenderForm>();
+    if (renderForm_)
+        return;
+    renderForm_ = std::make_unique<RenderForm>();
+    renderForm_->RenderFrame()->setProperty(kHostIdProperty, kRenderFrameHostId);
 }
 
 double QtShell::twipsPerPixelX() const {

@@ -6,13 +6,20 @@
 
 namespace vessa::core {
 
+namespace {
+
+constexpr const char* kTextModel = "text:";
+
+} // namespace
+
 Channel channelFromName(const std::string& name) {
     if (auto channel = channelNamed(name))
         return *channel;
     throw std::invalid_argument("unknown channel " + name);
 }
 
-Backend::Backend() = default;
+Backend::Backend() : view_(scene_, input_) {
+}
 Backend::~Backend() = default;
 
 void Backend::addNode(int id, const NodeValues& values, const std::string& kind) {
@@ -78,6 +85,8 @@ osg::Node* Backend::shapeFor(int id, const std::string& model) const {
         return nullptr;
     if (model.empty())
         return unitBox();
+    if (model.starts_with(kTextModel))
+        return textShape(model.substr(std::string_view(kTextModel).size()));
     return nullptr;
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "input/input_event.h"
 #include "scene/channels.h"
 #include "scene/scene_graph.h"
 #include "scene/tween_set.h"
+#include "view/view_host.h"
 
 #include <array>
 #include <optional>
@@ -42,6 +44,12 @@ public:
     std::vector<int> step(double now);
     size_t tweenCount() const { return tweens_.size(); }
 
+    // The camera view; see ViewHost. Texts answered are failures, "" none.
+    ViewHost& view() { return view_; }
+    const ViewHost& view() const { return view_; }
+    std::vector<InputEvent> takeInput() { return input_.takeAll(); }
+    bool inputWaiting() const { return !input_.empty(); }
+
     SceneGraph& scene() { return scene_; }
 
 private:
@@ -49,6 +57,8 @@ private:
 
     SceneGraph scene_;
     TweenSet tweens_;
+    InputQueue input_;
+    ViewHost view_; // last: the view draws the scene and fills the queue
 };
 
 Channel channelFromName(const std::string& name);

@@ -30,6 +30,26 @@ Interface (ids are the engine's integer object ids; vectors are tuples):
     step(now) -> [tween id, ...]     advances every tween to now (never past
         its end) and answers those that reached their end, in order of end
     tween_count() -> int
+
+The camera view (texts answered are failures; None is success). It looks
+through the first camera node in the world and draws only when something
+changed. Where nothing can be drawn (no window system) these succeed idle.
+    open_view(width, height, host_id)   in the front end's window host_id
+    move_view(host_id), resize_view(width, height), close_view()
+    focus_view()                     keys go to the view
+    check_drawing() -> ""            or why no OpenGL context can be made
+    hardware_accelerated() -> bool
+    set_acceleration(on)             the high-quality (True) or light path
+    frames_per_second() -> float     frames drawn in the last second
+    save_picture(path)               the view's picture as a BMP file
+    poll_input() -> [event, ...]     mouse and keys in the view since the
+        last call, each a dict: kind ("LeftMouseDown", "LeftMouseUp",
+        "RightMouseDown", "RightMouseUp", "MouseMove", "Wheel", "KeyDown",
+        "KeyUp"), x, y (pixels), node (under the pointer at a button, or
+        None), point (where it meets that node), ray ((origin, direction),
+        the pointer's line of sight), wheel (steps), key ("A", "Up"),
+        rawkey (Windows key code), shift, control
+    input_waiting() -> bool
 """
 
 from . import geometry
@@ -103,6 +123,7 @@ class PythonBackend:
         self._styles = {}
         self._tweens = {}
         self._next_id = 1
+        self._input = []
 
     def add_node(self, node_id, values, kind="model"):
         self.remove_node(node_id)
@@ -136,6 +157,53 @@ class PythonBackend:
         if style not in STYLES:
             raise ValueError("unknown style %s" % style)
         self._styles[node_id][style] = bool(value) if style in FLAG_STYLES else str(value)
+
+    # -- the camera view: nothing is drawn, events come from push_input ----
+
+    def open_view(self, width, height, host_id):
+        return None
+
+    def move_view(self, host_id):
+        return None
+
+    def resize_view(self, width, height):
+        pass
+
+    def close_view(self):
+        pass
+
+    def focus_view(self):
+        return None
+
+    def check_drawing(self):
+        return ""
+
+    def hardware_accelerated(self):
+        return False
+
+    def set_acceleration(self, on):
+        return None
+
+    def frames_per_second(self):
+        return 0.0
+
+    def save_picture(self, path):
+        return None
+
+    def push_input(self, kind, **values):
+        """How a view drawn elsewhere (or a test) hands over an event."""
+        event = {"kind": kind, "x": 0.0, "y": 0.0, "node": None, "point": None,
+                 "ray": ((0.0, 0.0, 0.0), (0.0, 0.0, 1.0)), "wheel": 0.0, "key": "",
+                 "rawkey": 0, "shift": False, "control": False}
+        event.update(values)
+        self._input.append(event)
+
+    def poll_input(self):
+        events, self._input = self._input, []
+        return events
+
+    def input_waiting(self):
+        return bool(self._input)
 
     def add_tween(self, node_id, channel, delta, start, duration, style):
         tween_id = self._next_id

@@ -28,9 +28,8 @@ NOT_YET = (
     "BackupScene", "ImportVESFile", "SaveForPlugin",
     "SetCameraPosInOpeningScene", "addobject", "AddSound", "AddText",
     "replaceobject", "loadteddyobject",
-    "imagenavigator", "setimagenavigatorparent", "setimagenavigatorsize",
     "SetImageNavigatorCollisionDetectionOn", "SetImageNavigatorCollisionDetectionOff",
-    "StartInspector", "StopInspector", "setrenderwindowfocus", "SetAcceleration",
+    "StartInspector", "StopInspector",
 )
 
 
@@ -65,8 +64,14 @@ class Interpreter:
 
     # -- start-up and shut-down ---------------------------------------------
 
+    @property
+    def backend(self):
+        return self.animator.backend
+
     def CheckForDirectX(self):
-        return None     # drawing needs only OpenGL, which the front end checks
+        """None when the camera view can be drawn (an OpenGL context can be
+        made), otherwise why not."""
+        return self.backend.check_drawing() or None
 
     def Initialize(self):
         return None
@@ -100,6 +105,7 @@ class Interpreter:
         return []
 
     def DestroyImageNavigator(self):
+        self.backend.close_view()
         return None
 
     def Close(self):
@@ -220,11 +226,29 @@ class Interpreter:
 
     # -- camera window ------------------------------------------------------
 
+    def imagenavigator(self, width, height, hostId):
+        """The camera view, width x height pixels, in the front end's window hostId."""
+        return self.backend.open_view(int(width), int(height), int(hostId))
+
+    def setimagenavigatorparent(self, hostId):
+        return self.backend.move_view(int(hostId))
+
+    def setimagenavigatorsize(self, width, height):
+        self.backend.resize_view(int(width), int(height))
+        return None
+
+    def setrenderwindowfocus(self):
+        return self.backend.focus_view()
+
     def GetFPS(self):
-        return 0
+        return self.backend.frames_per_second()
 
     def CheckForHardwareAcceleration(self):
-        return True
+        return self.backend.hardware_accelerated()
+
+    def SetAcceleration(self, on):
+        """1: the high-quality drawing path (shadows, smooth edges); 0: the light one."""
+        return self.backend.set_acceleration(bool(int(on)))
 
     # -- recent files -------------------------------------------------------
 
