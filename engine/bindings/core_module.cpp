@@ -173,5 +173,12 @@ PYBIND11_MODULE(_core, m) {
                      events.append(toDict(event));
                  return events;
              })
-        .def("input_waiting", &Backend::inputWaiting);
+        .def("input_waiting", &Backend::inputWaiting)
+        .def(
+            "first_hit",
+            [](const Backend& b, const py::object& origin, const py::object& direction,
+               double maxDistance) {
+                return b.firstHit(toValue(origin), toValue(direction), maxDistance);
+            },
+            "origin"_a, "direction"_a, "max_distance"_a);
 }

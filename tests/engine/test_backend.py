@@ -80,3 +80,15 @@ def test_a_removed_node_takes_its_tweens_and_unknown_nodes_are_errors(nodes):
         nodes.get(2, "position")
     with pytest.raises(KeyError):
         nodes.set_parent(1, 99)
+
+
+def test_a_line_meets_the_first_visible_shape_in_the_world(nodes):
+    nodes.add_node(3, {"position": (0, 0, 5), "size": (2, 2, 2)})
+    nodes.set_parent(3, 1)
+    nodes.add_node(4, {"position": (0, 0, 3)}, "camera")   # cameras have no shape
+    nodes.set_parent(4, 1)
+    assert nodes.first_hit((0, 0, 0), (0, 0, 1), 10.0) == pytest.approx(4.0)
+    assert nodes.first_hit((0, 0, 0), (0, 0, 1), 3.5) is None
+    assert nodes.first_hit((0, 0, 0), (0, 0, -1), 10.0) is None
+    nodes.set_style(3, "visible", False)
+    assert nodes.first_hit((0, 0, 0), (0, 0, 1), 10.0) is None

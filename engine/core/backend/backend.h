@@ -50,6 +50,11 @@ public:
     std::vector<InputEvent> takeInput() { return input_.takeAll(); }
     bool inputWaiting() const { return !input_.empty(); }
 
+    std::optional<double> firstHit(const ChannelValue& origin, const ChannelValue& direction,
+                                   double maxDistance) const {
+        return scene_.firstHit(origin, direction, maxDistance);
+    }
+
     SceneGraph& scene() { return scene_; }
 
 private:

@@ -7,6 +7,8 @@
 #include <osg/Point>
 #include <osg/PolygonMode>
 #include <osg/TexEnvCombine>
+#include <osgUtil/IntersectionVisitor>
+#include <osgUtil/LineSegmentIntersector>
 
 #include <algorithm>
 #include <cctype>
@@ -341,6 +343,25 @@ bool SceneGraph::inWorld(int id) const {
             return true;
     }
     return false;
+}
+
+} // namespace vessa::core
+
+namespace vessa::core {
+
+std::optional<double> SceneGraph::firstHit(const ChannelValue& origin,
+                                           const ChannelValue& direction,
+                                           double maxDistance) const {
+    const osg::Vec3d start = toOsgPoint(origin);
+    const osg::Vec3d end = start + toOsgPoint(direction) * maxDistance;
+    osg::ref_ptr<osgUtil::LineSegmentIntersector> line =
+        new osgUtil::LineSegmentIntersector(osgUtil::Intersector::MODEL, start, end);
+    line->setIntersectionLimit(osgUtil::Intersector::LIMIT_NEAREST);
+    osgUtil::IntersectionVisitor visitor(line.get());
+    world_->accept(visitor);
+    if (!line->containsIntersections())
+        return std::nullopt;
+    return line->getFirstIntersection().ratio * maxDistance;
 }
 
 } // namespace vessa::core

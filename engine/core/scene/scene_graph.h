@@ -79,6 +79,10 @@ public:
     std::vector<int> nodesOfKind(NodeKind kind) const;
     // Whether the node and all its ancestors are in the drawn world.
     bool inWorld(int id) const;
+    // How far along a line (engine world frame, direction of unit length)
+    // the first visible shape in the world is met.
+    std::optional<double> firstHit(const ChannelValue& origin, const ChannelValue& direction,
+                                   double maxDistance) const;
 
     // Told after every change that alters what a view would show.
     void setOnChange(std::function<void()> onChange) { onChange_ = std::move(onChange); }

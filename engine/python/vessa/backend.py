@@ -50,6 +50,9 @@ changed. Where nothing can be drawn (no window system) these succeed idle.
         the pointer's line of sight), wheel (steps), key ("A", "Up"),
         rawkey (Windows key code), shift, control
     input_waiting() -> bool
+    first_hit(origin, direction, max_distance) -> distance or None
+        how far along the line (direction of unit length, engine world
+        frame) the first visible model shape in the world is met
 """
 
 from . import geometry
@@ -119,6 +122,7 @@ class PythonBackend:
 
     def __init__(self):
         self._nodes = {}
+        self._kinds = {}
         self._parents = {}
         self._styles = {}
         self._tweens = {}
@@ -128,11 +132,13 @@ class PythonBackend:
     def add_node(self, node_id, values, kind="model"):
         self.remove_node(node_id)
         self._nodes[node_id] = {c: tuple(values.get(c, DEFAULT_VALUES[c])) for c in CHANNELS}
+        self._kinds[node_id] = kind
         self._parents[node_id] = None
         self._styles[node_id] = dict(STYLES)
 
     def remove_node(self, node_id):
         self._nodes.pop(node_id, None)
+        self._kinds.pop(node_id, None)
         self._parents.pop(node_id, None)
         self._styles.pop(node_id, None)
         for tween_id in [i for i, t in self._tweens.items() if t.node_id == node_id]:
@@ -204,6 +210,50 @@ class PythonBackend:
 
     def input_waiting(self):
         return bool(self._input)
+
+    def first_hit(self, origin, direction, max_distance):
+        """Every shape is taken for the box its size stretches."""
+        hits = [self._box_hit(node_id, origin, direction) for node_id in self._nodes
+                if self._kinds[node_id] == "model" and self._styles[node_id]["visible"]
+                and self._in_world(node_id)]
+        hits = [t for t in hits if t is not None and t <= max_distance]
+        return min(hits) if hits else None
+
+    def _in_world(self, node_id):
+        while node_id is not None:
+            if self._kinds[node_id] == "scene":
+                return True
+            node_id = self._parents[node_id]
+        return False
+
+    def _world_place(self, node_id):
+        position, orientation = (0.0, 0.0, 0.0), geometry.IDENTITY
+        while node_id is not None:
+            node = self._nodes[node_id]
+            position = geometry.add(node["position"], geometry.rotate(node["orientation"], position))
+            orientation = geometry.quat_mul(node["orientation"], orientation)
+            node_id = self._parents[node_id]
+        return position, orientation
+
+    def _box_hit(self, node_id, origin, direction):
+        """Where the line enters the node's box (slabs in the box's frame)."""
+        position, orientation = self._world_place(node_id)
+        inverse = geometry.quat_conj(orientation)
+        size = self._nodes[node_id]["size"]
+        start = geometry.rotate(inverse, geometry.sub(origin, position))
+        along = geometry.rotate(inverse, direction)
+        near, far = 0.0, float("inf")
+        for axis in range(3):
+            half = abs(size[axis]) / 2.0
+            if abs(along[axis]) < 1e-12:
+                if abs(start[axis]) > half:
+                    return None
+                continue
+            t1, t2 = sorted(((-half - start[axis]) / along[axis], (half - start[axis]) / along[axis]))
+            near, far = max(near, t1), min(far, t2)
+            if near > far:
+                return None
+        return near
 
     def add_tween(self, node_id, channel, delta, start, duration, style):
         tween_id = self._next_id

@@ -16,6 +16,7 @@ from .records import DifferenceQueue
 from .runner import CodeRunner, is_user_code
 from .scene import Scene
 from .undo import UndoStack
+from .viewinput import ViewInput
 from .watchdog import Watchdog
 
 VERSION = "0.1.0"
@@ -28,8 +29,6 @@ NOT_YET = (
     "BackupScene", "ImportVESFile", "SaveForPlugin",
     "SetCameraPosInOpeningScene", "addobject", "AddSound", "AddText",
     "replaceobject", "loadteddyobject",
-    "SetImageNavigatorCollisionDetectionOn", "SetImageNavigatorCollisionDetectionOff",
-    "StartInspector", "StopInspector",
 )
 
 
@@ -54,6 +53,8 @@ class Interpreter:
         self.scene.namespace = namespace.build(self)
         self._runner = CodeRunner(self.scene.namespace, self._queue,
                                   Capture(self._queue), self._watchdog)
+        self.view_input = ViewInput(self.scene, self._queue, self.default_camera,
+                                    self._mouse_tool, self._mouse_event, self.KeyEvent)
 
     def _mark_dirty(self):
         self._dirty = True
@@ -115,13 +116,17 @@ class Interpreter:
     # -- running and polling ------------------------------------------------
 
     def Loop(self):
+        """Takes the view's mouse and keys, then advances animations."""
+        self.view_input.step(self.animator.now())
         self.animator.step()
         return None
 
     def GetLoopWait(self):
         """Milliseconds until Loop() has something to do: 0 while anything
-        runs, -1 when nothing is scheduled. Lets the front end sleep."""
-        return 0 if self.animator.busy() else -1
+        runs (or the view has input waiting), -1 when nothing is scheduled.
+        Lets the front end sleep."""
+        busy = self.animator.busy() or self.view_input.busy() or self.backend.input_waiting()
+        return 0 if busy else -1
 
     def KeyEvent(self, kind, key, rawkey):
         """A key went down or up in the camera window ("KeyDown", "A", 65)."""
@@ -132,12 +137,18 @@ class Interpreter:
 
     def MouseEvent(self, kind, objectName):
         """A mouse button went down or up on an object ("" for none)."""
-        thing = self.scene.find(objectName) if objectName else None
+        self._mouse_event(str(kind), self.scene.find(objectName) if objectName else None)
+
+    def _mouse_event(self, kind, thing):
         listeners = [t._Window.responses for t in self.scene.cameras()]
+        event = events.Event(kind, thing=thing)
         while thing is not None:
             listeners.append(thing.responses)
             thing = thing.parent
-        self._respond(listeners, events.Event(str(kind), thing=self.scene.find(objectName or "")))
+        self._respond(listeners, event)
+
+    def _mouse_tool(self):
+        return getattr(self.scene.namespace.get("Vessa"), "respond_to_mouse", 0)
 
     def _respond(self, listeners, event):
         for responses in listeners:
@@ -235,6 +246,22 @@ class Interpreter:
 
     def setimagenavigatorsize(self, width, height):
         self.backend.resize_view(int(width), int(height))
+        return None
+
+    def SetImageNavigatorCollisionDetectionOn(self):
+        """The camera, driven from the view, stops short of objects."""
+        self.view_input.collisions = True
+
+    def SetImageNavigatorCollisionDetectionOff(self):
+        self.view_input.collisions = False
+
+    def StartInspector(self):
+        """A drag in the view turns the camera round what it started on."""
+        self.view_input.inspecting = True
+        return None
+
+    def StopInspector(self):
+        self.view_input.inspecting = False
         return None
 
     def setrenderwindowfocus(self):
