@@ -2,6 +2,7 @@
 // Each method converts Python values and hands over to vessa::core::Backend;
 // the interface itself is written down in vessa/backend.py.
 #include "backend/backend.h"
+#include "sound/sound_player.h"
 
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
@@ -62,6 +63,24 @@ py::object pointOrNone(const std::optional<ChannelValue>& point) {
     return point ? py::object(toTuple(*point, 3)) : py::object(py::none());
 }
 
+py::dict toDict(const vessa::core::Model& model) {
+    py::list parts;
+    for (const auto& part : model.parts) {
+        py::dict d;
+        d["name"] = part.name;
+        d["parent"] = part.parent < 0 ? py::object(py::none()) : py::object(py::int_(part.parent));
+        d["position"] = toTuple(part.position, 3);
+        d["orientation"] = toTuple(part.orientation, 4);
+        d["vertices"] = part.vertices;
+        d["faces"] = part.faces;
+        parts.append(d);
+    }
+    py::dict d;
+    d["name"] = model.name;
+    d["parts"] = parts;
+    return d;
+}
+
 py::dict toDict(const vessa::core::InputEvent& event) {
     py::dict d;
     d["kind"] = event.kind;
@@ -83,6 +102,7 @@ py::dict toDict(const vessa::core::InputEvent& event) {
 PYBIND11_MODULE(_core, m) {
     m.doc() = "The compiled backend of the Vessa47 engine: scene graph, tweens and drawing.";
     py::register_exception<std::out_of_range>(m, "UnknownNode", PyExc_KeyError);
+    py::register_exception<vessa::core::ModelError>(m, "ModelError", PyExc_ValueError);
 
     py::class_<Backend>(m, "Backend")
         .def(py::init<>())
@@ -180,5 +200,35 @@ PYBIND11_MODULE(_core, m) {
                double maxDistance) {
                 return b.firstHit(toValue(origin), toValue(direction), maxDistance);
             },
-            "origin"_a, "direction"_a, "max_distance"_a);
+            "origin"_a, "direction"_a, "max_distance"_a)
+        .def(
+            "load_model",
+            [](Backend& b, const std::string& path) { return toDict(*b.models().load(path)); },
+            "path"_a)
+        .def(
+            "store_model",
+            [](Backend& b, const std::string& path, const py::list& parts) {
+                std::vector<vessa::core::StoredPart> stored;
+                for (const py::handle part : parts) {
+                    const auto item = part.cast<py::sequence>();
+                    const py::object parent = item[2];
+                    stored.push_back({item[0].cast<int>(), item[1].cast<std::string>(),
+                                      parent.is_none() ? -1 : parent.cast<int>()});
+                }
+                b.models().store(b.scene(), stored, path);
+            },
+            "path"_a, "parts"_a)
+        .def("start_sound", [](Backend&) { vessa::core::SoundPlayer::shared(); })
+        .def(
+            "load_sound",
+            [](Backend&, const std::string& path) {
+                return failureOrNone(vessa::core::SoundPlayer::shared().check(path));
+            },
+            "path"_a)
+        .def(
+            "play_sound",
+            [](Backend&, const std::string& path, double volume) {
+                return failureOrNone(vessa::core::SoundPlayer::shared().play(path, volume));
+            },
+            "path"_a, "volume"_a = 1.0);
 }

@@ -1,6 +1,8 @@
 // The engine's Python layer with the compiled backend and a real view, as
 // the program hosts them: what a click in the picture becomes.
 #include <QApplication>
+#include <QImage>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QWidget>
 #include <gtest/gtest.h>
@@ -84,6 +86,23 @@ TEST_F(EngineViewTest, KeysInTheViewReachTheWorldsResponses) {
                           .attr("namespace")["_keys"]
                           .cast<std::vector<std::pair<std::string, int>>>();
     EXPECT_EQ(keys, (std::vector<std::pair<std::string, int>>{{"A", 65}, {"Down", 40}}));
+}
+
+TEST_F(EngineViewTest, ASavedWorldCarriesAPictureOfItselfThroughItsCamera) {
+    QTemporaryDir folder;
+    run("Box.SetColor(Red, Duration=0)\nBox.Turn(Left, 1/8, Duration=0)\n");
+    engine.attr("AddText")("Hi");
+    run("Hi.Move(Right, 2, Duration=0)\nHi.Move(Up, 2.5, Duration=0)\n");
+    engine.attr("Loop")();
+    ASSERT_TRUE(engine.attr("SaveScene")(folder.path().toStdString()).is_none());
+    const QImage picture(folder.filePath(QStringLiteral("world_thumbnail.bmp")));
+    ASSERT_EQ(picture.size(), QSize(kWidth, kHeight));
+    if (const char* output = std::getenv("VESSA_DRAWING_OUTPUT"))
+        picture.save(QString::fromUtf8(output) + QStringLiteral("/thumbnail.png"));
+    const QColor sky = picture.pixelColor(kWidth / 2, 2);
+    EXPECT_GT(sky.blue(), sky.red() + 40);
+    const QColor box = picture.pixelColor(kWidth / 2, kHeight / 2);
+    EXPECT_GT(box.red(), 2 * box.green());
 }
 
 } // namespace

@@ -1,16 +1,10 @@
 #include "backend/backend.h"
 
-#include "models/shapes.h"
+#include "models/model_library.h"
 
 #include <stdexcept>
 
 namespace vessa::core {
-
-namespace {
-
-constexpr const char* kTextModel = "text:";
-
-} // namespace
 
 Channel channelFromName(const std::string& name) {
     if (auto channel = channelNamed(name))
@@ -80,14 +74,10 @@ void Backend::setStyle(int id, const std::string& style, const StyleValue& value
         throw std::invalid_argument("unknown style " + style + " or a value of the wrong kind");
 }
 
-osg::Node* Backend::shapeFor(int id, const std::string& model) const {
+osg::Node* Backend::shapeFor(int id, const std::string& model) {
     if (scene_.kind(id) != NodeKind::Model)
         return nullptr;
-    if (model.empty())
-        return unitBox();
-    if (model.starts_with(kTextModel))
-        return textShape(model.substr(std::string_view(kTextModel).size()));
-    return nullptr;
+    return models_.shapeFor(model);
 }
 
 int Backend::addTween(std::optional<int> node, const std::string& channel,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "input/input_event.h"
+#include "models/model_library.h"
 #include "scene/channels.h"
 #include "scene/scene_graph.h"
 #include "scene/tween_set.h"
@@ -56,12 +57,14 @@ public:
     }
 
     SceneGraph& scene() { return scene_; }
+    ModelLibrary& models() { return models_; }
 
 private:
-    osg::Node* shapeFor(int id, const std::string& model) const;
+    osg::Node* shapeFor(int id, const std::string& model);
 
     SceneGraph scene_;
     TweenSet tweens_;
+    ModelLibrary models_;
     InputQueue input_;
     ViewHost view_; // last: the view draws the scene and fills the queue
 };

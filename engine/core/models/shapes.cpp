@@ -26,7 +26,6 @@ osg::Node* unitBox() {
         auto* drawable = new osg::ShapeDrawable(new osg::Box(osg::Vec3(), 1.0f));
         drawable->setColor(osg::Vec4(1.0f, 1.0f, 1.0f, 1.0f));
         osg::ref_ptr<osg::Geode> geode = new osg::Geode;
-        geode->setName("box");
         geode->addDrawable(drawable);
         return geode;
     }();
@@ -47,7 +46,6 @@ osg::Node* textShape(const std::string& words) {
     // Text faces OpenSceneGraph's +z; the engine's cameras look at an
     // object's front from behind it, along that axis, so turn it round.
     auto* facing = new osg::MatrixTransform(osg::Matrixd::rotate(osg::PI, osg::Vec3d(0, 1, 0)));
-    facing->setName("text");
     facing->addChild(geode);
     return facing;
 }

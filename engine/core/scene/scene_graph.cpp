@@ -63,6 +63,7 @@ SceneGraph::SceneGraph()
     world_->setName("world");
     // Sizes scale normals along with the shapes.
     world_->getOrCreateStateSet()->setMode(GL_NORMALIZE, osg::StateAttribute::ON);
+    world_->getOrCreateStateSet()->setMode(GL_CULL_FACE, osg::StateAttribute::ON);
 }
 
 SceneGraph::~SceneGraph() = default;

@@ -78,6 +78,7 @@ void ViewWidget::paintGL() {
     frameAsked_ = false;
     view_->draw(defaultFramebufferObject());
     frames_.frameDrawn(seconds());
+    ++framesDrawn_;
 }
 
 std::optional<ViewHit> ViewWidget::pick(double x, double y) const {

@@ -27,6 +27,7 @@ public:
     // Asks for one frame, however many changes come before it is drawn.
     void sceneChanged();
     double framesPerSecond();
+    unsigned long long framesDrawn() const { return framesDrawn_; }
     WorldView& view() { return *view_; }
     // x, y in the widget's own (logical) pixels.
     std::optional<ViewHit> pick(double x, double y) const;
@@ -52,6 +53,7 @@ private:
     InputQueue& input_;
     FrameRate frames_;
     QElapsedTimer clock_;
+    unsigned long long framesDrawn_ = 0;
     bool frameAsked_ = false;
     bool contextMade_ = false;
 };

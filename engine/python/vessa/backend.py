@@ -53,7 +53,25 @@ changed. Where nothing can be drawn (no window system) these succeed idle.
     first_hit(origin, direction, max_distance) -> distance or None
         how far along the line (direction of unit length, engine world
         frame) the first visible model shape in the world is met
+
+Model files (.mdl, the engine's own; .obj; .3ds; what else can be read):
+    load_model(path) -> {"name": text, "parts": [part, ...]}
+        parts[0] is the object, parents come before their children; each
+        part is {"name", "parent" (index or None), "position",
+        "orientation" (relative to the parent), "vertices", "faces"}. A
+        node's style "model" "<path>#<index>" draws it with that part.
+        Raises ValueError with a message for the user when the file can't
+        be read.
+    store_model(path, parts)         writes nodes as one object (.mdl):
+        parts are (node_id, name, parent index or None), the object first
+
+Sound (silent, and successful, where there is no sound device):
+    start_sound()
+    load_sound(path) -> failure text or None    whether it can be played
+    play_sound(path, volume=1.0) -> failure text or None
 """
+
+import wave
 
 from . import geometry
 
@@ -254,6 +272,30 @@ class PythonBackend:
             if near > far:
                 return None
         return near
+
+    # -- model files and sound: the files are checked, nothing is drawn or heard
+
+    def load_model(self, path):
+        raise ValueError("%s can't be read: objects from files need the compiled backend" % path)
+
+    def store_model(self, path, parts):
+        raise ValueError("%s can't be written: objects to files need the compiled backend" % path)
+
+    def start_sound(self):
+        pass
+
+    def load_sound(self, path):
+        try:
+            with wave.open(path, "rb") as sound:
+                sound.getnframes()
+        except FileNotFoundError:
+            return "There is no sound file %s" % path
+        except (OSError, EOFError, wave.Error):
+            return "%s is not a sound Vessa47 can play: the file is broken or of another kind" % path
+        return None
+
+    def play_sound(self, path, volume=1.0):
+        return self.load_sound(path)
 
     def add_tween(self, node_id, channel, delta, start, duration, style):
         tween_id = self._next_id

@@ -5,8 +5,11 @@ lists. A call that can fail answers None on success and the failure text
 otherwise; user code never fails a call: its errors go out as records.
 """
 
+import contextlib
+import os
+
 from . import backend as backends
-from . import compat, events, namespace, places, records, scenefile
+from . import compat, events, models, namespace, places, records, scenefile, sounds
 from .animation import Animator
 from .capture import Capture
 from .clock import WallClock
@@ -25,11 +28,12 @@ SCREEN_SIZE = (1920, 1080)
 # Methods of the gateway that answer success and do nothing yet: they belong
 # to the scene file, drawing, sound and tool stages still to come.
 NOT_YET = (
-    "InitializeSound", "PreserveDefaultCameraPOV", "OnTheFlyButton",
+    "PreserveDefaultCameraPOV", "OnTheFlyButton",
     "BackupScene", "ImportVESFile", "SaveForPlugin",
-    "SetCameraPosInOpeningScene", "addobject", "AddSound", "AddText",
-    "replaceobject", "loadteddyobject",
+    "SetCameraPosInOpeningScene",
 )
+
+THUMBNAIL = "world_thumbnail.bmp"
 
 
 class Interpreter:
@@ -47,6 +51,8 @@ class Interpreter:
         self.undo = UndoStack(lambda empty: self._queue.add_misc(records.undo_empty_change(empty)))
         self.scene = Scene(self._queue, self.animator.backend, self.animator, self._mark_dirty)
         self.scene.remember = lambda step: self.undo.push(step)
+        self.sounds = sounds.SoundShelf(self.scene, self._queue, lambda: self._home)
+        self.scene.sounds = self.sounds
         self.handbasket = Handbasket(self.scene, self.animator, self.undo)
         with self.undo.quiet():
             self.scene.create("camera", "Camera", self.scene.root)
@@ -195,8 +201,9 @@ class Interpreter:
             self._queue.write("error", str(exc) + "\n")
             return str(exc)
         self.animator.stop_all()
+        self.sounds.clear()
         with self.undo.quiet():
-            scenefile.load(self.scene, objects)
+            scenefile.load(self.scene, objects, str(folder))
         self.undo.truncate(0)
         self.handbasket.forget()
         self.scene.purge_dead()
@@ -208,11 +215,58 @@ class Interpreter:
         return None
 
     def SaveScene(self, folder):
+        """Writes World_Scene.py, with the model files the world uses copied
+        into the folder, and a picture of the world through its camera."""
+        folder = str(folder)
         try:
-            scenefile.write(self.scene, str(folder))
+            models.keep_in_folder(self.scene.living(), folder)
+            scenefile.write(self.scene, folder)
         except OSError as exc:
             return "SaveScene: %s can't be written: %s" % (folder, exc.strerror)
+        # The world is saved; a picture that can't be written costs it nothing.
+        self.backend.save_picture(os.path.join(folder, THUMBNAIL))
         return None
+
+    @contextlib.contextmanager
+    def _one_undo_step(self):
+        self.undo.push(None, "[")
+        try:
+            yield
+        finally:
+            self.undo.push(None, "]")
+
+    def addobject(self, path):
+        """An object (with its parts) from a model file: .mdl, .obj, .3ds."""
+        with self._one_undo_step():
+            return models.add_object(self.scene, path)
+
+    def loadteddyobject(self, path):
+        """The object the sketch tool made."""
+        self.addobject(path)
+        return None
+
+    def replaceobject(self, name, path):
+        """The object name drawn anew from the file the paint tool saved."""
+        thing = self.scene.find(str(name))
+        if thing is None:
+            return "replaceobject: there is no object called %s" % (name,)
+        return models.replace(thing, path)
+
+    def AddText(self, text):
+        """Solid letters standing on the ground in the middle of the world."""
+        if str(text):
+            with self._one_undo_step():
+                models.add_text(self.scene, str(text), (0.0, 0.0, 0.0))
+        return None
+
+    def InitializeSound(self):
+        self.backend.start_sound()
+        return None
+
+    def AddSound(self, path):
+        """A sound of the scene from a .wav file."""
+        with self._one_undo_step():
+            return self.sounds.add(path)
 
     def isvalidname(self, text):
         """The text can name a new object: a Python name no object uses."""

@@ -12,6 +12,7 @@ import keyword
 
 from . import backend
 from . import geometry as g
+from . import models
 from . import records
 from . import vocabulary as v
 from .animation import DoInOrder
@@ -196,6 +197,14 @@ class Thing(Commands):
         return self.scene.animator.block(DoInOrder, [
             self._animate("getagoodlookat", prepare), self.PointAt(other, Duration=0)])
 
+    def store(self, path):
+        """Writes the object with its parts to an object file (.mdl)."""
+        models.store(self, path)
+
+    def RemoveSound(self, sound):
+        """Takes a sound, given as itself or by its name, out of the scene."""
+        self.scene.sounds.remove(sound)
+
     def addresponse(self, event, response):
         self.responses.add(event, response)
 
@@ -211,6 +220,7 @@ class Scene:
         self.changed = on_change
         self.remember = lambda step: None   # where undo steps go
         self.namespace = {}
+        self.sounds = None                  # the sounds.SoundShelf, once the engine has one
         self._ids = itertools.count(1)
         self.things = {}
         # The front end learns the ids that mean "no parent" and "destroyed"
@@ -250,6 +260,8 @@ class Scene:
 
     def is_free_name(self, name, thing=None):
         if not (name.isidentifier() and not keyword.iskeyword(name)):
+            return False
+        if self.sounds is not None and self.sounds.is_sound_name(name):
             return False
         found = self.find(name)
         return found is None or found is thing
