@@ -186,6 +186,7 @@ PYBIND11_MODULE(_core, m) {
                 return failureOrNone(b.view().savePicture(path));
             },
             "path"_a)
+        .def("screen_size", [](const Backend&) { return vessa::core::ViewHost::screenSize(); })
         .def("poll_input",
              [](Backend& b) {
                  py::list events;

@@ -132,6 +132,7 @@ TEST_F(DrawingTest, TurningAnObjectSwingsItsPartToTheOtherSide) {
 
 TEST_F(DrawingTest, WordsStandUpInSolidLetters) {
     add(5, "model", values({0, 1, 0, 0}, {1, 1, 1, 0}, {1, 0, 0, 0}), 1);
+    backend.set(5, "orientation", quatFromAxisAngle(0, 1, 0, std::numbers::pi)); // facing us
     backend.setStyle(5, "model", std::string("text:Hello"));
     EXPECT_GT(redPixels(frame()), 300);
 }

@@ -1,7 +1,6 @@
 #include "models/shapes.h"
 
-#include <osg/Material>
-#include <osg/MatrixTransform>
+#include <osg/Geode>
 #include <osg/ShapeDrawable>
 #include <osgText/Font3D>
 #include <osgText/Text3D>
@@ -43,11 +42,7 @@ osg::Node* textShape(const std::string& words) {
     text->setColor(osg::Vec4(1.0f, 1.0f, 1.0f, 1.0f));
     auto* geode = new osg::Geode;
     geode->addDrawable(text);
-    // Text faces OpenSceneGraph's +z; the engine's cameras look at an
-    // object's front from behind it, along that axis, so turn it round.
-    auto* facing = new osg::MatrixTransform(osg::Matrixd::rotate(osg::PI, osg::Vec3d(0, 1, 0)));
-    facing->addChild(geode);
-    return facing;
+    return geode;
 }
 
 } // namespace vessa::core

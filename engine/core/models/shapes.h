@@ -10,8 +10,8 @@ namespace vessa::core {
 // each side, centered on its place; the object's size stretches it.
 osg::Node* unitBox();
 
-// Words standing up as solid letters, about one meter high, reading left to
-// right for a camera that looks at them along their forward axis.
+// Words standing up as solid letters, about one meter high, on the front of
+// the object: they read left to right for whoever it faces.
 osg::Node* textShape(const std::string& words);
 
 } // namespace vessa::core

@@ -8,12 +8,14 @@
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
+#include <QScreen>
 
 namespace vessa::core {
 
 namespace {
 
 constexpr const char* kHostIdProperty = "vessaHostId";
+constexpr QSize kScreenWithout(1920, 1080);
 
 // A context made only to learn what OpenGL this machine offers.
 struct ProbeContext {
@@ -166,6 +168,15 @@ bool ViewHost::hardwareAccelerated() {
             return false;
     }
     return true;
+}
+
+std::pair<int, int> ViewHost::screenSize() {
+    const QScreen* screen = qobject_cast<QGuiApplication*>(QCoreApplication::instance())
+                                ? QGuiApplication::primaryScreen()
+                                : nullptr;
+    if (!screen)
+        return {kScreenWithout.width(), kScreenWithout.height()};
+    return {screen->size().width(), screen->size().height()};
 }
 
 ViewWidget* ViewHost::widget() const {

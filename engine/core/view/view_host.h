@@ -48,6 +48,8 @@ public:
     static bool hardwareAccelerated();
 
     double framesPerSecond() const;
+    // The primary screen's size in pixels, or a common one without a screen.
+    static std::pair<int, int> screenSize();
     ViewWidget* widget() const;
 
 private:

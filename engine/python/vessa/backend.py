@@ -42,6 +42,7 @@ changed. Where nothing can be drawn (no window system) these succeed idle.
     set_acceleration(on)             the high-quality (True) or light path
     frames_per_second() -> float     frames drawn in the last second
     save_picture(path)               the view's picture as a BMP file
+    screen_size() -> (width, height) of the screen in pixels
     poll_input() -> [event, ...]     mouse and keys in the view since the
         last call, each a dict: kind ("LeftMouseDown", "LeftMouseUp",
         "RightMouseDown", "RightMouseUp", "MouseMove", "Wheel", "KeyDown",
@@ -78,6 +79,7 @@ from . import geometry
 CHANNELS = ("position", "orientation", "size", "color")
 STYLES = {"visible": True, "filling": "Solid", "lighting": "Lit", "texture": True, "model": ""}
 FLAG_STYLES = ("visible", "texture")
+SCREEN_SIZE = (1920, 1080)      # where there is no screen to ask
 DEFAULT_VALUES = {"position": (0.0, 0.0, 0.0), "orientation": geometry.IDENTITY,
                   "size": (1.0, 1.0, 1.0), "color": (1.0, 1.0, 1.0)}
 
@@ -213,6 +215,9 @@ class PythonBackend:
 
     def save_picture(self, path):
         return None
+
+    def screen_size(self):
+        return SCREEN_SIZE
 
     def push_input(self, kind, **values):
         """How a view drawn elsewhere (or a test) hands over an event."""

@@ -9,6 +9,7 @@ import contextlib
 import os
 
 from . import backend as backends
+from . import geometry as g
 from . import compat, events, models, namespace, places, records, scenefile, sounds
 from .animation import Animator
 from .capture import Capture
@@ -23,7 +24,6 @@ from .viewinput import ViewInput
 from .watchdog import Watchdog
 
 VERSION = "0.1.0"
-SCREEN_SIZE = (1920, 1080)
 
 # Methods of the gateway that answer success and do nothing yet: they belong
 # to the scene file, drawing, sound and tool stages still to come.
@@ -34,6 +34,7 @@ NOT_YET = (
 )
 
 THUMBNAIL = "world_thumbnail.bmp"
+NEW_OBJECT_PLACE = (0.0, 0.0, 0.0)     # the middle of the world, on the ground
 
 
 class Interpreter:
@@ -84,10 +85,10 @@ class Interpreter:
         return None
 
     def ScreenWidth(self):
-        return SCREEN_SIZE[0]
+        return self.backend.screen_size()[0]
 
     def ScreenHeight(self):
-        return SCREEN_SIZE[1]
+        return self.backend.screen_size()[1]
 
     def ReadRegistryHomeDir(self):
         return places.home_dir()
@@ -235,10 +236,19 @@ class Interpreter:
         finally:
             self.undo.push(None, "]")
 
+    def _facing_the_camera(self, where):
+        """The orientation that turns a new object's front to the camera."""
+        camera = self.default_camera()
+        toward = g.sub(camera.world_position(), where) if camera else (0.0, 0.0, -1.0)
+        flat = (toward[0], 0.0, toward[2])
+        return g.look_rotation(flat) if g.length(flat) > 1e-9 else g.IDENTITY
+
     def addobject(self, path):
-        """An object (with its parts) from a model file: .mdl, .obj, .3ds."""
+        """An object (with its parts) from a model file: .mdl, .obj, .3ds. It
+        stands in the middle of the world with its front to the camera."""
         with self._one_undo_step():
-            return models.add_object(self.scene, path)
+            return models.add_object(self.scene, path, NEW_OBJECT_PLACE,
+                                     self._facing_the_camera(NEW_OBJECT_PLACE))
 
     def loadteddyobject(self, path):
         """The object the sketch tool made."""
@@ -253,10 +263,11 @@ class Interpreter:
         return models.replace(thing, path)
 
     def AddText(self, text):
-        """Solid letters standing on the ground in the middle of the world."""
+        """Solid letters standing in the middle of the world, facing the camera."""
         if str(text):
             with self._one_undo_step():
-                models.add_text(self.scene, str(text), (0.0, 0.0, 0.0))
+                models.add_text(self.scene, str(text), NEW_OBJECT_PLACE,
+                                self._facing_the_camera(NEW_OBJECT_PLACE))
         return None
 
     def InitializeSound(self):

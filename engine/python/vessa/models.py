@@ -39,9 +39,9 @@ def valid_name(text, fallback):
     return name
 
 
-def add_object(scene, path, where=(0.0, 0.0, 0.0)):
-    """Makes an object of the model file at path; None, or the failure text
-    (and nothing added)."""
+def add_object(scene, path, where, facing):
+    """Makes an object of the model file at path, standing at where and
+    turned to facing; None, or the failure text (and nothing added)."""
     path = os.path.abspath(str(path))
     try:
         model = scene.backend.load_model(path)
@@ -52,7 +52,7 @@ def add_object(scene, path, where=(0.0, 0.0, 0.0)):
         values = {"position": part["position"], "orientation": part["orientation"]}
         styles = {"model": reference(path, index)}
         if index == 0:
-            values["position"] = tuple(where)
+            values["position"], values["orientation"] = tuple(where), tuple(facing)
             name = valid_name(model["name"], "Object")
             if not scene.is_free_name(name):
                 name = scene.unique_name(name)
@@ -70,12 +70,13 @@ def add_object(scene, path, where=(0.0, 0.0, 0.0)):
     return None
 
 
-def add_text(scene, words, where):
-    """Solid letters, named after the words."""
+def add_text(scene, words, where, facing):
+    """Solid letters on the front of an object named after the words."""
     name = valid_name(words, "Text")[:24] or "Text"
     if not scene.is_free_name(name):
         name = scene.unique_name(name)
-    return scene.create("model", name, scene.root, True, {"position": tuple(where)},
+    return scene.create("model", name, scene.root, True,
+                        {"position": tuple(where), "orientation": tuple(facing)},
                         {"model": TEXT + str(words)})
 
 
