@@ -9,6 +9,8 @@
 #include <QThread>
 #include <QWidget>
 #include <gtest/gtest.h>
+#include <osg/ShapeDrawable>
+#include <osg/Texture2D>
 
 #include <cmath>
 #include <numbers>
@@ -150,6 +152,35 @@ TEST_F(DrawingTest, TheViewKeepsDrawingInAnotherWindow) {
     ASSERT_EQ(backend.view().moveTo(kHostId), "");
     EXPECT_GT(redPixels(frame()), 100);
     EXPECT_NE(backend.view().moveTo(99), "");
+}
+
+// A box wearing a picture that is blue all over.
+osg::Node* blueBox() {
+    osg::ref_ptr<osg::Image> picture = new osg::Image;
+    picture->allocateImage(4, 4, 1, GL_RGBA, GL_UNSIGNED_BYTE);
+    for (int i = 0; i < 16; ++i) {
+        unsigned char* texel = picture->data() + 4 * i;
+        texel[0] = texel[1] = 0;
+        texel[2] = texel[3] = 255;
+    }
+    auto* box = new osg::Geode;
+    box->addDrawable(new osg::ShapeDrawable(new osg::Box(osg::Vec3(), 1.0f)));
+    box->getOrCreateStateSet()->setTextureAttributeAndModes(0, new osg::Texture2D(picture.get()));
+    return box;
+}
+
+TEST_F(DrawingTest, APictureOnAShapeShowsUnlessTexturesAreOff) {
+    add(5, "model", values({0, 1.5, 0, 0}), 1);
+    osg::ref_ptr<osg::Node> shape = blueBox();
+    backend.scene().setModel(5, "blue box", shape.get());
+    backend.setStyle(5, "lighting", std::string("UnLit"));
+    const QColor textured = frame().pixelColor(kWidth / 2, kHeight / 2);
+    EXPECT_GT(textured.blue(), 200);
+    EXPECT_LT(textured.red(), 30);
+    backend.setStyle(5, "texture", false);
+    const QColor plain = frame().pixelColor(kWidth / 2, kHeight / 2);
+    EXPECT_GT(plain.red(), 200);
+    EXPECT_GT(plain.green(), 200);
 }
 
 TEST_F(DrawingTest, TheHighQualityPathCastsShadowsOnTheGround) {

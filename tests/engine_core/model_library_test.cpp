@@ -10,6 +10,7 @@
 #include <osg/MatrixTransform>
 #include <osg/Texture2D>
 #include <osgDB/Registry>
+#include <osgDB/WriteFile>
 
 #include <QTemporaryDir>
 
@@ -135,6 +136,23 @@ TEST_F(ModelLibraryTest, NamedGroupsOfAnObjFileTurnAboutTheirMiddlesAndMissingPi
     shade.shape->accept(finder);
     EXPECT_EQ(finder.textures, 0);
     EXPECT_EQ(finder.color, osg::Vec4(1, 0, 0, 1)); // its colour when drawn unlit
+}
+
+TEST_F(ModelLibraryTest, A3dsFileStandingOnZStandsUpOnY) {
+    osg::ref_ptr<osg::Group> mast = new osg::Group;
+    mast->setName("Mast");
+    osg::ref_ptr<osg::Geode> pole = coloredTriangle({1, 1, 1, 1});
+    pole->setName("Pole");
+    auto* points =
+        static_cast<osg::Vec3Array*>(pole->getDrawable(0)->asGeometry()->getVertexArray());
+    (*points)[2] = {0, 0, 2}; // the top, up in a .3ds file
+    mast->addChild(pole);
+    ASSERT_TRUE(osgDB::writeNodeFile(*mast, file("Mast.3ds")));
+    const auto loaded = library.load(file("Mast.3ds"));
+    ASSERT_EQ(loaded->parts.size(), 2u);
+    EXPECT_EQ(loaded->parts[1].name, "Pole");
+    EXPECT_NEAR(loaded->parts[1].position[1], 1.0, 1e-5);
+    EXPECT_NEAR(loaded->parts[1].position[2], 0.0, 1e-5);
 }
 
 TEST_F(ModelLibraryTest, AStoredObjectKeepsItsPartsWhereTheyWereMoved) {

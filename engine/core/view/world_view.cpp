@@ -11,6 +11,7 @@
 #include <osg/LightSource>
 #include <osg/Material>
 #include <osg/PolygonOffset>
+#include <osg/Stencil>
 #include <osgUtil/IntersectionVisitor>
 #include <osgUtil/LineSegmentIntersector>
 
@@ -40,6 +41,7 @@ const osg::Vec4 kShadow(0.0f, 0.0f, 0.0f, 0.35f);
 // whose lowest point is further below it than kSunk casts none.
 constexpr double kShadowHeight = 0.002;
 constexpr double kSunk = 0.01;
+constexpr int kWorldDrawn = 1; // stencil value of pixels the world covers
 
 // Without a camera in the world, the view stands where the default world's
 // camera does.
@@ -122,11 +124,25 @@ osg::MatrixTransform* makeShadows() {
     look->setAttributeAndModes(new osg::BlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA), forced);
     look->setAttributeAndModes(new osg::Depth(osg::Depth::LEQUAL, 0.0, 1.0, false), forced);
     look->setAttributeAndModes(new osg::PolygonOffset(-1.0f, -1.0f), forced);
+    // Only where the world was drawn (not the sky beyond the ground), and
+    // each pixel once however many shapes shade it.
+    auto* once = new osg::Stencil;
+    once->setFunction(osg::Stencil::EQUAL, kWorldDrawn, ~0u);
+    once->setOperation(osg::Stencil::KEEP, osg::Stencil::KEEP, osg::Stencil::INCR);
+    look->setAttributeAndModes(once, forced);
     for (unsigned int unit = 0; unit < 2; ++unit)
         look->setTextureMode(unit, GL_TEXTURE_2D,
                              osg::StateAttribute::OFF | osg::StateAttribute::OVERRIDE);
     look->setRenderBinDetails(5, "RenderBin");
     return flatten;
+}
+
+// Marks the pixels that the world's shapes cover.
+osg::Stencil* markingTheWorld() {
+    auto* mark = new osg::Stencil;
+    mark->setFunction(osg::Stencil::ALWAYS, kWorldDrawn, ~0u);
+    mark->setOperation(osg::Stencil::KEEP, osg::Stencil::KEEP, osg::Stencil::REPLACE);
+    return mark;
 }
 
 double lowestPoint(const osg::BoundingBox& box, const osg::Matrixd& toWorld) {
@@ -152,7 +168,7 @@ osg::Matrixd flattenedFrom(const osg::Vec4d& light, double h) {
 } // namespace
 
 WorldView::WorldView(SceneGraph& scene)
-    : scene_(scene), viewer_(new osgViewer::Viewer), root_(new osg::Group) {
+    : scene_(scene), viewer_(new osgViewer::Viewer), root_(new osg::Group), world_(new osg::Group) {
     viewer_->setThreadingModel(osgViewer::ViewerBase::SingleThreaded);
     viewer_->setKeyEventSetsDone(0);
     viewer_->setQuitEventSetsDone(false);
@@ -160,6 +176,7 @@ WorldView::WorldView(SceneGraph& scene)
     window_ = viewer_->setUpViewerAsEmbeddedInWindow(0, 0, width_, height_);
     osg::Camera* camera = viewer_->getCamera();
     camera->setClearColor(kSkyHorizon);
+    camera->setClearMask(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
     camera->setComputeNearFarMode(osg::CullSettings::DO_NOT_COMPUTE_NEAR_FAR);
     camera->setCullMask(kWorldMask | kDecorationMask);
 
@@ -167,7 +184,8 @@ WorldView::WorldView(SceneGraph& scene)
     light(root_->getOrCreateStateSet(), fill);
     root_->addChild(makeSky());
     root_->addChild(fill);
-    root_->addChild(scene_.world());
+    world_->addChild(scene_.world());
+    root_->addChild(world_);
     viewer_->setSceneData(root_.get());
 }
 
@@ -191,9 +209,12 @@ void WorldView::setHighQuality(bool high) {
     highQuality_ = high;
     if (high && !shadows_) {
         shadows_ = makeShadows();
+        world_->getOrCreateStateSet()->setAttributeAndModes(markingTheWorld());
         root_->addChild(shadows_);
     } else if (!high && shadows_) {
         root_->removeChild(shadows_);
+        world_->getOrCreateStateSet()->removeAttribute(osg::StateAttribute::STENCIL);
+        world_->getOrCreateStateSet()->removeMode(GL_STENCIL_TEST);
         shadows_ = nullptr;
     }
 }

@@ -67,6 +67,7 @@ private:
     osg::ref_ptr<osgViewer::Viewer> viewer_;
     osg::ref_ptr<osgViewer::GraphicsWindowEmbedded> window_;
     osg::ref_ptr<osg::Group> root_;
+    osg::ref_ptr<osg::Group> world_; // the scene graph's world, as this view draws it
     osg::ref_ptr<osg::MatrixTransform> shadows_;
     // Shapes are shared and never change once made, so their bounds keep;
     // the entry holds its shape so that no other can take its address.
