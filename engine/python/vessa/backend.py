@@ -20,7 +20,10 @@ Interface (ids are the engine's integer object ids; vectors are tuples):
         "visible" and "texture" are truth values; "filling" ("Solid",
         "Lines", "Points") and "lighting" ("Lit", "UnLit") are kept as given
         and read without regard to case; "model" names the shape of a model
-        node: "" a box one meter on each side, which its size stretches.
+        node: "" a box one meter on each side, which its size stretches,
+        "text:<words>" solid letters on its front, "<file>#<part>" a part of
+        a model file (see load_model). Its color tints the shape: white
+        leaves the shape's own colours.
     add_tween(node_id, channel, delta, start, duration, style) -> tween id
         Changes the channel by delta over [start, start + duration], shaped by
         the style's easing curve. Tweens add up: two on one channel combine.
