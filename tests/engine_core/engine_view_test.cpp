@@ -55,6 +55,16 @@ protected:
         return engine.attr("PollForMiscDifferences")();
     }
 
+    // The names of the objects whose menus the front end was asked for.
+    std::vector<std::string> menusAsked() {
+        std::vector<std::string> names;
+        for (const py::handle record : misc()) {
+            if (record[py::int_(0)].cast<std::string>() == "rightmousemenu")
+                names.push_back(record[py::int_(2)].cast<std::string>());
+        }
+        return names;
+    }
+
     QWidget host;
     py::object engine;
 };
@@ -66,12 +76,28 @@ TEST_F(EngineViewTest, ARightClickOnAnObjectAsksForItsMenu) {
     QTest::mouseClick(view, Qt::RightButton, {}, QPoint(kWidth / 2, kHeight / 2));
     QTest::mouseClick(view, Qt::RightButton, {}, QPoint(kWidth / 2, 3)); // the sky
     engine.attr("Loop")();
-    std::vector<std::string> names;
-    for (const py::handle record : misc()) {
-        if (record[py::int_(0)].cast<std::string>() == "rightmousemenu")
-            names.push_back(record[py::int_(2)].cast<std::string>());
-    }
-    EXPECT_EQ(names, std::vector<std::string>{"Box"});
+    EXPECT_EQ(menusAsked(), std::vector<std::string>{"Box"});
+}
+
+TEST_F(EngineViewTest, TheMoveToolKeepsTheObjectUnderThePointer) {
+    QWidget* view = viewIn(host);
+    ASSERT_NE(view, nullptr);
+    run("Vessa._SetRespondToMouse(0)\n");
+    const QPoint grab(kWidth / 2, kHeight / 2 + 10);
+    const QPoint drop = grab + QPoint(60, 0);
+    QTest::mousePress(view, Qt::LeftButton, {}, grab);
+    for (int step = 1; step <= 3; ++step)
+        QTest::mouseMove(view, grab + QPoint(20 * step, 0));
+    QTest::mouseRelease(view, Qt::LeftButton, {}, drop);
+    engine.attr("Loop")();
+    const auto where =
+        engine.attr("scene").attr("find")("Box").attr("GetPosition")().cast<std::vector<double>>();
+    EXPECT_GT(where[0], 0.5); // the engine's right is the picture's right
+    EXPECT_NEAR(where[1], 1.5, 1e-9);
+    misc();
+    QTest::mouseClick(view, Qt::RightButton, {}, drop);
+    engine.attr("Loop")();
+    EXPECT_EQ(menusAsked(), std::vector<std::string>{"Box"});
 }
 
 TEST_F(EngineViewTest, KeysInTheViewReachTheWorldsResponses) {
