@@ -236,7 +236,7 @@ osg::Matrixd WorldView::viewMatrix() const {
     return osg::Matrixd::inverse(place) * osg::Matrixd::rotate(osg::PI, osg::Vec3d(0, 1, 0));
 }
 
-void WorldView::placeCamera() {
+void WorldView::placeCamera() const {
     osg::Camera* camera = viewer_->getCamera();
     camera->setViewport(0, 0, width_, height_);
     camera->setProjectionMatrixAsPerspective(
@@ -298,7 +298,7 @@ void WorldView::releaseGL() {
 }
 
 ViewRay WorldView::rayAt(double x, double y) const {
-    const_cast<WorldView*>(this)->placeCamera();
+    placeCamera();
     const osg::Camera* camera = viewer_->getCamera();
     const osg::Matrixd toWindow = camera->getViewMatrix() * camera->getProjectionMatrix() *
                                   camera->getViewport()->computeWindowMatrix();
@@ -311,7 +311,7 @@ ViewRay WorldView::rayAt(double x, double y) const {
 }
 
 std::optional<ViewHit> WorldView::pick(double x, double y) const {
-    const_cast<WorldView*>(this)->placeCamera();
+    placeCamera();
     osg::ref_ptr<osgUtil::LineSegmentIntersector> picker =
         new osgUtil::LineSegmentIntersector(osgUtil::Intersector::WINDOW, x, height_ - y);
     osgUtil::IntersectionVisitor visitor(picker.get());

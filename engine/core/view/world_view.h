@@ -58,7 +58,8 @@ public:
     std::optional<ViewHit> pick(double x, double y) const;
 
 private:
-    void placeCamera();
+    // The viewer's camera as the scene's camera node and the picture's size say.
+    void placeCamera() const;
     void placeShadows();
     const osg::BoundingBox& boundsOf(osg::Node* shape);
     osg::Matrixd viewMatrix() const;
