@@ -1,5 +1,6 @@
 // Model files into parts and shared shapes, and objects back into files.
 #include "backend/backend.h"
+#include "models/lighter_shape.h"
 #include "models/model_library.h"
 #include "models/model_reading.h"
 
@@ -8,7 +9,9 @@
 #include <osg/Geometry>
 #include <osg/Material>
 #include <osg/MatrixTransform>
+#include <osg/ShapeDrawable>
 #include <osg/Texture2D>
+#include <osg/TriangleFunctor>
 #include <osgDB/Registry>
 #include <osgDB/WriteFile>
 
@@ -136,6 +139,37 @@ TEST_F(ModelLibraryTest, NamedGroupsOfAnObjFileTurnAboutTheirMiddlesAndMissingPi
     shade.shape->accept(finder);
     EXPECT_EQ(finder.textures, 0);
     EXPECT_EQ(finder.color, osg::Vec4(1, 0, 0, 1)); // its colour when drawn unlit
+}
+
+int triangles(osg::Node* shape) {
+    struct Count : osg::NodeVisitor {
+        Count() : osg::NodeVisitor(TRAVERSE_ALL_CHILDREN) {}
+        void apply(osg::Drawable& d) override {
+            osg::TriangleFunctor<Counter> count;
+            d.accept(count);
+            total += count.n;
+        }
+        struct Counter {
+            int n = 0;
+            void operator()(const osg::Vec3&, const osg::Vec3&, const osg::Vec3&) { ++n; }
+        };
+        int total = 0;
+    } count;
+    shape->accept(count);
+    return count.total;
+}
+
+TEST(LighterShape, KeepsTheOutlineWithAFractionOfTheTriangles) {
+    auto* hints = new osg::TessellationHints;
+    hints->setDetailRatio(2.0f);
+    osg::ref_ptr<osg::Geode> ball = new osg::Geode;
+    ball->addDrawable(new osg::ShapeDrawable(new osg::Sphere(osg::Vec3(0, 1, 0), 1.0f), hints));
+    const int full = triangles(ball.get());
+    osg::ref_ptr<osg::Node> light = lighterShape(ball.get(), 10);
+    EXPECT_LT(triangles(light.get()), full / 3);
+    EXPECT_GT(triangles(light.get()), 50);
+    EXPECT_EQ(triangles(ball.get()), full);
+    EXPECT_NEAR(light->getBound().radius(), ball->getBound().radius(), 0.15);
 }
 
 TEST_F(ModelLibraryTest, A3dsFileStandingOnZStandsUpOnY) {

@@ -1,5 +1,6 @@
 #include "models/model_reading.h"
 
+#include "models/lighter_shape.h"
 #include "scene/engine_frame.h"
 
 #include <osg/ComputeBoundsVisitor>
@@ -13,7 +14,6 @@
 #include <osg/TriangleFunctor>
 #include <osgDB/ReadFile>
 #include <osgDB/Registry>
-#include <osgUtil/Simplifier>
 
 #include <algorithm>
 #include <filesystem>
@@ -25,9 +25,9 @@ namespace vessa::core {
 namespace {
 
 // Shapes with more triangles than this get a lighter copy for when they are
-// small in the picture; it has this share of the triangles.
+// small in the picture, gathered on a grid this many cells across.
 constexpr int kSimplifyAbove = 400;
-constexpr float kLightShare = 0.25f;
+constexpr int kLightCells = 10;
 constexpr float kFullDetailPixels = 120.0f;
 constexpr const char* kDetailName = "detail levels";
 
@@ -123,11 +123,7 @@ private:
 osg::Node* withDetailLevels(osg::Node* shape, int faces) {
     if (faces <= kSimplifyAbove)
         return shape;
-    osg::ref_ptr<osg::Node> light =
-        osg::clone(shape, osg::CopyOp::DEEP_COPY_NODES | osg::CopyOp::DEEP_COPY_DRAWABLES |
-                              osg::CopyOp::DEEP_COPY_ARRAYS | osg::CopyOp::DEEP_COPY_PRIMITIVES);
-    osgUtil::Simplifier simplifier(kLightShare);
-    light->accept(simplifier);
+    osg::ref_ptr<osg::Node> light = lighterShape(shape, kLightCells);
     auto* levels = new osg::LOD;
     levels->setName(kDetailName);
     levels->setRangeMode(osg::LOD::PIXEL_SIZE_ON_SCREEN);
