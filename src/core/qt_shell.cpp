@@ -72,14 +72,14 @@ void QtShell::pumpEventsWaiting(int maxWaitMs) {
 }
 
 void QtShell::createMainForm() {
-    if (!renderForm_)
-        renderForm_ = std::make_unique<RenderForm>();
+    createRenderForm();
     mainForm_ = std::make_unique<MainForm>(state_, engine_, reporter_, *renderForm_);
 }
 
 void QtShell::createRenderForm() {
-    if (!renderForm_)
-        renderForm_ = std::make_unique<RenderForm>();
+    if (renderForm_)
+        return;
+    renderForm_ = std::make_unique<RenderForm>();
 }
 
 double QtShell::twipsPerPixelX() const {

@@ -1,6 +1,28 @@
+import glob
+import os
+
 import pytest
 
+import vessa
 from vessa import Interpreter
+from vessa import backend as backends
+
+
+def _core_backend():
+    """The compiled backend; a build that has it must be able to import it."""
+    folder = os.path.dirname(vessa.__file__)
+    if not glob.glob(os.path.join(folder, "_core*.so")):
+        pytest.skip("the compiled backend is not built")
+    from vessa import _core
+    return _core.Backend
+
+
+@pytest.fixture(autouse=True, params=["python", "core"])
+def backend_kind(request, monkeypatch):
+    """Every engine test runs against both backends."""
+    make = backends.PythonBackend if request.param == "python" else _core_backend()
+    monkeypatch.setattr(backends, "create", make)
+    return request.param
 
 
 @pytest.fixture

@@ -218,10 +218,13 @@ class Commands:
         return self._animate("Wait", None, duration)
 
     def PlaySound(self, sound=None, Volume=1):
-        """Sound output comes with the sound stage: for now the line takes no time."""
+        """Starts the sound and goes on at once; Volume 1 is the sound as it is."""
         if not isinstance(sound, str):
             self._need("PlaySound", 'a sound file name, such as "c:\\pickme.wav"')
-        return self._animate("PlaySound", None, 0)
+        if not _number(Volume) or Volume < 0:
+            raise Mistake("%s.PlaySound: Volume must be a number, such as 0.5" % self.name)
+        return self._animate("PlaySound", None, 0, DEFAULT_STYLE,
+                             lambda: self.scene.sounds.play(sound, Volume))
 
 
 def _placed(thing, surface, other, distance):

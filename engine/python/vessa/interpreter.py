@@ -5,11 +5,13 @@ lists. A call that can fail answers None on success and the failure text
 otherwise; user code never fails a call: its errors go out as records.
 """
 
+import contextlib
 import os
 
-from . import compat, events, namespace, places, records, scenefile
+from . import backend as backends
+from . import geometry as g
+from . import compat, events, models, namespace, places, records, scenefile, sounds
 from .animation import Animator
-from .backend import PythonBackend
 from .capture import Capture
 from .clock import WallClock
 from .handbasket import Handbasket
@@ -18,44 +20,48 @@ from .records import DifferenceQueue
 from .runner import CodeRunner, is_user_code
 from .scene import Scene
 from .undo import UndoStack
+from .viewinput import ViewInput
 from .watchdog import Watchdog
 
 VERSION = "0.1.0"
-SCREEN_SIZE = (1920, 1080)
 
 # Methods of the gateway that answer success and do nothing yet: they belong
 # to the scene file, drawing, sound and tool stages still to come.
 NOT_YET = (
-    "InitializeSound", "PreserveDefaultCameraPOV", "OnTheFlyButton",
+    "PreserveDefaultCameraPOV", "OnTheFlyButton",
     "BackupScene", "ImportVESFile", "SaveForPlugin",
-    "SetCameraPosInOpeningScene", "addobject", "AddSound", "AddText",
-    "replaceobject", "loadteddyobject",
-    "imagenavigator", "setimagenavigatorparent", "setimagenavigatorsize",
-    "SetImageNavigatorCollisionDetectionOn", "SetImageNavigatorCollisionDetectionOff",
-    "StartInspector", "StopInspector", "setrenderwindowfocus", "SetAcceleration",
+    "SetCameraPosInOpeningScene",
 )
+
+THUMBNAIL = "world_thumbnail.bmp"
+NEW_OBJECT_PLACE = (0.0, 0.0, 0.0)     # the middle of the world, on the ground
 
 
 class Interpreter:
     def __init__(self, clock=None, backend=None):
-        """clock and backend are for tests and for a compiled backend."""
+        """clock and backend are for tests; the backend is otherwise the
+        compiled one when it can be imported (backend.create())."""
         compat.install()
         self._queue = DifferenceQueue()
         self._watchdog = Watchdog(is_user_code)
         self._recent = RecentFiles()
         self._home = places.home_dir()
         self._dirty = False
-        self.animator = Animator(backend or PythonBackend(), clock or WallClock(),
+        self.animator = Animator(backend or backends.create(), clock or WallClock(),
                                  lambda active: self._queue.add_misc(records.active_changed(active)))
         self.undo = UndoStack(lambda empty: self._queue.add_misc(records.undo_empty_change(empty)))
         self.scene = Scene(self._queue, self.animator.backend, self.animator, self._mark_dirty)
         self.scene.remember = lambda step: self.undo.push(step)
+        self.sounds = sounds.SoundShelf(self.scene, self._queue, lambda: self._home)
+        self.scene.sounds = self.sounds
         self.handbasket = Handbasket(self.scene, self.animator, self.undo)
         with self.undo.quiet():
             self.scene.create("camera", "Camera", self.scene.root)
         self.scene.namespace = namespace.build(self)
         self._runner = CodeRunner(self.scene.namespace, self._queue,
                                   Capture(self._queue), self._watchdog)
+        self.view_input = ViewInput(self.scene, self._queue, self.default_camera,
+                                    self._mouse_tool, self._mouse_event, self.KeyEvent)
 
     def _mark_dirty(self):
         self._dirty = True
@@ -66,17 +72,23 @@ class Interpreter:
 
     # -- start-up and shut-down ---------------------------------------------
 
+    @property
+    def backend(self):
+        return self.animator.backend
+
     def CheckForDirectX(self):
-        return None     # drawing needs only OpenGL, which the front end checks
+        """None when the camera view can be drawn (an OpenGL context can be
+        made), otherwise why not."""
+        return self.backend.check_drawing() or None
 
     def Initialize(self):
         return None
 
     def ScreenWidth(self):
-        return SCREEN_SIZE[0]
+        return self.backend.screen_size()[0]
 
     def ScreenHeight(self):
-        return SCREEN_SIZE[1]
+        return self.backend.screen_size()[1]
 
     def ReadRegistryHomeDir(self):
         return places.home_dir()
@@ -105,6 +117,7 @@ class Interpreter:
         return []
 
     def DestroyImageNavigator(self):
+        self.backend.close_view()
         return None
 
     def Close(self):
@@ -114,13 +127,17 @@ class Interpreter:
     # -- running and polling ------------------------------------------------
 
     def Loop(self):
+        """Takes the view's mouse and keys, then advances animations."""
+        self.view_input.step(self.animator.now())
         self.animator.step()
         return None
 
     def GetLoopWait(self):
         """Milliseconds until Loop() has something to do: 0 while anything
-        runs, -1 when nothing is scheduled. Lets the front end sleep."""
-        return 0 if self.animator.busy() else -1
+        runs (or the view has input waiting), -1 when nothing is scheduled.
+        Lets the front end sleep."""
+        busy = self.animator.busy() or self.view_input.busy() or self.backend.input_waiting()
+        return 0 if busy else -1
 
     def KeyEvent(self, kind, key, rawkey):
         """A key went down or up in the camera window ("KeyDown", "A", 65)."""
@@ -131,12 +148,18 @@ class Interpreter:
 
     def MouseEvent(self, kind, objectName):
         """A mouse button went down or up on an object ("" for none)."""
-        thing = self.scene.find(objectName) if objectName else None
+        self._mouse_event(str(kind), self.scene.find(objectName) if objectName else None)
+
+    def _mouse_event(self, kind, thing):
         listeners = [t._Window.responses for t in self.scene.cameras()]
+        event = events.Event(kind, thing=thing)
         while thing is not None:
             listeners.append(thing.responses)
             thing = thing.parent
-        self._respond(listeners, events.Event(str(kind), thing=self.scene.find(objectName or "")))
+        self._respond(listeners, event)
+
+    def _mouse_tool(self):
+        return getattr(self.scene.namespace.get("Vessa"), "respond_to_mouse", 0)
 
     def _respond(self, listeners, event):
         for responses in listeners:
@@ -183,8 +206,9 @@ class Interpreter:
             self._queue.write("error", str(exc) + "\n")
             return str(exc)
         self.animator.stop_all()
+        self.sounds.clear()
         with self.undo.quiet():
-            scenefile.load(self.scene, objects)
+            scenefile.load(self.scene, objects, str(folder))
         self.undo.truncate(0)
         self.handbasket.forget()
         self.scene.purge_dead()
@@ -196,11 +220,68 @@ class Interpreter:
         return None
 
     def SaveScene(self, folder):
+        """Writes World_Scene.py, with the model files the world uses copied
+        into the folder, and a picture of the world through its camera."""
+        folder = str(folder)
         try:
-            scenefile.write(self.scene, str(folder))
+            models.keep_in_folder(self.scene.living(), folder)
+            scenefile.write(self.scene, folder)
         except OSError as exc:
             return "SaveScene: %s can't be written: %s" % (folder, exc.strerror)
+        # The world is saved; a picture that can't be written costs it nothing.
+        self.backend.save_picture(os.path.join(folder, THUMBNAIL))
         return None
+
+    @contextlib.contextmanager
+    def _one_undo_step(self):
+        self.undo.push(None, "[")
+        try:
+            yield
+        finally:
+            self.undo.push(None, "]")
+
+    def _facing_the_camera(self, where):
+        """The orientation that turns a new object's front to the camera."""
+        camera = self.default_camera()
+        toward = g.sub(camera.world_position(), where) if camera else (0.0, 0.0, -1.0)
+        flat = (toward[0], 0.0, toward[2])
+        return g.look_rotation(flat) if g.length(flat) > 1e-9 else g.IDENTITY
+
+    def addobject(self, path):
+        """An object (with its parts) from a model file: .mdl, .obj, .3ds. It
+        stands in the middle of the world with its front to the camera."""
+        with self._one_undo_step():
+            return models.add_object(self.scene, path, NEW_OBJECT_PLACE,
+                                     self._facing_the_camera(NEW_OBJECT_PLACE))
+
+    def loadteddyobject(self, path):
+        """The object the sketch tool made."""
+        self.addobject(path)
+        return None
+
+    def replaceobject(self, name, path):
+        """The object name drawn anew from the file the paint tool saved."""
+        thing = self.scene.find(str(name))
+        if thing is None:
+            return "replaceobject: there is no object called %s" % (name,)
+        return models.replace(thing, path)
+
+    def AddText(self, text):
+        """Solid letters standing in the middle of the world, facing the camera."""
+        if str(text):
+            with self._one_undo_step():
+                models.add_text(self.scene, str(text), NEW_OBJECT_PLACE,
+                                self._facing_the_camera(NEW_OBJECT_PLACE))
+        return None
+
+    def InitializeSound(self):
+        self.backend.start_sound()
+        return None
+
+    def AddSound(self, path):
+        """A sound of the scene from a .wav file."""
+        with self._one_undo_step():
+            return self.sounds.add(path)
 
     def isvalidname(self, text):
         """The text can name a new object: a Python name no object uses."""
@@ -225,11 +306,45 @@ class Interpreter:
 
     # -- camera window ------------------------------------------------------
 
+    def imagenavigator(self, width, height, hostId):
+        """The camera view, width x height pixels, in the front end's window hostId."""
+        return self.backend.open_view(int(width), int(height), int(hostId))
+
+    def setimagenavigatorparent(self, hostId):
+        return self.backend.move_view(int(hostId))
+
+    def setimagenavigatorsize(self, width, height):
+        self.backend.resize_view(int(width), int(height))
+        return None
+
+    def SetImageNavigatorCollisionDetectionOn(self):
+        """The camera, driven from the view, stops short of objects."""
+        self.view_input.collisions = True
+
+    def SetImageNavigatorCollisionDetectionOff(self):
+        self.view_input.collisions = False
+
+    def StartInspector(self):
+        """A drag in the view turns the camera round what it started on."""
+        self.view_input.inspecting = True
+        return None
+
+    def StopInspector(self):
+        self.view_input.inspecting = False
+        return None
+
+    def setrenderwindowfocus(self):
+        return self.backend.focus_view()
+
     def GetFPS(self):
-        return 0
+        return self.backend.frames_per_second()
 
     def CheckForHardwareAcceleration(self):
-        return True
+        return self.backend.hardware_accelerated()
+
+    def SetAcceleration(self, on):
+        """1: the high-quality drawing path (shadows, smooth edges); 0: the light one."""
+        return self.backend.set_acceleration(bool(int(on)))
 
     # -- recent files -------------------------------------------------------
 

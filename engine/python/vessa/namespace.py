@@ -35,12 +35,8 @@ class VessaNames:
         self.respond_to_mouse = int(tool)
 
 
-def _silent(*args):
-    """Sounds are silent until sound output exists."""
-
-
 def build(engine):
-    """engine offers scene, animator, undo and handbasket."""
+    """engine offers scene, animator, undo, handbasket and sounds."""
     scene, animator = engine.scene, engine.animator
     names = {"__name__": "__main__", "__builtins__": builtins}
     names.update(vocabulary.WORDS)
@@ -50,9 +46,9 @@ def build(engine):
         "DoTogether": lambda *animations: animator.block(DoTogether, animations),
         "Wait": scene.root.Wait,
         "PlaySound": scene.root.PlaySound,
-        "PlaySystemSound": _silent,
-        "playsystemsound": _silent,
-        "Playsound": _silent,
+        "PlaySystemSound": engine.sounds.play_system,
+        "playsystemsound": engine.sounds.play_system,
+        "Playsound": engine.sounds.play,
         "undo": engine.undo.undo,
         "PreserveHandbasket": engine.handbasket.preserve,
         "RestoreHandbasket": engine.handbasket.restore,

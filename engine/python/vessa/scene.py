@@ -10,7 +10,9 @@ orientations are relative to the parent; the backend holds them.
 import itertools
 import keyword
 
+from . import backend
 from . import geometry as g
+from . import models
 from . import records
 from . import vocabulary as v
 from .animation import DoInOrder
@@ -18,13 +20,17 @@ from .commands import Commands
 from .events import Responses, Window
 from .mistakes import Mistake
 
-DEFAULT_VALUES = {"position": (0.0, 0.0, 0.0), "orientation": g.IDENTITY,
-                  "size": (1.0, 1.0, 1.0), "color": (1.0, 1.0, 1.0)}
+DEFAULT_VALUES = backend.DEFAULT_VALUES
 
 # What an object is besides its transform and color; saved, copied and
-# put back by the handbasket as they stand.
-STYLE_DEFAULTS = {"visible": True, "filling": "Solid", "lighting": "Lit", "texture": True,
-                  "model": "", "vertex_count": 0, "face_count": 0}
+# put back by the handbasket as they stand. The backend keeps those that say
+# how the object is drawn (backend.STYLES); the counts are the engine's.
+STYLE_DEFAULTS = dict(backend.STYLES, vertex_count=0, face_count=0)
+
+
+def _drawn(style):
+    return property(lambda self: self.scene.backend.get_style(self.id, style),
+                    lambda self, value: self.scene.backend.set_style(self.id, style, value))
 
 
 class Thing(Commands):
@@ -42,8 +48,7 @@ class Thing(Commands):
         self.responses = Responses()
         if kind == "camera":
             self._Window = Window()
-        for attribute, value in STYLE_DEFAULTS.items():
-            setattr(self, attribute, value)
+        self.vertex_count = self.face_count = 0
 
     def __repr__(self):
         return self.name
@@ -66,6 +71,9 @@ class Thing(Commands):
 
     def _channel(self, channel):
         return self.scene.backend.get(self.id, channel)
+
+    visible, filling, lighting = _drawn("visible"), _drawn("filling"), _drawn("lighting")
+    texture, model = _drawn("texture"), _drawn("model")
 
     position = property(lambda self: self._channel("position"))
     orientation = property(lambda self: self._channel("orientation"))
@@ -194,6 +202,14 @@ class Thing(Commands):
         return self.scene.animator.block(DoInOrder, [
             self._animate("getagoodlookat", prepare), self.PointAt(other, Duration=0)])
 
+    def store(self, path):
+        """Writes the object with its parts to an object file (.mdl)."""
+        models.store(self, path)
+
+    def RemoveSound(self, sound):
+        """Takes a sound, given as itself or by its name, out of the scene."""
+        self.scene.sounds.remove(sound)
+
     def addresponse(self, event, response):
         self.responses.add(event, response)
 
@@ -209,6 +225,7 @@ class Scene:
         self.changed = on_change
         self.remember = lambda step: None   # where undo steps go
         self.namespace = {}
+        self.sounds = None                  # the sounds.SoundShelf, once the engine has one
         self._ids = itertools.count(1)
         self.things = {}
         # The front end learns the ids that mean "no parent" and "destroyed"
@@ -249,6 +266,8 @@ class Scene:
     def is_free_name(self, name, thing=None):
         if not (name.isidentifier() and not keyword.iskeyword(name)):
             return False
+        if self.sounds is not None and self.sounds.is_sound_name(name):
+            return False
         found = self.find(name)
         return found is None or found is thing
 
@@ -263,13 +282,14 @@ class Scene:
     def create(self, kind, name, parent, first_class=True, values=None, styles=None):
         """A new object arrives at the front end as construct, parent, name."""
         thing = Thing(self, kind, name, first_class)
+        self.things[thing.id] = thing
+        self.backend.add_node(thing.id, dict(DEFAULT_VALUES, **(values or {})), kind)
         for attribute, value in (styles or {}).items():
             setattr(thing, attribute, value)
-        self.things[thing.id] = thing
-        self.backend.add_node(thing.id, dict(DEFAULT_VALUES, **(values or {})))
         if parent is not None:
             thing.parent = parent
             parent.children.append(thing)
+            self.backend.set_parent(thing.id, parent.id)
         self._queue.add_tree(records.object_construct(thing.id, kind))
         # The scene itself has no parent to tell: it stays at the top of the
         # front end's tree, open, as it was made.
@@ -335,6 +355,8 @@ class Scene:
         old_parent.children.remove(thing)
         thing.parent = new_parent
         new_parent.children.append(thing)
+        if thing.alive:
+            self.backend.set_parent(thing.id, new_parent.id)
         inverse = g.quat_conj(new_parent.world_orientation())
         self.backend.set(thing.id, "orientation", g.quat_mul(inverse, orientation))
         self.backend.set(thing.id, "position",
@@ -350,6 +372,7 @@ class Scene:
         for child in list(thing.children):
             self.destroy(child)
         thing.alive = False
+        self.backend.set_parent(thing.id, None)
         self._unbind(thing)
         self.remember(lambda: self.resurrect(thing))
         self._queue.add_tree(records.object_destruct(thing.id))
@@ -357,6 +380,7 @@ class Scene:
 
     def resurrect(self, thing):
         thing.alive = True
+        self.backend.set_parent(thing.id, thing.parent.id)
         self._bind(thing)
         self._queue.add_tree(records.object_resurrect(thing.id))
         self.changed()

@@ -12,6 +12,7 @@ come before their children; a parent is named by its full name.
 import ast
 import os
 
+from . import models
 from .scene import DEFAULT_VALUES, STYLE_DEFAULTS
 
 FILE_NAME = "World_Scene.py"
@@ -39,7 +40,7 @@ def path_in(folder):
 
 # -- writing ------------------------------------------------------------------
 
-def _statement(scene, thing):
+def _statement(scene, thing, folder):
     fields = {"kind": thing.kind, "name": thing.local_name,
               "parent": thing.parent.name if thing.parent else None,
               "firstclass": thing.first_class}
@@ -50,6 +51,8 @@ def _statement(scene, thing):
     # values left out are the defaults, which is what the reader assumes
     fields.update({a: getattr(thing, a) for a, default in STYLE_DEFAULTS.items()
                    if getattr(thing, a) != default})
+    if "model" in fields:
+        fields["model"] = models.relative_to(fields["model"], folder)
     return "Object(%s)\r\n" % ", ".join("%s=%r" % item for item in fields.items())
 
 
@@ -61,7 +64,7 @@ def _in_family_order(thing):
 
 
 def write(scene, folder):
-    text = HEADER + "".join(_statement(scene, t) for t in _in_family_order(scene.root))
+    text = HEADER + "".join(_statement(scene, t, folder) for t in _in_family_order(scene.root))
     with open(path_in(folder), "w", encoding="utf-8", newline="") as f:
         f.write(text)
 
@@ -165,8 +168,8 @@ def _check_family(objects):
         seen.add(full.lower())
 
 
-def load(scene, objects):
-    """Replaces the scene's objects with those read from a file."""
+def load(scene, objects, folder):
+    """Replaces the scene's objects with those read from the file of folder."""
     for child in list(scene.root.children):
         scene.destroy(child)
     root_fields = objects[0]
@@ -178,5 +181,6 @@ def load(scene, objects):
         thing = scene.create(fields["kind"], fields["name"], parent,
                              bool(fields.get("firstclass", True)),
                              {c: tuple(fields[c]) for c in DEFAULT_VALUES if c in fields},
-                             {a: fields[a] for a in STYLE_DEFAULTS if a in fields})
+                             {a: models.within(fields[a], folder) if a == "model" else fields[a]
+                              for a in STYLE_DEFAULTS if a in fields})
         by_name[thing.name.lower()] = thing

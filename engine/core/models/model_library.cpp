@@ -1,0 +1,97 @@
+#include "models/model_library.h"
+
+#include "models/model_reading.h"
+#include "models/shapes.h"
+#include "scene/engine_frame.h"
+#include "scene/scene_graph.h"
+
+#include <osg/MatrixTransform>
+#include <osgDB/Registry>
+
+#include <fstream>
+
+namespace vessa::core {
+
+namespace {
+
+constexpr std::string_view kTextModel = "text:";
+constexpr char kPartMark = '#';
+
+} // namespace
+
+ModelLibrary::ModelLibrary() = default;
+
+std::shared_ptr<const Model> ModelLibrary::load(const std::string& path) {
+    std::error_code failed;
+    const auto written = std::filesystem::last_write_time(path, failed);
+    const auto size = failed ? 0 : std::filesystem::file_size(path, failed);
+    auto found = read_.find(path);
+    if (!failed && found != read_.end() && found->second.written == written &&
+        found->second.size == size)
+        return found->second.model;
+    osg::ref_ptr<osg::Node> root = readModelFile(path);
+    auto model = std::make_shared<Model>(
+        partsOf(root.get(), std::filesystem::path(path).stem().string(), path));
+    for (ModelPart& part : model->parts)
+        prepareShape(part);
+    read_[path] = Entry{written, size, model};
+    return model;
+}
+
+osg::Node* ModelLibrary::shapeFor(const std::string& model) {
+    if (model.empty())
+        return unitBox();
+    if (model.starts_with(kTextModel))
+        return textShape(model.substr(kTextModel.size()));
+    const auto mark = model.rfind(kPartMark);
+    const std::string file = model.substr(0, mark);
+    size_t part = 0;
+    if (mark != std::string::npos) {
+        try {
+            part = std::stoul(model.substr(mark + 1));
+        } catch (const std::logic_error&) {
+            return nullptr;
+        }
+    }
+    try {
+        const auto loaded = load(file);
+        return part < loaded->parts.size() ? loaded->parts[part].shape.get() : nullptr;
+    } catch (const ModelError&) {
+        return nullptr; // a file gone since: the object stays, unseen
+    }
+}
+
+void ModelLibrary::store(const SceneGraph& scene, const std::vector<StoredPart>& parts,
+                         const std::string& path) const {
+    std::vector<osg::ref_ptr<osg::Group>> built;
+    for (const StoredPart& part : parts) {
+        osg::ref_ptr<osg::Group> group;
+        if (part.parent < 0 || static_cast<size_t>(part.parent) >= built.size()) {
+            group = new osg::Group;
+        } else {
+            group = new osg::MatrixTransform(
+                osg::Matrixd::rotate(toOsgRotation(scene.get(part.node, Channel::Orientation))) *
+                osg::Matrixd::translate(toOsgPoint(scene.get(part.node, Channel::Position))));
+            group->setDataVariance(osg::Object::DYNAMIC);
+            built[static_cast<size_t>(part.parent)]->addChild(group);
+        }
+        group->setName(part.name);
+        if (osg::Node* shape = scene.shape(part.node)) {
+            const ChannelValue size = scene.get(part.node, Channel::Size);
+            auto* sized = new osg::MatrixTransform(osg::Matrixd::scale(size[0], size[1], size[2]));
+            sized->addChild(fullDetail(shape));
+            group->addChild(sized);
+        }
+        built.push_back(group);
+    }
+    if (built.empty())
+        throw ModelError("There is nothing to store");
+    osgDB::ReaderWriter* osgb = osgDB::Registry::instance()->getReaderWriterForExtension("osgb");
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    osg::ref_ptr<osgDB::Options> options = new osgDB::Options("WriteImageHint=IncludeData");
+    if (!osgb || !out || !osgb->writeNode(*built.front(), out, options.get()).success() ||
+        !out.flush())
+        throw ModelError("The object could not be written to " + path);
+}
+
+} // namespace vessa::core

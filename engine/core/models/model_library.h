@@ -1,0 +1,77 @@
+#pragma once
+
+#include "scene/channels.h"
+
+#include <osg/Node>
+#include <osg/ref_ptr>
+
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace vessa::core {
+
+class SceneGraph;
+
+// One part of a model file, or its root: what the engine makes an object
+// (the root) or a part of it from.
+struct ModelPart {
+    std::string name;      // as the file names it; the engine makes it a valid name
+    int parent = -1;       // index of the parent part; -1 for the root
+    ChannelValue position; // relative to the parent, engine frame
+    ChannelValue orientation;
+    int vertices = 0;
+    int faces = 0;
+    osg::ref_ptr<osg::Node> shape; // its own geometry, without its parts'
+};
+
+// A model file taken apart: parts[0] is the object itself, parents come
+// before their children.
+struct Model {
+    std::string name;
+    std::vector<ModelPart> parts;
+};
+
+class ModelError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// What store() writes of an engine object: a node, the name it has and the
+// index of its parent in the list (-1 for the object itself).
+struct StoredPart {
+    int node;
+    std::string name;
+    int parent;
+};
+
+// Reads model files into shapes that every object made from the same file
+// shares, and writes objects as the engine's own files (.mdl: OpenSceneGraph's
+// binary format, one object with its parts as named transforms, textures
+// inside). A file read once is read again only when it changed.
+//
+// Shapes are named by the engine's model references: "" a box one meter on
+// each side, "text:<words>" solid letters, "<file>#<part index>" a part of a
+// model file ("#0" the object itself).
+class ModelLibrary {
+public:
+    ModelLibrary();
+
+    std::shared_ptr<const Model> load(const std::string& path); // throws ModelError
+    osg::Node* shapeFor(const std::string& model);              // nullptr: draws nothing
+    void store(const SceneGraph& scene, const std::vector<StoredPart>& parts,
+               const std::string& path) const; // throws ModelError
+
+private:
+    struct Entry {
+        std::filesystem::file_time_type written;
+        std::uintmax_t size;
+        std::shared_ptr<const Model> model;
+    };
+    std::unordered_map<std::string, Entry> read_;
+};
+
+} // namespace vessa::core

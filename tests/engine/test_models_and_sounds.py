@@ -1,0 +1,135 @@
+"""Objects from files, stored objects, words, and the scene's sounds."""
+
+import os
+import struct
+import wave
+
+import pytest
+
+from conftest import misc, tagged
+from vessa import Interpreter
+from vessa.clock import ManualClock
+
+
+@pytest.fixture
+def world():
+    engine = Interpreter(clock=ManualClock())
+    engine.PollForTreeDifferences()
+    misc(engine)
+    yield engine
+    engine.Close()
+
+
+@pytest.fixture
+def core_only(backend_kind):
+    if backend_kind != "core":
+        pytest.skip("model files are read by the compiled backend")
+
+
+def run(engine, code):
+    assert engine.ExecuteCode(code, "<Tool>", "exec") is None
+
+
+def write_tone(path, frames=2205):
+    with wave.open(str(path), "wb") as sound:
+        sound.setnchannels(1)
+        sound.setsampwidth(2)
+        sound.setframerate(22050)
+        sound.writeframes(b"".join(struct.pack("<h", (i % 50) * 400) for i in range(frames)))
+
+
+def store_a_bunny(engine, path):
+    scene = engine.scene
+    bunny = scene.create("model", "Bunny", scene.root, values={"size": (1, 2, 1)})
+    scene.create("model", "Head", bunny, first_class=False, values={"position": (0, 1.5, 0.25)})
+    run(engine, "Bunny.store(%r)" % str(path))
+    engine.PollForTreeDifferences()
+
+
+def test_a_file_that_is_no_model_adds_nothing_and_says_why(world, tmp_path):
+    (tmp_path / "Broken.mdl").write_bytes(b"not a model")
+    failure = world.addobject(str(tmp_path / "Broken.mdl"))
+    assert failure and "Broken.mdl" in failure
+    assert world.PollForTreeDifferences() == []
+    assert world.addobject(str(tmp_path / "Missing.obj"))
+
+
+def test_a_stored_object_comes_back_with_its_parts(world, tmp_path, core_only):
+    store_a_bunny(world, tmp_path / "Bunny.mdl")
+    assert world.addobject(str(tmp_path / "Bunny.mdl")) is None
+    records = world.PollForTreeDifferences()
+    names = [r[3] for r in tagged(records, "objectnamechange")]
+    assert names == ["Bunny2", "Bunny2.Head"]
+    head = world.scene.find("Bunny2.Head")
+    assert head.GetPosition() == pytest.approx([0, 1.5, 0.25])
+    assert world.scene.find("Bunny2").GetVertexCount() > 0
+    assert world.scene.find("Bunny2").GetSize() == [1, 1, 1]    # the size went into the shape
+    run(world, "undo()")
+    assert world.scene.find("Bunny2") is None and world.scene.find("Bunny2.Head") is None
+
+
+def test_a_saved_world_keeps_its_model_files_in_its_folder(world, tmp_path, core_only):
+    store_a_bunny(world, tmp_path / "Bunny.mdl")
+    world.scene.destroy(world.scene.find("Bunny"))
+    world.addobject(str(tmp_path / "Bunny.mdl"))
+    folder = tmp_path / "World"
+    folder.mkdir()
+    assert world.SaveScene(str(folder)) is None
+    assert (folder / "Bunny.mdl").is_file()
+    assert "model='Bunny.mdl#1'" in (folder / "World_Scene.py").read_text()
+    os.remove(tmp_path / "Bunny.mdl")
+    other = Interpreter()
+    assert other.LoadWorld(str(folder)) is None
+    head = other.scene.find("Bunny.Head")
+    assert head.model == str(folder / "Bunny.mdl") + "#1"
+    assert other.replaceobject("Bunny", str(folder / "Bunny.mdl")) is None
+    assert other.replaceobject("Nobody", str(folder / "Bunny.mdl"))
+    other.Close()
+
+
+def test_words_stand_as_an_object_named_after_them(world):
+    world.AddText("Hello there")
+    thing = world.scene.find("Hello_there")
+    assert thing is not None and thing.model == "text:Hello there"
+    world.AddText("")
+    assert len(tagged(world.PollForTreeDifferences(), "objectconstruct")) == 1
+
+
+def test_a_sound_joins_the_scene_is_renamed_removed_and_put_back(world, tmp_path):
+    write_tone(tmp_path / "Pop.wav")
+    assert world.AddSound(str(tmp_path / "Pop.wav")) is None
+    records = world.PollForTreeDifferences()
+    sound_id = records[0][1]
+    assert records == [["objectconstruct", sound_id, "sound"],
+                       ["soundnamechange", sound_id, "", "Pop"],
+                       ["sceneaddsound", str(world.scene.root.id), sound_id]]
+    run(world, "Playsound(Pop)\nPop.Rename('Bang')\nCamera.PlaySound(Bang, Volume=0.5)")
+    assert not world.isvalidname("Bang")
+    world.clock = world.animator.clock
+    world.clock.advance(1.0)
+    world.Loop()
+    assert not tagged(misc(world), "output")
+    run(world, "Vessa.GetDefaultScene().RemoveSound(Bang)")
+    assert world.PollForTreeDifferences() == [
+        ["soundnamechange", sound_id, "Pop", "Bang"],
+        ["sceneremovesound", str(world.scene.root.id), sound_id]]
+    run(world, "undo()")
+    assert world.PollForTreeDifferences() == [
+        ["soundnamechange", sound_id, "Bang", "Bang"],
+        ["sceneaddsound", str(world.scene.root.id), sound_id]]
+
+
+def test_sounds_that_cannot_be_played_are_reported_and_change_nothing(world, tmp_path):
+    (tmp_path / "Bad.wav").write_bytes(b"RIFF, or not")
+    assert world.AddSound(str(tmp_path / "Bad.wav"))
+    assert world.PollForTreeDifferences() == []
+    run(world, 'Camera.PlaySound("%s")' % (tmp_path / "Gone.wav"))
+    world.Loop()
+    output = tagged(misc(world), "output")
+    assert len(output) == 1 and "Gone.wav" in output[0][1]
+    world.SetHomeDirectory(str(tmp_path))
+    run(world, "PlaySystemSound('Error')\nplaysystemsound('Selection')")    # no such files
+    (tmp_path / "Sounds").mkdir()
+    write_tone(tmp_path / "Sounds" / "Undo.wav")
+    run(world, "PlaySystemSound('Undo')")
+    assert misc(world) == []

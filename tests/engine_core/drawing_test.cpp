@@ -1,0 +1,220 @@
+// Frames of small fixed worlds, drawn by Mesa under Xvfb, compared with the
+// colours they must show within a tolerance.
+#include "backend/backend.h"
+#include "scene/engine_frame.h"
+#include "view/view_widget.h"
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QThread>
+#include <QWidget>
+#include <gtest/gtest.h>
+#include <osg/ShapeDrawable>
+#include <osg/Texture2D>
+
+#include <cmath>
+#include <numbers>
+
+namespace vessa::core {
+namespace {
+
+constexpr int kWidth = 320;
+constexpr int kHeight = 240;
+constexpr long long kHostId = 41;
+
+NodeValues values(ChannelValue position, ChannelValue size = {1, 1, 1, 0},
+                  ChannelValue color = {1, 1, 1, 0}) {
+    return {position, defaultValue(Channel::Orientation), size, color};
+}
+
+class DrawingTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (QGuiApplication::platformName() != QLatin1String("xcb"))
+            GTEST_SKIP() << "drawing needs a display";
+        host.setProperty("vessaHostId", kHostId);
+        host.resize(kWidth, kHeight);
+        host.show();
+        ASSERT_EQ(backend.view().open(kWidth, kHeight, kHostId), "");
+        add(1, "scene", values({0, 0, 0, 0}), std::nullopt);
+        add(2, "camera", values({0, 1.5, -8, 0}), 1);
+        add(3, "light", values({2, 6, -4, 0}), 1);
+        add(4, "model", values({0, -0.05, 0, 0}, {20, 0.1, 20, 0}, {0.3, 0.6, 0.25, 0}), 1);
+    }
+
+    void add(int id, const char* kind, const NodeValues& v, std::optional<int> parent) {
+        backend.addNode(id, v, kind);
+        if (parent)
+            backend.setParent(id, *parent);
+    }
+
+    QImage frame() {
+        QImage image = backend.view().widget()->grabFramebuffer();
+        if (const char* folder = std::getenv("VESSA_DRAWING_OUTPUT")) {
+            const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
+            image.save(QString::fromUtf8(folder) + QLatin1Char('/') + test->name() +
+                       QString::number(++frames_) + QStringLiteral(".png"));
+        }
+        return image;
+    }
+
+    // Pixels in the middle third of the picture that look red.
+    static int redPixels(const QImage& image) {
+        int count = 0;
+        for (int y = kHeight / 3; y < 2 * kHeight / 3; ++y) {
+            for (int x = kWidth / 3; x < 2 * kWidth / 3; ++x) {
+                const QColor c = image.pixelColor(x, y);
+                count += c.red() > 90 && c.red() > 2 * c.green() && c.red() > 2 * c.blue();
+            }
+        }
+        return count;
+    }
+
+    QWidget host;
+    Backend backend;
+
+private:
+    int frames_ = 0;
+};
+
+TEST_F(DrawingTest, TheDefaultWorldShowsSkyAboveAndGroundBelow) {
+    const QImage image = frame();
+    ASSERT_EQ(image.size(), QSize(kWidth, kHeight));
+    const QColor sky = image.pixelColor(kWidth / 2, 2);
+    EXPECT_GT(sky.blue(), sky.red() + 40);
+    const QColor ground = image.pixelColor(kWidth / 2, kHeight - 4);
+    EXPECT_GT(ground.green(), ground.red() + 30);
+    EXPECT_GT(ground.green(), ground.blue() + 30);
+}
+
+TEST_F(DrawingTest, AnObjectShowsItsColourWhereItStandsUnlessHidden) {
+    add(5, "model", values({0, 1.5, 0, 0}, {1, 1, 1, 0}, {1, 0, 0, 0}), 1);
+    const QColor lit = frame().pixelColor(kWidth / 2, kHeight / 2);
+    EXPECT_GT(lit.red(), 120);
+    EXPECT_LT(lit.green(), 40);
+    backend.setStyle(5, "lighting", std::string("unlit"));
+    EXPECT_GT(frame().pixelColor(kWidth / 2, kHeight / 2).red(), 240); // full colour, unshaded
+    backend.setStyle(5, "visible", false);
+    EXPECT_EQ(redPixels(frame()), 0);
+}
+
+TEST_F(DrawingTest, LinesAndPointsLeaveTheBackgroundBetweenThem) {
+    add(5, "model", values({0, 1.5, 0, 0}, {2, 2, 2, 0}, {1, 0, 0, 0}), 1);
+    const int solid = redPixels(frame());
+    backend.setStyle(5, "filling", std::string("Lines"));
+    const int lines = redPixels(frame());
+    backend.setStyle(5, "filling", std::string("Points"));
+    const int points = redPixels(frame());
+    EXPECT_GT(solid, 2000);
+    EXPECT_GT(lines, 20);
+    EXPECT_LT(lines, solid / 4);
+    EXPECT_GT(points, 4);
+    EXPECT_LT(points, lines);
+}
+
+TEST_F(DrawingTest, TurningAnObjectSwingsItsPartToTheOtherSide) {
+    add(5, "model", values({0, 1.5, 0, 0}, {0.2, 0.2, 0.2, 0}), 1);
+    add(6, "model", values({1.5, 0, 0, 0}, {0.6, 0.6, 0.6, 0}, {1, 0, 0, 0}), 5);
+    auto redSide = [this] {
+        const QImage image = frame();
+        int left = 0, right = 0;
+        for (int y = 0; y < kHeight; ++y) {
+            for (int x = 0; x < kWidth; ++x) {
+                const QColor c = image.pixelColor(x, y);
+                if (c.red() > 90 && c.red() > 2 * c.green())
+                    (x < kWidth / 2 ? left : right) += 1;
+            }
+        }
+        return right - left;
+    };
+    EXPECT_GT(redSide(), 200); // the engine's right is the picture's right
+    backend.set(5, "orientation", quatFromAxisAngle(0, 1, 0, std::numbers::pi));
+    EXPECT_LT(redSide(), -200);
+}
+
+TEST_F(DrawingTest, WordsStandUpInSolidLetters) {
+    add(5, "model", values({0, 1, 0, 0}, {1, 1, 1, 0}, {1, 0, 0, 0}), 1);
+    backend.set(5, "orientation", quatFromAxisAngle(0, 1, 0, std::numbers::pi)); // facing us
+    backend.setStyle(5, "model", std::string("text:Hello"));
+    EXPECT_GT(redPixels(frame()), 300);
+}
+
+TEST_F(DrawingTest, TheViewKeepsDrawingInAnotherWindow) {
+    QWidget other;
+    other.setProperty("vessaHostId", kHostId + 1);
+    other.resize(kWidth, kHeight);
+    other.show();
+    add(5, "model", values({0, 1.5, 0, 0}, {1, 1, 1, 0}, {1, 0, 0, 0}), 1);
+    EXPECT_GT(redPixels(frame()), 100);
+    ASSERT_EQ(backend.view().moveTo(kHostId + 1), "");
+    EXPECT_EQ(backend.view().widget()->parentWidget(), &other);
+    EXPECT_GT(redPixels(frame()), 100);
+    ASSERT_EQ(backend.view().moveTo(kHostId), "");
+    EXPECT_GT(redPixels(frame()), 100);
+    EXPECT_NE(backend.view().moveTo(99), "");
+}
+
+// A box wearing a picture that is blue all over.
+osg::Node* blueBox() {
+    osg::ref_ptr<osg::Image> picture = new osg::Image;
+    picture->allocateImage(4, 4, 1, GL_RGBA, GL_UNSIGNED_BYTE);
+    for (int i = 0; i < 16; ++i) {
+        unsigned char* texel = picture->data() + 4 * i;
+        texel[0] = texel[1] = 0;
+        texel[2] = texel[3] = 255;
+    }
+    auto* box = new osg::Geode;
+    box->addDrawable(new osg::ShapeDrawable(new osg::Box(osg::Vec3(), 1.0f)));
+    box->getOrCreateStateSet()->setTextureAttributeAndModes(0, new osg::Texture2D(picture.get()));
+    return box;
+}
+
+TEST_F(DrawingTest, APictureOnAShapeShowsUnlessTexturesAreOff) {
+    add(5, "model", values({0, 1.5, 0, 0}), 1);
+    osg::ref_ptr<osg::Node> shape = blueBox();
+    backend.scene().setModel(5, "blue box", shape.get());
+    backend.setStyle(5, "lighting", std::string("UnLit"));
+    const QColor textured = frame().pixelColor(kWidth / 2, kHeight / 2);
+    EXPECT_GT(textured.blue(), 200);
+    EXPECT_LT(textured.red(), 30);
+    backend.setStyle(5, "texture", false);
+    const QColor plain = frame().pixelColor(kWidth / 2, kHeight / 2);
+    EXPECT_GT(plain.red(), 200);
+    EXPECT_GT(plain.green(), 200);
+}
+
+TEST_F(DrawingTest, TheHighQualityPathCastsShadowsOnTheGround) {
+    add(5, "model", values({0, 1.0, 0, 0}, {1, 1, 1, 0}, {1, 0, 0, 0}), 1);
+    // The light stands right of the camera and in front: the shadow falls
+    // left of the box and behind it, low in the picture.
+    auto groundUnderneath = [this] {
+        return frame().pixelColor(kWidth / 2 - 8, 165).green();
+    };
+    const int plain = groundUnderneath();
+    ASSERT_EQ(backend.view().setHighQuality(true), "");
+    const int shaded = groundUnderneath();
+    EXPECT_LT(shaded, plain - 25);
+    ASSERT_EQ(backend.view().setHighQuality(false), "");
+    EXPECT_EQ(groundUnderneath(), plain);
+}
+
+TEST_F(DrawingTest, AStillWorldDrawsNoFrames) {
+    auto settle = [] {
+        for (int i = 0; i < 20; ++i) {
+            QCoreApplication::processEvents();
+            QThread::msleep(10);
+        }
+    };
+    settle();
+    const double drawn = backend.view().framesPerSecond();
+    ASSERT_GE(drawn, 1.0);
+    settle();
+    EXPECT_EQ(backend.view().framesPerSecond(), drawn);
+    backend.set(4, "color", {1, 1, 1, 0});
+    backend.set(4, "position", {0, -0.1, 0, 0}); // two changes, one frame
+    settle();
+    EXPECT_EQ(backend.view().framesPerSecond(), drawn + 1.0);
+}
+
+} // namespace
+} // namespace vessa::core

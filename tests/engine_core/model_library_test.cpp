@@ -1,0 +1,223 @@
+// Model files into parts and shared shapes, and objects back into files.
+#include "backend/backend.h"
+#include "models/lighter_shape.h"
+#include "models/model_library.h"
+#include "models/model_reading.h"
+
+#include <gtest/gtest.h>
+#include <osg/Geode>
+#include <osg/Geometry>
+#include <osg/Material>
+#include <osg/MatrixTransform>
+#include <osg/ShapeDrawable>
+#include <osg/Texture2D>
+#include <osg/TriangleFunctor>
+#include <osgDB/Registry>
+#include <osgDB/WriteFile>
+
+#include <QTemporaryDir>
+
+#include <fstream>
+
+namespace vessa::core {
+namespace {
+
+osg::Geode* coloredTriangle(osg::Vec4 color) {
+    auto* geometry = new osg::Geometry;
+    auto* points = new osg::Vec3Array;
+    points->push_back({0, 0, 0});
+    points->push_back({1, 0, 0});
+    points->push_back({0, 1, 0});
+    geometry->setVertexArray(points);
+    geometry->addPrimitiveSet(new osg::DrawArrays(GL_TRIANGLES, 0, 3));
+    auto* material = new osg::Material;
+    material->setDiffuse(osg::Material::FRONT_AND_BACK, color);
+    geometry->getOrCreateStateSet()->setAttribute(material);
+    auto* geode = new osg::Geode;
+    geode->addDrawable(geometry);
+    return geode;
+}
+
+// A bunny as the gallery makes them: a body, a head at the neck, an ear on
+// the head.
+void writeBunny(const std::string& path, double headHeight) {
+    osg::ref_ptr<osg::Group> bunny = new osg::Group;
+    bunny->setName("Bunny");
+    bunny->addChild(coloredTriangle({1, 1, 1, 1}));
+    auto* head = new osg::MatrixTransform(osg::Matrixd::translate(0.25, headHeight, 0));
+    head->setName("Head");
+    head->addChild(coloredTriangle({0.5f, 0.5f, 0.5f, 1}));
+    auto* ear = new osg::MatrixTransform(osg::Matrixd::rotate(osg::PI_2, osg::Vec3d(0, 0, 1)) *
+                                         osg::Matrixd::translate(0, 0.3, 0));
+    ear->setName("LeftEar");
+    ear->addChild(coloredTriangle({1, 0.7f, 0.7f, 1}));
+    head->addChild(ear);
+    bunny->addChild(head);
+    std::ofstream out(path, std::ios::binary);
+    osgDB::Registry::instance()->getReaderWriterForExtension("osgb")->writeNode(*bunny, out);
+}
+
+class ModelLibraryTest : public ::testing::Test {
+protected:
+    std::string file(const char* name) const { return dir.filePath(name).toStdString(); }
+
+    QTemporaryDir dir;
+    ModelLibrary library;
+};
+
+TEST_F(ModelLibraryTest, TheEnginesFilesComeApartIntoNamedPartsInTheEnginesFrame) {
+    writeBunny(file("Bunny.mdl"), 0.5);
+    const auto bunny = library.load(file("Bunny.mdl"));
+    ASSERT_EQ(bunny->parts.size(), 3u);
+    EXPECT_EQ(bunny->name, "Bunny");
+    EXPECT_EQ(bunny->parts[1].name, "Head");
+    EXPECT_EQ(bunny->parts[2].name, "LeftEar");
+    EXPECT_EQ(bunny->parts[2].parent, 1);
+    // OSG's +x is the engine's left.
+    EXPECT_DOUBLE_EQ(bunny->parts[1].position[0], -0.25);
+    EXPECT_DOUBLE_EQ(bunny->parts[1].position[1], 0.5);
+    EXPECT_NEAR(std::abs(bunny->parts[2].orientation[0]), std::sqrt(0.5), 1e-9);
+    EXPECT_EQ(bunny->parts[0].vertices, 3);
+    EXPECT_EQ(bunny->parts[0].faces, 1);
+}
+
+TEST_F(ModelLibraryTest, ObjectsOfOneFileShareShapesUntilTheFileChanges) {
+    writeBunny(file("Bunny.mdl"), 0.5);
+    osg::Node* head = library.shapeFor(file("Bunny.mdl") + "#1");
+    ASSERT_NE(head, nullptr);
+    EXPECT_EQ(library.shapeFor(file("Bunny.mdl") + "#1"), head);
+    EXPECT_EQ(library.shapeFor(file("Bunny.mdl") + "#7"), nullptr);
+    writeBunny(file("Bunny.mdl"), 0.75);
+    std::filesystem::last_write_time(
+        file("Bunny.mdl"), std::filesystem::file_time_type::clock::now() + std::chrono::seconds(5));
+    EXPECT_NE(library.shapeFor(file("Bunny.mdl") + "#1"), head);
+    EXPECT_DOUBLE_EQ(library.load(file("Bunny.mdl"))->parts[1].position[1], 0.75);
+}
+
+TEST_F(ModelLibraryTest, BrokenUnknownAndMissingFilesSayWhatIsWrong) {
+    std::ofstream(file("Broken.mdl")) << "this is not a scene graph";
+    std::ofstream(file("Thing.xyz")) << "nor is this";
+    auto failure = [this](const char* name) {
+        try {
+            library.load(file(name));
+        } catch (const ModelError& e) {
+            return std::string(e.what());
+        }
+        return std::string();
+    };
+    EXPECT_NE(failure("Broken.mdl").find("broken"), std::string::npos);
+    EXPECT_NE(failure("Thing.xyz").find(".xyz"), std::string::npos);
+    EXPECT_NE(failure("Nothing.obj").find("There is no object file"), std::string::npos);
+    EXPECT_EQ(library.shapeFor(file("Broken.mdl") + "#0"), nullptr);
+}
+
+TEST_F(ModelLibraryTest, NamedGroupsOfAnObjFileTurnAboutTheirMiddlesAndMissingPicturesAreLeftOut) {
+    std::ofstream(file("Lamp.mtl")) << "newmtl shade\nKd 1 0 0\nmap_Kd gone.png\n";
+    std::ofstream(file("Lamp.obj")) << "mtllib Lamp.mtl\n"
+                                       "v 0 0 0\nv 1 0 0\nv 0 1 0\n"
+                                       "v 0 2 0\nv 1 2 0\nv 0 3 0\n"
+                                       "g Base\nf 1 2 3\n"
+                                       "g Shade\nusemtl shade\nf 4 5 6\n";
+    const auto lamp = library.load(file("Lamp.obj"));
+    ASSERT_EQ(lamp->parts.size(), 3u);
+    EXPECT_EQ(lamp->name, "Lamp");
+    const ModelPart& shade = lamp->parts[2];
+    EXPECT_EQ(shade.name, "Shade");
+    EXPECT_NEAR(shade.position[1], 2.5, 1e-6);
+    struct TextureFinder : osg::NodeVisitor {
+        TextureFinder() : osg::NodeVisitor(TRAVERSE_ALL_CHILDREN) {}
+        void apply(osg::Drawable& d) override {
+            if (d.getStateSet() &&
+                d.getStateSet()->getTextureAttribute(0, osg::StateAttribute::TEXTURE))
+                ++textures;
+            if (auto* g = d.asGeometry(); g && g->getColorArray())
+                color = static_cast<const osg::Vec4Array*>(g->getColorArray())->front();
+        }
+        int textures = 0;
+        osg::Vec4 color;
+    } finder;
+    shade.shape->accept(finder);
+    EXPECT_EQ(finder.textures, 0);
+    EXPECT_EQ(finder.color, osg::Vec4(1, 0, 0, 1)); // its colour when drawn unlit
+}
+
+int triangles(osg::Node* shape) {
+    struct Count : osg::NodeVisitor {
+        Count() : osg::NodeVisitor(TRAVERSE_ALL_CHILDREN) {}
+        void apply(osg::Drawable& d) override {
+            osg::TriangleFunctor<Counter> count;
+            d.accept(count);
+            total += count.n;
+        }
+        struct Counter {
+            int n = 0;
+            void operator()(const osg::Vec3&, const osg::Vec3&, const osg::Vec3&) { ++n; }
+        };
+        int total = 0;
+    } count;
+    shape->accept(count);
+    return count.total;
+}
+
+TEST(LighterShape, KeepsTheOutlineWithAFractionOfTheTriangles) {
+    auto* hints = new osg::TessellationHints;
+    hints->setDetailRatio(2.0f);
+    osg::ref_ptr<osg::Geode> ball = new osg::Geode;
+    ball->addDrawable(new osg::ShapeDrawable(new osg::Sphere(osg::Vec3(0, 1, 0), 1.0f), hints));
+    const int full = triangles(ball.get());
+    osg::ref_ptr<osg::Node> light = lighterShape(ball.get(), 10);
+    EXPECT_LT(triangles(light.get()), full / 3);
+    EXPECT_GT(triangles(light.get()), 50);
+    EXPECT_EQ(triangles(ball.get()), full);
+    EXPECT_NEAR(light->getBound().radius(), ball->getBound().radius(), 0.15);
+}
+
+TEST_F(ModelLibraryTest, A3dsFileStandingOnZStandsUpOnY) {
+    osg::ref_ptr<osg::Group> mast = new osg::Group;
+    mast->setName("Mast");
+    osg::ref_ptr<osg::Geode> pole = coloredTriangle({1, 1, 1, 1});
+    pole->setName("Pole");
+    auto* points =
+        static_cast<osg::Vec3Array*>(pole->getDrawable(0)->asGeometry()->getVertexArray());
+    (*points)[2] = {0, 0, 2}; // the top, up in a .3ds file
+    mast->addChild(pole);
+    ASSERT_TRUE(osgDB::writeNodeFile(*mast, file("Mast.3ds")));
+    const auto loaded = library.load(file("Mast.3ds"));
+    ASSERT_EQ(loaded->parts.size(), 2u);
+    EXPECT_EQ(loaded->parts[1].name, "Pole");
+    EXPECT_NEAR(loaded->parts[1].position[1], 1.0, 1e-5);
+    EXPECT_NEAR(loaded->parts[1].position[2], 0.0, 1e-5);
+}
+
+TEST_F(ModelLibraryTest, AStoredObjectKeepsItsPartsWhereTheyWereMoved) {
+    writeBunny(file("Bunny.mdl"), 0.5);
+    Backend backend;
+    NodeValues values;
+    for (int i = 0; i < kChannelCount; ++i)
+        values[static_cast<size_t>(i)] = defaultValue(static_cast<Channel>(i));
+    const auto bunny = backend.models().load(file("Bunny.mdl"));
+    for (int part = 0; part < 3; ++part) {
+        values[0] = bunny->parts[static_cast<size_t>(part)].position;
+        values[1] = bunny->parts[static_cast<size_t>(part)].orientation;
+        backend.addNode(10 + part, values, "model");
+        backend.setStyle(10 + part, "model", file("Bunny.mdl") + "#" + std::to_string(part));
+        if (part > 0)
+            backend.setParent(10 + part, 10 + bunny->parts[static_cast<size_t>(part)].parent);
+    }
+    backend.set(11, "position", {0.5, 1.0, 0.0, 0.0});
+    backend.models().store(backend.scene(), {{10, "Hare", -1}, {11, "Head", 0}, {12, "Ear", 1}},
+                           file("Hare.mdl"));
+    const auto hare = backend.models().load(file("Hare.mdl"));
+    ASSERT_EQ(hare->parts.size(), 3u);
+    EXPECT_EQ(hare->name, "Hare");
+    EXPECT_NEAR(hare->parts[1].position[0], 0.5, 1e-9);
+    EXPECT_NEAR(hare->parts[1].position[1], 1.0, 1e-9);
+    EXPECT_EQ(hare->parts[2].name, "Ear");
+    EXPECT_EQ(hare->parts[2].faces, 1);
+    EXPECT_THROW(
+        backend.models().store(backend.scene(), {{10, "Hare", -1}}, file("no/such/dir.mdl")),
+        ModelError);
+}
+
+} // namespace
+} // namespace vessa::core
