@@ -112,6 +112,8 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
 
     openingSceneFrame_->setObjectName(QStringLiteral("OpeningSceneFrame"));
     markViewHost(openingSceneFrame_, OpeningSceneHost);
+    openingSceneFrame_->installEventFilter(this);
+    renderForm_.RenderFrame()->installEventFilter(this);
     openingSceneFrame_->setFrameShape(QFrame::StyledPanel);
     openingSceneFrame_->setMinimumSize(320, 240);
     openingSceneFrame_->setStyleSheet(
@@ -247,6 +249,26 @@ void MainForm::SwitchToTab(int tab) {
         moveCameraView(openingSceneFrame_);
     else if (tab != 0 && old == 0)
         moveCameraView(renderForm_.RenderFrame());
+}
+
+QWidget* MainForm::cameraViewHost() const {
+    return world_.SceneScriptTab == 0 ? openingSceneFrame_ : renderForm_.RenderFrame();
+}
+
+bool MainForm::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Resize && watched == cameraViewHost() && engine_.isSet() &&
+        !renderForm_.isMinimized()) {
+        const QSize size = cameraViewHost()->size();
+        try {
+            reporter_.CheckInterpreterResult(engine_.call(QStringLiteral("setimagenavigatorsize"),
+                                                          {size.width(), size.height()}),
+                                             QStringLiteral("VB:RenderForm:Form_Resize() Error."));
+        } catch (const RunTimeError& e) {
+            reporter_.reportAtTop(ReportForm::A,
+                                  QStringLiteral("VB:RenderForm:Form_Resize() Error."), e);
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void MainForm::enableMenuItems(std::initializer_list<const char*> controls, bool enabled) {

@@ -89,6 +89,8 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    // The camera view follows the size of the frame that hosts it.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void buildMenus();
@@ -97,6 +99,7 @@ private:
     QWidget* buildScriptTabs();
     void enableMenuItems(std::initializer_list<const char*> controls, bool enabled);
     void moveCameraView(QWidget* host);
+    QWidget* cameraViewHost() const;
     void runTool(const QString& statement, const QString& failureMessage);
     void IdleTimer_Timer();
     // Answers whether the world was saved.

@@ -35,7 +35,8 @@ RenderForm::RenderForm(QWidget* parent)
         AlwaysOnTop(onTop);
         Q_EMIT alwaysOnTopChosen(onTop);
     });
-    resize(4620 / 15, 6570 / 15);
+    // Beside the main window, until the user's own place is remembered.
+    setGeometry(9285 / 15, 0, 4620 / 15, 6570 / 15);
     applyAccessibleNames(this);
 }
 
