@@ -1,6 +1,7 @@
 // The ready-made objects as the build leaves them in the home folder: each
 // reads back, has the parts its README promises, stands where it should, and
 // has a thumbnail that shows it.
+#include "gallery/model.h"
 #include "readme_table.h"
 
 #include <osg/ComputeBoundsVisitor>
@@ -8,7 +9,6 @@
 #include <osg/Geometry>
 #include <osg/Material>
 #include <osg/MatrixTransform>
-#include <osg/TriangleIndexFunctor>
 #include <osgDB/Registry>
 
 #include <QImage>
@@ -92,18 +92,6 @@ std::vector<osg::Geometry*> ownGeometries(osg::Group& part) {
     return own;
 }
 
-std::vector<unsigned> triangleIndices(osg::Geometry& geometry) {
-    struct Sink {
-        std::vector<unsigned> indices;
-        void operator()(unsigned a, unsigned b, unsigned c) {
-            indices.insert(indices.end(), {a, b, c});
-        }
-    };
-    osg::TriangleIndexFunctor<Sink> sink;
-    geometry.accept(sink);
-    return sink.indices;
-}
-
 osg::BoundingBox boundsOf(osg::Node& node) {
     osg::ComputeBoundsVisitor visitor;
     node.accept(visitor);
@@ -158,7 +146,7 @@ TEST_P(GalleryObject, EveryPartCarriesGeometryAndTurnsAboutAPointOnItself) {
         std::size_t triangles = 0;
         osg::BoundingBox own;
         for (auto* geometry : ownGeometries(*part)) {
-            triangles += triangleIndices(*geometry).size() / 3;
+            triangles += gallery::triangleIndices(*geometry).size() / 3;
             own.expandBy(boundsOf(*geometry));
         }
         ASSERT_GT(triangles, 0u) << path << " has nothing to show";
@@ -193,7 +181,7 @@ TEST_P(GalleryObject, SurfacesFaceOutwardWithAColourEach) {
         for (const auto& n : *normals) {
             ASSERT_NEAR(n.length(), 1, 1e-3);
         }
-        const auto indices = triangleIndices(*geometry);
+        const auto indices = gallery::triangleIndices(*geometry);
         for (std::size_t i = 0; i < indices.size(); i += 3) {
             const osg::Vec3 &a = (*vertices)[indices[i]], &b = (*vertices)[indices[i + 1]],
                             &c = (*vertices)[indices[i + 2]];

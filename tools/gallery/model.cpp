@@ -4,6 +4,7 @@
 #include <osg/Geometry>
 #include <osg/Material>
 #include <osg/MatrixTransform>
+#include <osg/TriangleIndexFunctor>
 #include <osgDB/WriteFile>
 
 #include <iostream>
@@ -110,6 +111,18 @@ bool writeModel(const osg::Node& model, const std::filesystem::path& file) {
         return false;
     }
     return true;
+}
+
+std::vector<unsigned> triangleIndices(osg::Geometry& geometry) {
+    struct Sink {
+        std::vector<unsigned> indices;
+        void operator()(unsigned a, unsigned b, unsigned c) {
+            indices.insert(indices.end(), {a, b, c});
+        }
+    };
+    osg::TriangleIndexFunctor<Sink> sink;
+    geometry.accept(sink);
+    return sink.indices;
 }
 
 } // namespace gallery

@@ -1,10 +1,11 @@
 #include "thumbnail.h"
 
+#include "model.h"
+
 #include <osg/Geometry>
 #include <osg/Material>
 #include <osg/NodeVisitor>
 #include <osg/Transform>
-#include <osg/TriangleIndexFunctor>
 
 #include <QLinearGradient>
 #include <QPainter>
@@ -38,20 +39,13 @@ public:
         if (!vertices || !normals || normals->size() != vertices->size()) {
             return;
         }
-        struct Sink {
-            std::vector<unsigned> indices;
-            void operator()(unsigned a, unsigned b, unsigned c) {
-                indices.insert(indices.end(), {a, b, c});
-            }
-        };
-        osg::TriangleIndexFunctor<Sink> sink;
-        geometry.accept(sink);
+        const std::vector<unsigned> indices = triangleIndices(geometry);
         const osg::Matrix toObject = osg::computeLocalToWorld(getNodePath());
         const osg::Vec4 color = colorOf(geometry);
-        for (std::size_t i = 0; i + 2 < sink.indices.size(); i += 3) {
+        for (std::size_t i = 0; i + 2 < indices.size(); i += 3) {
             Triangle triangle{{}, {}, color};
             for (int k = 0; k < 3; ++k) {
-                const unsigned index = sink.indices[i + std::size_t(k)];
+                const unsigned index = indices[i + std::size_t(k)];
                 triangle.corners[k] = (*vertices)[index] * toObject;
                 triangle.normals[k] = osg::Matrix::transform3x3((*normals)[index], toObject);
             }
