@@ -14,6 +14,7 @@ from . import geometry as g
 from . import vocabulary as v
 from .animation import Primitive
 from .mistakes import Mistake
+from .sounds import names_a_sound
 
 DEFAULT_DURATION = 1.0
 DEFAULT_STYLE = "Gently"
@@ -219,7 +220,7 @@ class Commands:
 
     def PlaySound(self, sound=None, Volume=1):
         """Starts the sound and goes on at once; Volume 1 is the sound as it is."""
-        if not isinstance(sound, str):
+        if not names_a_sound(sound):
             self._need("PlaySound", 'a sound file name, such as "c:\\pickme.wav"')
         if not _number(Volume) or Volume < 0:
             raise Mistake("%s.PlaySound: Volume must be a number, such as 0.5" % self.name)

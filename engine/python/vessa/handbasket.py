@@ -1,4 +1,5 @@
-"""The handbasket: the world as it was before a run, put back after it.
+"""The handbasket: the world as it was before a run, its objects and its
+sounds, put back after it.
 
 Putting it back goes through the scene's own operations, so the front end's
 trees follow by the usual records.
@@ -62,13 +63,15 @@ class Handbasket:
         self._saved = None
 
     def preserve(self):
-        self._saved = snapshot(self._scene)
+        self._saved = (snapshot(self._scene), self._scene.sounds.snapshot())
         self._undo_mark = self._undo.mark()
 
     def restore(self):
         self._animator.stop_all()
         if self._saved is None:
             return
+        things, sounds = self._saved
         with self._undo.quiet():
-            put_back(self._scene, self._saved)
+            put_back(self._scene, things)
+            self._scene.sounds.put_back(sounds)
         self._undo.truncate(self._undo_mark)

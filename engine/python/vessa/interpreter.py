@@ -200,18 +200,19 @@ class Interpreter:
     def LoadWorld(self, folder):
         """Replaces the scene with the folder's World_Scene.py. A file that is
         not a scene file changes nothing and is reported as an error."""
+        folder = str(folder)
         try:
-            objects = scenefile.read(str(folder))
+            objects, sounds = scenefile.read(folder)
         except scenefile.SceneFileError as exc:
             self._queue.write("error", str(exc) + "\n")
             return str(exc)
         self.animator.stop_all()
-        self.sounds.clear()
+        self.sounds.forget_all()
         with self.undo.quiet():
-            scenefile.load(self.scene, objects, str(folder))
+            scenefile.load(self.scene, objects, folder)
+            self.sounds.load(sounds, folder)
         self.undo.truncate(0)
         self.handbasket.forget()
-        self.scene.purge_dead()
         self.scene.root.responses.restore({})
         names = self.scene.namespace
         names.clear()
@@ -220,12 +221,13 @@ class Interpreter:
         return None
 
     def SaveScene(self, folder):
-        """Writes World_Scene.py, with the model files the world uses copied
-        into the folder, and a picture of the world through its camera."""
+        """Writes World_Scene.py, with the model and sound files the world
+        uses copied into the folder, and a picture of the world through its
+        camera."""
         folder = str(folder)
         try:
             models.keep_in_folder(self.scene.living(), folder)
-            scenefile.write(self.scene, folder)
+            scenefile.write(self.scene, folder, self.sounds.keep_in_folder(folder))
         except OSError as exc:
             return "SaveScene: %s can't be written: %s" % (folder, exc.strerror)
         # The world is saved; a picture that can't be written costs it nothing.

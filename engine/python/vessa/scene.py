@@ -228,13 +228,16 @@ class Scene:
         self.sounds = None                  # the sounds.SoundShelf, once the engine has one
         self._ids = itertools.count(1)
         self.things = {}
-        # The front end learns the ids that mean "no parent" and "destroyed"
-        # before any object arrives.
         self.none_id = self.new_id()
         self.junkyard_id = self.new_id()
-        queue.add_tree(records.object_construct(self.none_id, "none"))
-        queue.add_tree(records.object_construct(self.junkyard_id, "junkyard"))
+        self._tell_special_ids()
         self.root = self.create("scene", "Scene", None)
+
+    def _tell_special_ids(self):
+        """The front end learns the ids that mean "no parent" and "destroyed"
+        before any object arrives."""
+        self._queue.add_tree(records.object_construct(self.none_id, "none"))
+        self._queue.add_tree(records.object_construct(self.junkyard_id, "junkyard"))
 
     def new_id(self):
         return next(self._ids)
@@ -290,16 +293,35 @@ class Scene:
             thing.parent = parent
             parent.children.append(thing)
             self.backend.set_parent(thing.id, parent.id)
-        self._queue.add_tree(records.object_construct(thing.id, kind))
-        # The scene itself has no parent to tell: it stays at the top of the
-        # front end's tree, open, as it was made.
-        if parent is not None:
-            self._queue.add_tree(records.object_parent_change(thing.id, self.none_id, parent.id))
-        self._queue.add_tree(records.object_name_change(thing.id, "", thing.name))
+        self._tell_new(thing)
         self._bind(thing)
         self.remember(lambda: self.destroy(thing))
         self.changed()
         return thing
+
+    def _tell_new(self, thing):
+        self._queue.add_tree(records.object_construct(thing.id, thing.kind))
+        # The scene itself has no parent to tell: it stays at the top of the
+        # front end's tree, open, as it was made.
+        if thing.parent is not None:
+            self._queue.add_tree(records.object_parent_change(thing.id, self.none_id,
+                                                              thing.parent.id))
+        self._queue.add_tree(records.object_name_change(thing.id, "", thing.name))
+
+    def start_afresh(self):
+        """Forgets every object but the scene itself, with no record for
+        each: the front end empties its trees before it loads a world, so
+        the new world is told from the start, scene first, and whatever the
+        front end has not yet heard of the old one is dropped."""
+        for thing in self.things.values():
+            if thing is not self.root:
+                self._unbind(thing)
+                self.backend.remove_node(thing.id)
+        self.things = {self.root.id: self.root}
+        self.root.children = []
+        self._queue.restart_tree()
+        self._tell_special_ids()
+        self._tell_new(self.root)
 
     def _bind(self, thing):
         if thing.first_class:
@@ -384,14 +406,6 @@ class Scene:
         self._bind(thing)
         self._queue.add_tree(records.object_resurrect(thing.id))
         self.changed()
-
-    def purge_dead(self):
-        """Forgets destroyed objects once nothing (undo, handbasket) can bring them back."""
-        for thing in [t for t in self.things.values() if not t.alive]:
-            del self.things[thing.id]
-            if thing.parent is not None and thing in thing.parent.children:
-                thing.parent.children.remove(thing)
-            self.backend.remove_node(thing.id)
 
     def copy(self, thing, parent=None, name=None):
         parent = parent or thing.parent
