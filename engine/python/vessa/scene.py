@@ -100,10 +100,6 @@ class Thing(Commands):
                 found.extend(child.family(how_much))
         return found
 
-    def set_visible(self, visible):
-        self.visible = bool(visible)
-        self.scene.changed()
-
     # -- questions a world may ask ----------------------------------------
 
     def GetName(self):

@@ -1,0 +1,108 @@
+"""Parts follow their object: a resized object keeps its parts on it, scaled
+with it, and a hidden one hides them; HowMuch chooses otherwise."""
+
+import pytest
+
+from conftest import misc, tagged
+from vessa import Interpreter
+from vessa.clock import ManualClock
+
+
+@pytest.fixture
+def world():
+    clock = ManualClock()
+    engine = Interpreter(clock=clock)
+    engine.clock = clock
+    scene = engine.scene
+    with engine.undo.quiet():
+        bunny = scene.create("model", "Bunny", scene.root, values={"size": (1, 2, 1)})
+        head = scene.create("model", "Head", bunny, False,
+                            {"position": (0, 1.5, 0.25), "size": (0.5, 0.5, 0.5)})
+        scene.create("model", "Ear", head, False, {"position": (0.1, 0.3, 0)})
+        scene.create("model", "Rider", bunny, True, {"position": (0, 1, -1)})
+    yield engine
+    engine.Close()
+
+
+def run(engine, code, seconds=2.0):
+    assert engine.ExecuteCode(code, "<Tool>", "exec") is None
+    engine.clock.advance(seconds)
+    engine.Loop()
+
+
+def state(engine, name):
+    thing = engine.scene.find(name)
+    return thing.GetPosition(), thing.GetSize(), thing.IsVisible()
+
+
+def hit_from_the_left(engine, height):
+    """How far a level line from x = -10 at height goes before it meets a shape."""
+    return engine.backend.first_hit((-10.0, height, 0.0), (1.0, 0.0, 0.0), 100.0)
+
+
+def test_a_resized_object_takes_its_parts_along_and_leaves_other_objects(world):
+    run(world, "Bunny.Resize(InAllDirections, 2, Duration=1, Style=abruptly)", seconds=0.5)
+    assert state(world, "Bunny.Head")[:2] == (pytest.approx([0, 2.25, 0.375]),
+                                               pytest.approx([0.75] * 3))
+    run(world, "", seconds=1.0)
+    assert state(world, "Bunny")[1] == pytest.approx([2, 4, 2])
+    assert state(world, "Bunny.Head")[:2] == (pytest.approx([0, 3, 0.5]), pytest.approx([1] * 3))
+    assert state(world, "Bunny.Head.Ear")[:2] == (pytest.approx([0.2, 3.6, 0.5]),
+                                                   pytest.approx([2] * 3))
+    assert state(world, "Rider")[:2] == (pytest.approx([0, 1, -1]), pytest.approx([1] * 3))
+    assert hit_from_the_left(world, 3.2) == pytest.approx(9.2)     # the ear, where it went
+
+
+def test_howmuch_chooses_who_is_resized(world):
+    run(world, "Bunny.Resize(TopToBottom, 2, ObjectOnly)")
+    assert state(world, "Bunny.Head")[:2] == (pytest.approx([0, 1.5, 0.25]),
+                                               pytest.approx([0.5] * 3))
+    run(world, "Bunny.Resize(TopToBottom, 2, ObjectAndChildren)")
+    assert state(world, "Rider")[:2] == (pytest.approx([0, 2, -1]), pytest.approx([1, 2, 1]))
+    assert state(world, "Bunny.Head")[0] == pytest.approx([0, 3, 0.25])
+
+
+def test_a_turned_part_stretches_along_the_objects_axes(world):
+    run(world, "Bunny.Head.Turn(Left, 1/4, Duration=0)\nBunny.Head.Ear.Turn(Right, 1/4, Duration=0)")
+    run(world, "Bunny.Resize(FrontToBack, 2)")
+    # the head's left-to-right side lies along the bunny's front-to-back axis
+    assert state(world, "Bunny.Head")[:2] == (pytest.approx([0, 1.5, 0.5]),
+                                               pytest.approx([1, 0.5, 0.5]))
+    assert state(world, "Bunny.Head.Ear")[:2] == (pytest.approx([0, 1.8, 0.7]),
+                                                   pytest.approx([1, 1, 2]))
+
+
+def test_like_rubber_keeps_the_volume_of_the_object_and_its_parts(world):
+    run(world, "Bunny.Resize(TopToBottom, 4, LikeRubber)")
+    assert state(world, "Bunny")[1] == pytest.approx([0.5, 8, 0.5])
+    assert state(world, "Bunny.Head")[:2] == (pytest.approx([0, 6, 0.125]),
+                                               pytest.approx([0.25, 2, 0.25]))
+
+
+def test_undo_puts_the_parts_back_with_the_object(world):
+    before = [state(world, n) for n in ("Bunny", "Bunny.Head", "Bunny.Head.Ear")]
+    run(world, "Bunny.Resize(InAllDirections, 3)")
+    run(world, "undo()")
+    assert [state(world, n) for n in ("Bunny", "Bunny.Head", "Bunny.Head.Ear")] == before
+
+
+def test_hide_and_show_take_the_parts_along(world):
+    run(world, "Bunny.Hide()")
+    assert [state(world, n)[2] for n in ("Bunny", "Bunny.Head", "Bunny.Head.Ear", "Rider")] == [
+        False, False, False, True]
+    assert hit_from_the_left(world, 1.6) is None        # nothing of the bunny is left to meet
+    run(world, "Bunny.Head.Show()")
+    assert [state(world, n)[2] for n in ("Bunny", "Bunny.Head", "Bunny.Head.Ear")] == [
+        False, True, True]
+    run(world, "Bunny.Show(Toggle)")        # the bunny was hidden: all of it shows
+    assert all(state(world, n)[2] for n in ("Bunny", "Bunny.Head", "Bunny.Head.Ear"))
+    run(world, "Bunny.Hide(No)\nBunny.Hide(ObjectOnly)")
+    assert [state(world, n)[2] for n in ("Bunny", "Bunny.Head")] == [False, True]
+    run(world, "Bunny.Hide(ObjectAndChildren)")
+    assert not state(world, "Rider")[2]
+
+
+def test_hide_with_a_word_of_another_kind_says_what_it_takes(world):
+    world.ExecuteCode("Bunny.Hide(Red)", "<Script Text>", "exec")
+    popup = tagged(misc(world), "popuperrordialog")[0]
+    assert popup[1] == "Bunny.Hide needs Yes, No or Toggle, or nothing at all"
