@@ -1,12 +1,10 @@
 """Objects from files, stored objects, words, and the scene's sounds."""
 
 import os
-import struct
-import wave
 
 import pytest
 
-from conftest import misc, tagged
+from conftest import misc, tagged, write_tone
 from fronttrees import FrontTrees
 from vessa import Interpreter
 from vessa.clock import ManualClock
@@ -29,14 +27,6 @@ def core_only(backend_kind):
 
 def run(engine, code):
     assert engine.ExecuteCode(code, "<Tool>", "exec") is None
-
-
-def write_tone(path, frames=2205, step=400):
-    with wave.open(str(path), "wb") as sound:
-        sound.setnchannels(1)
-        sound.setsampwidth(2)
-        sound.setframerate(22050)
-        sound.writeframes(b"".join(struct.pack("<h", (i % 50) * step) for i in range(frames)))
 
 
 def store_a_bunny(engine, path):

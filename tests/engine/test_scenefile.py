@@ -4,7 +4,7 @@ import os
 
 import pytest
 
-from conftest import misc, tagged
+from conftest import describe, misc, tagged
 from fronttrees import FrontTrees
 from vessa import Interpreter
 
@@ -16,16 +16,6 @@ def interp():
     engine = Interpreter()
     yield engine
     engine.Close()
-
-
-def describe(engine):
-    """Everything a saved scene should keep, by full name."""
-    scene = engine.scene
-    return {t.name: (t.kind, t.parent.name if t.parent else None, t.first_class,
-                     [round(x, 6) for c in ("position", "orientation", "size", "color")
-                      for x in scene.backend.get(t.id, c)],
-                     t.visible, t.filling, t.lighting, t.texture)
-            for t in scene.living()}
 
 
 def test_the_default_world_loads_with_scene_camera_light_and_ground(interp):

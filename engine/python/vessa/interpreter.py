@@ -10,7 +10,7 @@ import os
 
 from . import backend as backends
 from . import geometry as g
-from . import compat, events, models, namespace, places, records, scenefile, sounds
+from . import backups, compat, events, models, namespace, places, records, scenefile, sounds
 from .animation import Animator
 from .capture import Capture
 from .clock import WallClock
@@ -29,7 +29,7 @@ VERSION = "0.1.0"
 # to the scene file, drawing, sound and tool stages still to come.
 NOT_YET = (
     "PreserveDefaultCameraPOV", "OnTheFlyButton",
-    "BackupScene", "ImportVESFile", "SaveForPlugin",
+    "ImportVESFile", "SaveForPlugin",
     "SetCameraPosInOpeningScene",
 )
 
@@ -233,6 +233,12 @@ class Interpreter:
         # The world is saved; a picture that can't be written costs it nothing.
         self.backend.save_picture(os.path.join(folder, THUMBNAIL))
         return None
+
+    def BackupScene(self, folder, scriptText):
+        """A dated copy of the scene and of the script text in folder (the
+        world's Backups folder), made if need be. A backup is a safety net:
+        a failure is answered, never raised."""
+        return backups.back_up(self.scene, self.sounds, str(folder), str(scriptText))
 
     @contextlib.contextmanager
     def _one_undo_step(self):

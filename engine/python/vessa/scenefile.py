@@ -69,12 +69,16 @@ def _in_family_order(thing):
             yield from _in_family_order(child)
 
 
-def write(scene, folder, sounds=()):
-    """sounds: (name, file name in folder) of each sound of the scene."""
-    text = (HEADER + "".join(_statement(scene, t, folder) for t in _in_family_order(scene.root))
+def text_of(scene, folder, sounds=()):
+    """The scene file of the world in folder. sounds: (name, file) of each
+    sound of the scene, its file named as in the scene file of folder."""
+    return (HEADER + "".join(_statement(scene, t, folder) for t in _in_family_order(scene.root))
             + "".join("Sound(name=%r, file=%r)\r\n" % row for row in sounds))
+
+
+def write(scene, folder, sounds=()):
     with open(path_in(folder), "w", encoding="utf-8", newline="") as f:
-        f.write(text)
+        f.write(text_of(scene, folder, sounds))
 
 
 # -- reading ------------------------------------------------------------------

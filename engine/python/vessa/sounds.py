@@ -39,6 +39,10 @@ class Sound:
         self._shelf.play(self, Volume)
 
 
+def _lies_in(path, folder):
+    return os.path.dirname(os.path.abspath(path)) == os.path.abspath(folder)
+
+
 def names_a_sound(value):
     """A sound of the scene, or a text naming one or a sound file."""
     return isinstance(value, (str, Sound))
@@ -157,13 +161,16 @@ class SoundShelf:
         """Copies the files of the scene's sounds that live outside folder
         into it, and makes the sounds use the copies. Answers [(name, file
         name in folder)] for the scene file."""
-        folder = os.path.abspath(folder)
-        rows = []
         for sound in self.in_scene():
-            if os.path.dirname(os.path.abspath(sound.path)) != folder:
+            if not _lies_in(sound.path, folder):
                 sound.path = models.copy_into(sound.path, folder)
-            rows.append((sound.name, os.path.basename(sound.path)))
-        return rows
+        return self.rows(folder)
+
+    def rows(self, folder):
+        """(name, file) of each sound of the scene for the scene file of
+        folder: a file there by its name, any other by its whole path."""
+        return [(sound.name, os.path.basename(sound.path) if _lies_in(sound.path, folder)
+                 else os.path.abspath(sound.path)) for sound in self.in_scene()]
 
     def snapshot(self):
         return [(sound, sound.name, sound.in_scene) for sound in self._sounds]
