@@ -77,9 +77,9 @@ class Interpreter:
         return self.animator.backend
 
     def CheckForDirectX(self):
-        """None when the camera view can be drawn (an OpenGL context can be
-        made), otherwise why not."""
-        return self.backend.check_drawing() or None
+        """"" when the camera view can be drawn (an OpenGL context can be
+        made, or there is no window system to draw in), otherwise why not."""
+        return self.backend.check_drawing()
 
     def Initialize(self):
         return None
