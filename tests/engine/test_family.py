@@ -4,6 +4,7 @@ with it, and a hidden one hides them; HowMuch chooses otherwise."""
 import pytest
 
 from conftest import misc, tagged
+from fronttrees import FrontTrees
 from vessa import Interpreter
 from vessa.clock import ManualClock
 
@@ -106,3 +107,51 @@ def test_hide_with_a_word_of_another_kind_says_what_it_takes(world):
     world.ExecuteCode("Bunny.Hide(Red)", "<Script Text>", "exec")
     popup = tagged(misc(world), "popuperrordialog")[0]
     assert popup[1] == "Bunny.Hide needs Yes, No or Toggle, or nothing at all"
+
+
+EVERYONE = ["Bunny", "Bunny.Head", "Bunny.Head.Ear", "Camera", "Hat", "Rider", "Scene"]
+
+
+@pytest.fixture
+def trees(world):
+    """The front end's trees, with a hat on the bunny's head, an object of its own."""
+    scene = world.scene
+    with world.undo.quiet():
+        scene.create("model", "Hat", scene.find("Bunny.Head"), True, {"position": (0, 0.5, 0)})
+    run(world, "Bunny.Move(Right, 2, Duration=0)")
+    front = FrontTrees()
+    front.take(world.PollForTreeDifferences())
+    assert front.names() == EVERYONE
+    return front
+
+
+def destroy(world, trees, code):
+    run(world, "Vessa.Undo.Push(None, '[')\n" + code)
+    run(world, "Vessa.Undo.Push(None, ']')")
+    trees.take(world.PollForTreeDifferences())
+
+
+@pytest.mark.parametrize("how_much, left", [
+    ("", ["Camera", "Hat", "Rider", "Scene"]),
+    ("ObjectOnly", ["Camera", "Hat", "Head", "Head.Ear", "Rider", "Scene"]),
+    ("ObjectAndChildren", ["Camera", "Scene"]),
+])
+def test_destroy_leaves_what_howmuch_spares_where_it_was(world, trees, how_much, left):
+    spared = [world.scene.find(n) for n in ("Bunny.Head", "Hat", "Rider")]
+    places = [thing.GetPosition() for thing in spared]
+    destroy(world, trees, "Bunny.Destroy(%s)" % how_much)
+    assert trees.names() == left
+    assert sorted(t.name for t in world.scene.living()) == left
+    for thing, place in zip(spared, places):
+        if thing.alive:
+            assert thing.parent.alive and thing.GetPosition() == pytest.approx(place)
+    run(world, "undo()")
+    trees.take(world.PollForTreeDifferences())
+    assert trees.names() == EVERYONE
+    assert world.scene.find("Rider").parent is world.scene.find("Bunny")
+
+
+def test_destroy_with_a_word_of_another_kind_says_what_it_takes(world):
+    world.ExecuteCode("Bunny.Destroy(Red)", "<Script Text>", "exec")
+    popup = tagged(misc(world), "popuperrordialog")[0]
+    assert popup[1].startswith("Bunny.Destroy needs nothing, or how much of it goes")

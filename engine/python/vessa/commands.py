@@ -207,7 +207,13 @@ class Commands:
     # -- existence and family ---------------------------------------------
 
     def Destroy(self, *flags, Duration=0, Style=DEFAULT_STYLE):
-        return self._animate("Destroy", None, Duration, Style, lambda: self.scene.destroy(self))
+        """The object goes with its parts (HowMuch: ObjectAndParts); what
+        stays of its family stays where it is, under the object's parent."""
+        if not all(v.is_word(flag, "howmuch") for flag in flags):
+            self._need("Destroy", "nothing, or how much of it goes, such as ObjectAndChildren")
+        how_much = _flag(flags, "howmuch", "objectandparts")
+        return self._animate("Destroy", None, Duration, Style,
+                             lambda: self.scene.destroy(self, how_much))
 
     def BecomeChildOf(self, other=None, Duration=0, Style=DEFAULT_STYLE):
         if other is None:

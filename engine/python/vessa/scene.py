@@ -383,12 +383,26 @@ class Scene:
         self._renamed(thing, old_names)
         self.changed()
 
-    def destroy(self, thing):
-        """Descendants go first, so each leaves its own record behind."""
+    def destroy(self, thing, how_much="objectandchildren"):
+        """thing goes with the members of its family that how_much takes
+        along; the others stay where they are in the world, under thing's
+        parent, and a part that stays becomes an object of its own."""
         if thing is self.root or not thing.alive:
             return
+        going = thing.family(how_much)
+        for member in going:
+            for child in member.living_children():
+                if child not in going:
+                    self.set_first_class(child, True)
+                    self.reparent(child, thing.parent)
+        self._destroy_family(thing)
+
+    def _destroy_family(self, thing):
+        """Descendants go first, so each leaves its own record behind."""
+        if not thing.alive:
+            return
         for child in list(thing.children):
-            self.destroy(child)
+            self._destroy_family(child)
         thing.alive = False
         self.backend.set_parent(thing.id, None)
         self._unbind(thing)
