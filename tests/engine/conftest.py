@@ -58,5 +58,5 @@ def describe(engine):
     return {t.name: (t.kind, t.parent.name if t.parent else None, t.first_class,
                      [round(x, 6) for c in ("position", "orientation", "size", "color")
                       for x in scene.backend.get(t.id, c)],
-                     t.visible, t.filling, t.lighting, t.texture)
+                     t.visible, t.filling, t.lighting, t.texture, t.shadow)
             for t in scene.living()}

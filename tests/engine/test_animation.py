@@ -115,7 +115,8 @@ def test_every_command_of_the_vocabulary_runs_on_an_object(world):
         "Camera.SetColor(Red, ObjectOnly)", "Camera.Hide()", "Camera.Show(Toggle)",
         'Camera.PlaySound(r"c:\\pickme.wav", Volume=1)', "Camera.Wait(1)",
         "Camera.StandUp()", "Camera.Place(OnTopOf, Scene)", "Camera.AlignWith(Scene)",
-        "Wait(2)", "Camera.Nudge(Forward, 1)",
+        "Wait(2)", "Camera.Nudge(Forward, 1)", "Camera.Nothing()",
+        "Camera.StopCastingShadow()", "Camera.CastShadow(ObjectOnly)",
     ]))
     at(world, 3.0)
     camera = world.scene.find("Camera")

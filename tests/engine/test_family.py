@@ -103,6 +103,17 @@ def test_hide_and_show_take_the_parts_along(world):
     assert not state(world, "Rider")[2]
 
 
+def test_shadows_and_first_class_commands_follow_the_family(world):
+    run(world, "Bunny.StopCastingShadow()")
+    shadows = lambda: [world.scene.find(n).shadow for n in ("Bunny", "Bunny.Head.Ear", "Rider")]
+    assert shadows() == [False, False, True]
+    run(world, "Bunny.CastShadow(ObjectOnly)")
+    assert shadows() == [True, False, True]
+    run(world, "DoInOrder(Bunny.Head.BecomeFirstClass(), Bunny.Head.Move(Up, 1, Duration=0))")
+    assert state(world, "Head")[0] == pytest.approx([0, 2.5, 0.25])
+    assert state(world, "Head.Ear")[0] == pytest.approx([0.1, 2.8, 0.25])
+
+
 def test_hide_with_a_word_of_another_kind_says_what_it_takes(world):
     world.ExecuteCode("Bunny.Hide(Red)", "<Script Text>", "exec")
     popup = tagged(misc(world), "popuperrordialog")[0]

@@ -47,6 +47,7 @@ def test_a_saved_world_loads_back_equal(interp, tmp_path):
     bunny = scene.create("model", "Bunny", scene.find("Ground"), values={"color": (0.1, 0.2, 0.3)})
     scene.create("model", "Head", bunny, first_class=False, values={"position": (0.0, 1.0, 0.5)})
     interp.ExecuteCode("Bunny.Turn(Left, 1/8, Duration=0)\nBunny.SetFillingStyle(Points)\n"
+                       "Bunny.StopCastingShadow()\n"
                        "Bunny.Head.Resize(TopToBottom, 2, Duration=0)", "<Tool>", "exec")
     interp.Loop()
     before = describe(interp)

@@ -196,13 +196,25 @@ class Commands:
         how_much = _flag(flags, "howmuch", "objectandparts")
 
         def finish():
-            if choice == "no":
-                return
-            now = not self.visible if choice == "toggle" else visible
-            for thing in self.family(how_much):
-                thing.visible = now
-            self.scene.changed()
+            if choice != "no":
+                self.set_on_family("visible", not self.visible if choice == "toggle" else visible,
+                                   how_much)
         return self._animate(command, None, 0, DEFAULT_STYLE, finish)
+
+    def CastShadow(self, *flags):
+        """On the ground, in the high-quality drawing (the object and its
+        parts unless HowMuch says otherwise)."""
+        return self._set_shadow("CastShadow", flags, True)
+
+    def StopCastingShadow(self, *flags):
+        return self._set_shadow("StopCastingShadow", flags, False)
+
+    def _set_shadow(self, command, flags, casts):
+        if not all(v.is_word(flag, "howmuch") for flag in flags):
+            self._need(command, "nothing, or how much of it, such as ObjectOnly")
+        how_much = _flag(flags, "howmuch", "objectandparts")
+        return self._animate(command, None, 0, DEFAULT_STYLE,
+                             lambda: self.set_on_family("shadow", casts, how_much))
 
     # -- existence and family ---------------------------------------------
 
@@ -215,6 +227,11 @@ class Commands:
         return self._animate("Destroy", None, Duration, Style,
                              lambda: self.scene.destroy(self, how_much))
 
+    def BecomeFirstClass(self, Duration=0, Style=DEFAULT_STYLE):
+        """A part becomes an object of its own, known by its own name."""
+        return self._animate("BecomeFirstClass", None, Duration, Style,
+                             lambda: self.scene.set_first_class(self, True))
+
     def BecomeChildOf(self, other=None, Duration=0, Style=DEFAULT_STYLE):
         if other is None:
             self._need("BecomeChildOf", "another object to belong to, such as Scene")
@@ -223,6 +240,10 @@ class Commands:
                              lambda: self.scene.reparent(self, other))
 
     # -- time and sound -----------------------------------------------------
+
+    def Nothing(self):
+        """Does nothing, and takes no time."""
+        return self._animate("Nothing", None, 0)
 
     def Wait(self, duration=None):
         if not _number(duration) or duration < 0:

@@ -73,7 +73,7 @@ class Thing(Commands):
         return self.scene.backend.get(self.id, channel)
 
     visible, filling, lighting = _drawn("visible"), _drawn("filling"), _drawn("lighting")
-    texture, model = _drawn("texture"), _drawn("model")
+    texture, model, shadow = _drawn("texture"), _drawn("model"), _drawn("shadow")
 
     position = property(lambda self: self._channel("position"))
     orientation = property(lambda self: self._channel("orientation"))
@@ -167,14 +167,15 @@ class Thing(Commands):
     def _set_style(self, attribute, value, kind, choices):
         if not v.is_word(value, kind):
             raise Mistake("%s: the style must be %s" % (self.name, choices))
-        for thing in self.family():
-            setattr(thing, attribute, str(value))
-        self.scene.changed()
+        self.set_on_family(attribute, str(value))
 
     def SetTexture(self, *texture):
         """SetTexture() shows the object's picture, SetTexture(None) hides it."""
-        for thing in self.family():
-            thing.texture = not texture or texture[0] is not None
+        self.set_on_family("texture", not texture or texture[0] is not None)
+
+    def set_on_family(self, attribute, value, how_much="objectandparts"):
+        for thing in self.family(how_much):
+            setattr(thing, attribute, value)
         self.scene.changed()
 
     def pause(self):

@@ -25,7 +25,7 @@ HEADER = "# Vessa47 scene: read by the engine, never run.\r\n"
 KINDS = ("scene", "camera", "light", "model")
 FORMS = ("Object", "Sound")
 STYLE_TYPES = {"visible": bool, "filling": str, "lighting": str, "texture": bool,
-               "model": str, "vertex_count": int, "face_count": int}
+               "model": str, "shadow": bool, "vertex_count": int, "face_count": int}
 VALUE_LENGTHS = {"position": 3, "orientation": 4, "size": 3, "color": 3}
 
 
