@@ -5,6 +5,7 @@ Putting it back goes through the scene's own operations, so the front end's
 trees follow by the usual records.
 """
 
+from . import geometry as g
 from .scene import DEFAULT_VALUES, STYLE_DEFAULTS
 
 
@@ -65,6 +66,18 @@ class Handbasket:
     def preserve(self):
         self._saved = (snapshot(self._scene), self._scene.sounds.snapshot())
         self._undo_mark = self._undo.mark()
+
+    def keep_place_of(self, thing):
+        """thing will be put back where it is in the world now, under the
+        parent it had when the handbasket was taken."""
+        state = self._saved[0].get(thing.id) if self._saved else None
+        if state is None or state["parent"] is None:
+            return
+        parent = state["parent"]
+        inverse = g.quat_conj(parent.world_orientation())
+        offset = g.sub(thing.world_position(), parent.world_position())
+        state["values"] = dict(state["values"], position=g.rotate(inverse, offset),
+                               orientation=g.quat_mul(inverse, thing.world_orientation()))
 
     def restore(self):
         self._animator.stop_all()

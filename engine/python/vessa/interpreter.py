@@ -30,7 +30,6 @@ VERSION = "0.1.0"
 NOT_YET = (
     "PreserveDefaultCameraPOV", "OnTheFlyButton",
     "ImportVESFile", "SaveForPlugin",
-    "SetCameraPosInOpeningScene",
 )
 
 THUMBNAIL = "world_thumbnail.bmp"
@@ -232,6 +231,16 @@ class Interpreter:
             return "SaveScene: %s can't be written: %s" % (folder, exc.strerror)
         # The world is saved; a picture that can't be written costs it nothing.
         self.backend.save_picture(os.path.join(folder, THUMBNAIL))
+        return None
+
+    def SetCameraPosInOpeningScene(self):
+        """The camera, where a run has taken it, becomes where the world
+        starts: the handbasket puts it back here."""
+        camera = self.default_camera()
+        if camera is None:
+            return "SetCameraPosInOpeningScene: the world has no camera"
+        self.handbasket.keep_place_of(camera)
+        self._mark_dirty()
         return None
 
     def BackupScene(self, folder, scriptText):
