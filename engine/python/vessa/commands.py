@@ -142,14 +142,15 @@ class Commands:
         return self._animate("AlignWith", lambda: self._turn_towards(other.world_orientation()),
                              Duration, Style)
 
-    def Place(self, surface=None, other=None, distance=0, Duration=DEFAULT_DURATION,
+    def Place(self, surface=None, other=None, Distance=0, Duration=DEFAULT_DURATION,
               Style=DEFAULT_STYLE, AsSeenBy=None):
-        if not v.is_word(surface, "surface") or other is None or not _number(distance):
+        """Distance: the gap between the two, in meters; script lines give it by name."""
+        if not v.is_word(surface, "surface") or other is None or not _number(Distance):
             self._need("Place", "a place, such as OnTopOf, and another object, such as Ground")
         other = self.scene.thing(other)
 
         def prepare():
-            target = _placed(self, v.key(surface), other, distance)
+            target = _placed(self, v.key(surface), other, Distance)
             change = self._to_parent_frame_world(g.sub(target, self.world_position()))
             return [(self.id, "position", change)]
         return self._animate("Place", prepare, Duration, Style)
