@@ -42,6 +42,7 @@ def hit_from_the_left(engine, height):
 
 
 def test_a_resized_object_takes_its_parts_along_and_leaves_other_objects(world):
+    before = [state(world, n) for n in ("Bunny", "Bunny.Head", "Bunny.Head.Ear")]
     run(world, "Bunny.Resize(InAllDirections, 2, Duration=1, Style=abruptly)", seconds=0.5)
     assert state(world, "Bunny.Head")[:2] == (pytest.approx([0, 2.25, 0.375]),
                                                pytest.approx([0.75] * 3))
@@ -52,15 +53,21 @@ def test_a_resized_object_takes_its_parts_along_and_leaves_other_objects(world):
                                                    pytest.approx([2] * 3))
     assert state(world, "Rider")[:2] == (pytest.approx([0, 1, -1]), pytest.approx([1] * 3))
     assert hit_from_the_left(world, 3.2) == pytest.approx(9.2)     # the ear, where it went
+    run(world, "undo()")
+    assert [state(world, n) for n in ("Bunny", "Bunny.Head", "Bunny.Head.Ear")] == before
 
 
-def test_howmuch_chooses_who_is_resized(world):
+def test_howmuch_and_like_rubber_choose_who_is_resized_and_how(world):
     run(world, "Bunny.Resize(TopToBottom, 2, ObjectOnly)")
     assert state(world, "Bunny.Head")[:2] == (pytest.approx([0, 1.5, 0.25]),
                                                pytest.approx([0.5] * 3))
     run(world, "Bunny.Resize(TopToBottom, 2, ObjectAndChildren)")
     assert state(world, "Rider")[:2] == (pytest.approx([0, 2, -1]), pytest.approx([1, 2, 1]))
     assert state(world, "Bunny.Head")[0] == pytest.approx([0, 3, 0.25])
+    run(world, "Bunny.Resize(TopToBottom, 4, LikeRubber)")     # the volume stays
+    assert state(world, "Bunny")[1] == pytest.approx([0.5, 32, 0.5])
+    assert state(world, "Bunny.Head")[:2] == (pytest.approx([0, 12, 0.125]),
+                                               pytest.approx([0.25, 4, 0.25]))
 
 
 def test_a_turned_part_stretches_along_the_objects_axes(world):
@@ -71,20 +78,6 @@ def test_a_turned_part_stretches_along_the_objects_axes(world):
                                                pytest.approx([1, 0.5, 0.5]))
     assert state(world, "Bunny.Head.Ear")[:2] == (pytest.approx([0, 1.8, 0.7]),
                                                    pytest.approx([1, 1, 2]))
-
-
-def test_like_rubber_keeps_the_volume_of_the_object_and_its_parts(world):
-    run(world, "Bunny.Resize(TopToBottom, 4, LikeRubber)")
-    assert state(world, "Bunny")[1] == pytest.approx([0.5, 8, 0.5])
-    assert state(world, "Bunny.Head")[:2] == (pytest.approx([0, 6, 0.125]),
-                                               pytest.approx([0.25, 2, 0.25]))
-
-
-def test_undo_puts_the_parts_back_with_the_object(world):
-    before = [state(world, n) for n in ("Bunny", "Bunny.Head", "Bunny.Head.Ear")]
-    run(world, "Bunny.Resize(InAllDirections, 3)")
-    run(world, "undo()")
-    assert [state(world, n) for n in ("Bunny", "Bunny.Head", "Bunny.Head.Ear")] == before
 
 
 def test_hide_and_show_take_the_parts_along(world):
@@ -114,12 +107,6 @@ def test_shadows_and_first_class_commands_follow_the_family(world):
     assert state(world, "Head.Ear")[0] == pytest.approx([0.1, 2.8, 0.25])
 
 
-def test_hide_with_a_word_of_another_kind_says_what_it_takes(world):
-    world.ExecuteCode("Bunny.Hide(Red)", "<Script Text>", "exec")
-    popup = tagged(misc(world), "popuperrordialog")[0]
-    assert popup[1] == "Bunny.Hide needs Yes, No or Toggle, or nothing at all"
-
-
 EVERYONE = ["Bunny", "Bunny.Head", "Bunny.Head.Ear", "Camera", "Hat", "Rider", "Scene"]
 
 
@@ -136,12 +123,6 @@ def trees(world):
     return front
 
 
-def destroy(world, trees, code):
-    run(world, "Vessa.Undo.Push(None, '[')\n" + code)
-    run(world, "Vessa.Undo.Push(None, ']')")
-    trees.take(world.PollForTreeDifferences())
-
-
 @pytest.mark.parametrize("how_much, left", [
     ("", ["Camera", "Hat", "Rider", "Scene"]),
     ("ObjectOnly", ["Camera", "Hat", "Head", "Head.Ear", "Rider", "Scene"]),
@@ -150,7 +131,9 @@ def destroy(world, trees, code):
 def test_destroy_leaves_what_howmuch_spares_where_it_was(world, trees, how_much, left):
     spared = [world.scene.find(n) for n in ("Bunny.Head", "Hat", "Rider")]
     places = [thing.GetPosition() for thing in spared]
-    destroy(world, trees, "Bunny.Destroy(%s)" % how_much)
+    run(world, "Vessa.Undo.Push(None, '[')\nBunny.Destroy(%s)" % how_much)
+    run(world, "Vessa.Undo.Push(None, ']')")
+    trees.take(world.PollForTreeDifferences())
     assert trees.names() == left
     assert sorted(t.name for t in world.scene.living()) == left
     for thing, place in zip(spared, places):
@@ -162,7 +145,11 @@ def test_destroy_leaves_what_howmuch_spares_where_it_was(world, trees, how_much,
     assert world.scene.find("Rider").parent is world.scene.find("Bunny")
 
 
-def test_destroy_with_a_word_of_another_kind_says_what_it_takes(world):
-    world.ExecuteCode("Bunny.Destroy(Red)", "<Script Text>", "exec")
-    popup = tagged(misc(world), "popuperrordialog")[0]
-    assert popup[1].startswith("Bunny.Destroy needs nothing, or how much of it goes")
+@pytest.mark.parametrize("command, says", [
+    ("Hide", "Yes, No or Toggle, or nothing at all"),
+    ("Destroy", "nothing, or how much of it goes, such as ObjectAndChildren"),
+    ("CastShadow", "nothing, or how much of it, such as ObjectOnly"),
+])
+def test_a_word_of_another_kind_is_told_what_the_command_takes(world, command, says):
+    world.ExecuteCode("Bunny.%s(Red)" % command, "<Script Text>", "exec")
+    assert tagged(misc(world), "popuperrordialog")[0][1] == "Bunny.%s needs %s" % (command, says)
