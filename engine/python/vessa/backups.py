@@ -6,7 +6,9 @@ world's Backups folder beside the program's own script backups.
 
 The scene names files as the world's own scene file does (the world's folder
 is the one that holds the Backups folder), so copied back as World_Scene.py
-it is the world's scene again.
+it is the world's scene again. An object added since the last save names its
+model file by its whole path, which no scene file may do: that line has to
+wait for the file to be copied in by a save.
 """
 
 import datetime
