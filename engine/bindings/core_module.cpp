@@ -52,7 +52,7 @@ std::optional<int> toId(const py::object& id) {
 }
 
 bool isFlagStyle(const std::string& style) {
-    return style == "visible" || style == "texture";
+    return style == "visible" || style == "texture" || style == "shadow";
 }
 
 py::object failureOrNone(const std::string& failure) {

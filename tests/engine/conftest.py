@@ -1,5 +1,7 @@
 import glob
 import os
+import struct
+import wave
 
 import pytest
 
@@ -40,3 +42,21 @@ def misc(engine):
 
 def tagged(records, tag):
     return [r for r in records if r[0] == tag]
+
+
+def write_tone(path, frames=2205, step=400):
+    with wave.open(str(path), "wb") as sound:
+        sound.setnchannels(1)
+        sound.setsampwidth(2)
+        sound.setframerate(22050)
+        sound.writeframes(b"".join(struct.pack("<h", (i % 50) * step) for i in range(frames)))
+
+
+def describe(engine):
+    """Everything a saved scene should keep, by full name."""
+    scene = engine.scene
+    return {t.name: (t.kind, t.parent.name if t.parent else None, t.first_class,
+                     [round(x, 6) for c in ("position", "orientation", "size", "color")
+                      for x in scene.backend.get(t.id, c)],
+                     t.visible, t.filling, t.lighting, t.texture, t.shadow)
+            for t in scene.living()}

@@ -115,7 +115,8 @@ def test_every_command_of_the_vocabulary_runs_on_an_object(world):
         "Camera.SetColor(Red, ObjectOnly)", "Camera.Hide()", "Camera.Show(Toggle)",
         'Camera.PlaySound(r"c:\\pickme.wav", Volume=1)', "Camera.Wait(1)",
         "Camera.StandUp()", "Camera.Place(OnTopOf, Scene)", "Camera.AlignWith(Scene)",
-        "Wait(2)", "Camera.Nudge(Forward, 1)",
+        "Wait(2)", "Camera.Nudge(Forward, 1)", "Camera.Nothing()",
+        "Camera.StopCastingShadow()", "Camera.CastShadow(ObjectOnly)",
     ]))
     at(world, 3.0)
     camera = world.scene.find("Camera")
@@ -123,6 +124,17 @@ def test_every_command_of_the_vocabulary_runs_on_an_object(world):
     assert camera.visible       # hidden, then toggled back
     records = misc(world)
     assert not tagged(records, "error") and not tagged(records, "popuperrordialog")
+
+
+def test_place_puts_an_object_against_another_with_the_gap_a_script_line_names(world):
+    scene = world.scene
+    scene.create("model", "Box", scene.root, values={"position": (3, 0, 0), "size": (2, 2, 2)})
+    run(world, "Camera.Place(OnTopOf, Box, Distance=1/2, Duration=1)")
+    at(world, 1.0)
+    assert where(world) == pytest.approx([3, 2, 0])     # half a meter above the box's top
+    run(world, "Camera.Place(ToLeftOf, Box, 1, Duration=0)")
+    at(world, 1.0)
+    assert where(world) == pytest.approx([0.5, 0, 0])
 
 
 def test_events_fire_functions_and_animations(world):

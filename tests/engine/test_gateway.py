@@ -25,7 +25,7 @@ def test_every_gateway_method_exists_with_its_exact_name(interp):
 
 
 def test_start_up_sequence_as_the_front_end_sends_it(interp, tmp_path):
-    assert interp.CheckForDirectX() is None
+    assert interp.CheckForDirectX() == ""
     assert interp.Initialize() is None
     assert interp.ScreenWidth() > 0 and interp.ScreenHeight() > 0
     assert interp.ReadRegistryHomeDir().endswith("/")

@@ -1,12 +1,11 @@
 """Objects from files, stored objects, words, and the scene's sounds."""
 
 import os
-import struct
-import wave
 
 import pytest
 
-from conftest import misc, tagged
+from conftest import misc, tagged, write_tone
+from fronttrees import FrontTrees
 from vessa import Interpreter
 from vessa.clock import ManualClock
 
@@ -28,14 +27,6 @@ def core_only(backend_kind):
 
 def run(engine, code):
     assert engine.ExecuteCode(code, "<Tool>", "exec") is None
-
-
-def write_tone(path, frames=2205):
-    with wave.open(str(path), "wb") as sound:
-        sound.setnchannels(1)
-        sound.setsampwidth(2)
-        sound.setframerate(22050)
-        sound.writeframes(b"".join(struct.pack("<h", (i % 50) * 400) for i in range(frames)))
 
 
 def store_a_bunny(engine, path):
@@ -133,3 +124,72 @@ def test_sounds_that_cannot_be_played_are_reported_and_change_nothing(world, tmp
     write_tone(tmp_path / "Sounds" / "Undo.wav")
     run(world, "PlaySystemSound('Undo')")
     assert misc(world) == []
+
+
+def sound_world(engine, tmp_path):
+    """A scene with the sounds Pop and Drum, whose files share a name."""
+    (tmp_path / "kit").mkdir()
+    write_tone(tmp_path / "Pop.wav")
+    write_tone(tmp_path / "kit" / "Pop.wav", step=300)
+    assert engine.AddSound(str(tmp_path / "Pop.wav")) is None
+    assert engine.AddSound(str(tmp_path / "kit" / "Pop.wav")) is None
+    run(engine, "Pop2.Rename('Drum')")
+
+
+def test_a_saved_world_keeps_its_sounds_and_loads_them_back(world, tmp_path):
+    sound_world(world, tmp_path)
+    folder = tmp_path / "World"
+    folder.mkdir()
+    assert world.SaveScene(str(folder)) is None
+    assert world.SaveScene(str(folder)) is None     # again: the copies are there already
+    assert sorted(os.listdir(folder)) == ["Pop.wav", "Pop2.wav", "World_Scene.py"]
+    assert (folder / "Pop2.wav").read_bytes() == (tmp_path / "kit" / "Pop.wav").read_bytes()
+    text = (folder / "World_Scene.py").read_text()
+    assert text.endswith("Sound(name='Pop', file='Pop.wav')\nSound(name='Drum', file='Pop2.wav')\n")
+    os.remove(tmp_path / "Pop.wav")
+    other = Interpreter()
+    trees = FrontTrees()
+    assert other.LoadWorld(str(folder)) is None
+    records = other.PollForTreeDifferences()
+    trees.take(records)
+    assert trees.sound_names() == ["Drum", "Pop"]
+    pop = other.sounds.find("Pop")
+    assert records[-6:-3] == [["objectconstruct", str(pop.id), "sound"],
+                              ["soundnamechange", str(pop.id), "", "Pop"],
+                              ["sceneaddsound", str(other.scene.root.id), str(pop.id)]]
+    run(other, "Playsound(Pop)\nCamera.PlaySound(Drum)")
+    other.Loop()
+    assert not other.isvalidname("Drum") and misc(other) == []
+    other.Close()
+
+
+def test_a_world_whose_sound_file_is_gone_loads_and_says_so(world, tmp_path):
+    (tmp_path / "World_Scene.py").write_text("Object(kind='scene', name='Scene', parent=None)\n"
+                                             "Sound(name='Gone', file='Gone.wav')\n")
+    assert world.LoadWorld(str(tmp_path)) is None
+    output = tagged(misc(world), "output")
+    assert len(output) == 1 and "Gone.wav" in output[0][1]
+    run(world, "assert Gone.GetName() == 'Gone'")
+
+
+def test_the_handbasket_puts_back_the_sounds_of_the_scene(world, tmp_path):
+    trees = FrontTrees()
+    trees.take(world.PollForTreeDifferences())
+    sound_world(world, tmp_path)
+    write_tone(tmp_path / "Bell.wav")
+    trees.take(world.PollForTreeDifferences())
+    run(world, "PreserveHandbasket()")
+    run(world, "Pop.Rename('Boom')\nVessa.GetDefaultScene().RemoveSound(Drum)")
+    world.AddSound(str(tmp_path / "Bell.wav"))
+    trees.take(world.PollForTreeDifferences())
+    assert trees.sound_names() == ["Bell", "Boom"]
+    run(world, "RestoreHandbasket()")
+    trees.take(world.PollForTreeDifferences())
+    assert trees.sound_names() == ["Drum", "Pop"]
+    run(world, "assert Pop.path.endswith('Pop.wav') and Drum.GetName() == 'Drum'")
+    assert world.isvalidname("Boom") and world.isvalidname("Bell")
+    # names swapped by a run come back to their own sounds
+    run(world, "Pop.Rename('Spare')\nDrum.Rename('Pop')\nSpare.Rename('Drum')")
+    world.PollForTreeDifferences()
+    run(world, "RestoreHandbasket()")
+    run(world, "assert 'kit' not in Pop.path and 'kit' in Drum.path")

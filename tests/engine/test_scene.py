@@ -172,3 +172,18 @@ def test_object_menu_description_follows_the_object(world):
     assert world.PrepareObjectMenu("Bunny.Head")[5] is False
     world.SetCurrentObject("Bunny")
     assert world.ExecuteCode("assert _CurrentlySelectedObject is Bunny", "<Tool>", "exec") is None
+
+
+def test_the_camera_can_start_where_a_run_took_it(world):
+    bunny = make_bunny(world)
+    run(world, "PreserveHandbasket()", steps=False)
+    run(world, "Camera.Move(Back, 3)\nCamera.Turn(Left, 1/4)\nBunny.Move(Up, 1)\n"
+               "Camera.BecomeChildOf(Bunny)")
+    place = (world.scene.find("Camera").GetPosition(), world.scene.find("Camera").world_orientation())
+    assert world.SetCameraPosInOpeningScene() is None
+    run(world, "Camera.Move(Forward, 5)")
+    run(world, "RestoreHandbasket()", steps=False)
+    camera = world.scene.find("Camera")
+    assert camera.parent is world.scene.root and bunny.GetPosition() == pytest.approx([0, 0, 0])
+    assert camera.GetPosition() == pytest.approx(place[0])
+    assert camera.world_orientation() == pytest.approx(place[1])

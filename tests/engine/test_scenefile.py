@@ -4,7 +4,8 @@ import os
 
 import pytest
 
-from conftest import misc, tagged
+from conftest import describe, misc, tagged
+from fronttrees import FrontTrees
 from vessa import Interpreter
 
 DEFAULT_WORLD = os.path.join(os.path.dirname(__file__), "..", "..", "home", "Worlds", "Default")
@@ -17,23 +18,20 @@ def interp():
     engine.Close()
 
 
-def describe(engine):
-    """Everything a saved scene should keep, by full name."""
-    scene = engine.scene
-    return {t.name: (t.kind, t.parent.name if t.parent else None, t.first_class,
-                     [round(x, 6) for c in ("position", "orientation", "size", "color")
-                      for x in scene.backend.get(t.id, c)],
-                     t.visible, t.filling, t.lighting, t.texture)
-            for t in scene.living()}
-
-
 def test_the_default_world_loads_with_scene_camera_light_and_ground(interp):
-    interp.PollForTreeDifferences()
+    trees = FrontTrees()
+    trees.take(interp.PollForTreeDifferences())
+    interp.ExecuteCode("Camera.Copy()", "<Tool>", "exec")
+    trees.take(interp.PollForTreeDifferences())
+    trees.forget_world()        # as the front end does before a load
     assert interp.LoadWorld(DEFAULT_WORLD) is None
     assert sorted(describe(interp)) == ["Camera", "Ground", "Light", "Scene"]
     assert interp.IsThereADefaultCamera() and not interp.getisdirty()
-    kinds = [r[2] for r in interp.PollForTreeDifferences() if r[0] == "objectconstruct"]
-    assert kinds == ["camera", "light", "model"]
+    records = interp.PollForTreeDifferences()
+    kinds = [r[2] for r in records if r[0] == "objectconstruct"]
+    assert kinds == ["none", "junkyard", "scene", "camera", "light", "model"]
+    trees.take(records)
+    assert trees.names() == ["Camera", "Ground", "Light", "Scene"]
     assert interp.ExecuteCode("Ground.SetColor(Red)\nLight.Move(Up, 1)", "<Tool>", "exec") is None
     # The objects of the world before are gone for good, not only out of sight.
     assert interp.ExecuteCode("names = [o.GetName() for o in Vessa.GetDefaultScene().GetChildren(All)]\n"
@@ -49,6 +47,7 @@ def test_a_saved_world_loads_back_equal(interp, tmp_path):
     bunny = scene.create("model", "Bunny", scene.find("Ground"), values={"color": (0.1, 0.2, 0.3)})
     scene.create("model", "Head", bunny, first_class=False, values={"position": (0.0, 1.0, 0.5)})
     interp.ExecuteCode("Bunny.Turn(Left, 1/8, Duration=0)\nBunny.SetFillingStyle(Points)\n"
+                       "Bunny.StopCastingShadow()\n"
                        "Bunny.Head.Resize(TopToBottom, 2, Duration=0)", "<Tool>", "exec")
     interp.Loop()
     before = describe(interp)
@@ -60,6 +59,15 @@ def test_a_saved_world_loads_back_equal(interp, tmp_path):
     other.Close()
 
 
+def test_a_world_loaded_at_start_up_is_told_once(interp):
+    """Before the front end's first poll, the world it never saw is dropped."""
+    interp.ExecuteCode("Camera.Copy()", "<Tool>", "exec")
+    interp.LoadWorld(DEFAULT_WORLD)
+    trees = FrontTrees()
+    trees.take(interp.PollForTreeDifferences())
+    assert trees.names() == ["Camera", "Ground", "Light", "Scene"]
+
+
 def test_loading_replaces_the_old_world_and_its_names(interp, tmp_path):
     interp.ExecuteCode("Old = 1\nCamera.rename('Eye')", "<Tool>", "exec")
     interp.LoadWorld(DEFAULT_WORLD)
@@ -67,6 +75,7 @@ def test_loading_replaces_the_old_world_and_its_names(interp, tmp_path):
     assert interp.ExecuteCode("Camera", "<Tool>", "exec") is None
 
 
+SCENE = "Object(kind='scene', name='Scene', parent=None)\n"
 HOSTILE = {
     "import": "import os\nObject(kind='scene', name='Scene', parent=None)\n",
     "call in a value": "Object(kind='scene', name=__import__('os').system('touch {marker}'))\n",
@@ -78,6 +87,17 @@ HOSTILE = {
     "unknown field": "Object(kind='scene', name='Scene', parent=None, code='x')\n",
     "orphan": ("Object(kind='scene', name='Scene', parent=None)\n"
                "Object(kind='model', name='Bunny', parent='Nowhere')\n"),
+    "model outside the folder": (SCENE + "Object(kind='model', name='Bunny', parent='Scene', "
+                                 "model='/home/someone/.ssh/id_rsa#0')\n"),
+    "sound with a call": SCENE + "Sound(name='Pop', file=open('{marker}', 'w'))\n",
+    "sound with code": SCENE + "Sound(name='Pop', file='Pop.wav', code='x')\n",
+    "sound without a file": SCENE + "Sound(name='Pop')\n",
+    "sound by position": SCENE + "Sound('Pop', 'Pop.wav')\n",
+    "sound outside the folder": SCENE + "Sound(name='Pop', file='../../secret.wav')\n",
+    "sound by a path": SCENE + "Sound(name='Pop', file='/etc/passwd')\n",
+    "sound named like an object": SCENE + "Sound(name='scene', file='Pop.wav')\n",
+    "sound named twice": SCENE + "Sound(name='Pop', file='a.wav')\nSound(name='Pop', file='b.wav')\n",
+    "sound with a keyword name": SCENE + "Sound(name='class', file='Pop.wav')\n",
 }
 
 

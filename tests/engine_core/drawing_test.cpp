@@ -194,6 +194,10 @@ TEST_F(DrawingTest, TheHighQualityPathCastsShadowsOnTheGround) {
     ASSERT_EQ(backend.view().setHighQuality(true), "");
     const int shaded = groundUnderneath();
     EXPECT_LT(shaded, plain - 25);
+    backend.setStyle(5, "shadow", false);
+    EXPECT_EQ(groundUnderneath(), plain);
+    backend.setStyle(5, "shadow", true);
+    EXPECT_EQ(groundUnderneath(), shaded);
     ASSERT_EQ(backend.view().setHighQuality(false), "");
     EXPECT_EQ(groundUnderneath(), plain);
 }

@@ -69,6 +69,10 @@ protected:
     py::object engine;
 };
 
+TEST_F(EngineViewTest, CheckForDirectXAnswersNothingWhereOpenGLWorks) {
+    EXPECT_EQ(engine.attr("CheckForDirectX")().cast<std::string>(), "");
+}
+
 TEST_F(EngineViewTest, ARightClickOnAnObjectAsksForItsMenu) {
     QWidget* view = viewIn(host);
     ASSERT_NE(view, nullptr);

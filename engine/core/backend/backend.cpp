@@ -54,6 +54,8 @@ StyleValue Backend::getStyle(int id, const std::string& style) const {
         return look.textured;
     if (style == "model")
         return look.model;
+    if (style == "shadow")
+        return look.castsShadow;
     throw std::invalid_argument("unknown style " + style);
 }
 
@@ -64,6 +66,8 @@ void Backend::setStyle(int id, const std::string& style, const StyleValue& value
         scene_.setVisible(id, *flag);
     else if (style == "texture" && flag)
         scene_.setTextured(id, *flag);
+    else if (style == "shadow" && flag)
+        scene_.setCastsShadow(id, *flag);
     else if (style == "filling" && word)
         scene_.setFilling(id, *word);
     else if (style == "lighting" && word)

@@ -236,6 +236,11 @@ void SceneGraph::setTextured(int id, bool textured) {
     changed();
 }
 
+void SceneGraph::setCastsShadow(int id, bool casts) {
+    node(id).style.castsShadow = casts;
+    changed();
+}
+
 void SceneGraph::setModel(int id, const std::string& model, osg::Node* shape) {
     Node& n = node(id);
     n.style.model = model;

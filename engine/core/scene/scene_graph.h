@@ -31,6 +31,7 @@ struct NodeStyle {
     std::string lighting = "Lit";
     bool textured = true;
     std::string model;
+    bool castsShadow = true; // on the ground, on the high-quality path
 };
 
 // The scene graph that mirrors the engine's scene: one node per engine
@@ -69,6 +70,7 @@ public:
     void setFilling(int id, const std::string& filling);
     void setLighting(int id, const std::string& lighting);
     void setTextured(int id, bool textured);
+    void setCastsShadow(int id, bool casts);
     void setModel(int id, const std::string& model, osg::Node* shape);
     osg::Node* shape(int id) const;
 

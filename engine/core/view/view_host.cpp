@@ -76,6 +76,8 @@ QWidget* ViewHost::hostNamed(long long hostId) {
 std::string ViewHost::open(int width, int height, long long hostId) {
     if (!canDraw())
         return "";
+    if (std::string failure = checkOpenGL(); !failure.empty())
+        return failure;
     QWidget* host = hostNamed(hostId);
     if (!host)
         return "imagenavigator: there is no window " + std::to_string(hostId) +
@@ -146,14 +148,18 @@ std::string ViewHost::savePicture(const std::string& path) {
     return "";
 }
 
+// What a display offers does not change while the program runs: the probe
+// is made once.
 std::string ViewHost::checkOpenGL() {
     if (!canDraw())
         return "";
-    ProbeContext probe;
-    if (!probe.current)
-        return "Vessa47 needs OpenGL to draw its camera view, and no OpenGL context could be "
-               "made on this display.";
-    return "";
+    static const std::string failure = [] {
+        ProbeContext probe;
+        return probe.current ? std::string()
+                             : std::string("Vessa47 needs OpenGL to draw its camera view, and no "
+                                           "OpenGL context could be made on this display.");
+    }();
+    return failure;
 }
 
 bool ViewHost::hardwareAccelerated() {

@@ -33,7 +33,8 @@ public:
 
     static bool canDraw();
 
-    // Each answers "" on success and the failure text otherwise.
+    // Each answers "" on success and the failure text otherwise; open fails
+    // where no OpenGL context can be made.
     std::string open(int width, int height, long long hostId);
     std::string moveTo(long long hostId);
     void resize(int width, int height);

@@ -256,7 +256,8 @@ void WorldView::placeShadows() {
     shadows_->removeChildren(0, shadows_->getNumChildren());
     for (int id : scene_.nodesOfKind(NodeKind::Model)) {
         osg::Node* shape = scene_.shape(id);
-        if (!shape || !scene_.style(id).visible || !scene_.inWorld(id))
+        const NodeStyle& look = scene_.style(id);
+        if (!shape || !look.visible || !look.castsShadow || !scene_.inWorld(id))
             continue;
         const ChannelValue size = scene_.get(id, Channel::Size);
         const osg::Matrixd toWorld =

@@ -17,7 +17,8 @@ Interface (ids are the engine's integer object ids; vectors are tuples):
     set_parent(node_id, parent_id)   None takes the node out of the world
     get_style(node_id, style) / set_style(node_id, style, value)
         How the node's own shape is drawn (STYLES has the defaults):
-        "visible" and "texture" are truth values; "filling" ("Solid",
+        "visible", "texture" and "shadow" (it casts one on the high-quality
+        path) are truth values; "filling" ("Solid",
         "Lines", "Points") and "lighting" ("Lit", "UnLit") are kept as given
         and read without regard to case; "model" names the shape of a model
         node: "" a box one meter on each side, which its size stretches,
@@ -80,8 +81,9 @@ import wave
 from . import geometry
 
 CHANNELS = ("position", "orientation", "size", "color")
-STYLES = {"visible": True, "filling": "Solid", "lighting": "Lit", "texture": True, "model": ""}
-FLAG_STYLES = ("visible", "texture")
+STYLES = {"visible": True, "filling": "Solid", "lighting": "Lit", "texture": True, "model": "",
+          "shadow": True}
+FLAG_STYLES = ("visible", "texture", "shadow")
 SCREEN_SIZE = (1920, 1080)      # where there is no screen to ask
 DEFAULT_VALUES = {"position": (0.0, 0.0, 0.0), "orientation": geometry.IDENTITY,
                   "size": (1.0, 1.0, 1.0), "color": (1.0, 1.0, 1.0)}

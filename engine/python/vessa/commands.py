@@ -14,6 +14,7 @@ from . import geometry as g
 from . import vocabulary as v
 from .animation import Primitive
 from .mistakes import Mistake
+from .sounds import names_a_sound
 
 DEFAULT_DURATION = 1.0
 DEFAULT_STYLE = "Gently"
@@ -141,14 +142,15 @@ class Commands:
         return self._animate("AlignWith", lambda: self._turn_towards(other.world_orientation()),
                              Duration, Style)
 
-    def Place(self, surface=None, other=None, distance=0, Duration=DEFAULT_DURATION,
+    def Place(self, surface=None, other=None, Distance=0, Duration=DEFAULT_DURATION,
               Style=DEFAULT_STYLE, AsSeenBy=None):
-        if not v.is_word(surface, "surface") or other is None or not _number(distance):
+        """Distance: the gap between the two, in meters; script lines give it by name."""
+        if not v.is_word(surface, "surface") or other is None or not _number(Distance):
             self._need("Place", "a place, such as OnTopOf, and another object, such as Ground")
         other = self.scene.thing(other)
 
         def prepare():
-            target = _placed(self, v.key(surface), other, distance)
+            target = _placed(self, v.key(surface), other, Distance)
             change = self._to_parent_frame_world(g.sub(target, self.world_position()))
             return [(self.id, "position", change)]
         return self._animate("Place", prepare, Duration, Style)
@@ -157,18 +159,18 @@ class Commands:
 
     def Resize(self, direction=None, factor=None, *flags, Duration=DEFAULT_DURATION,
                Style=DEFAULT_STYLE):
+        """The object grows or shrinks along its own axes, and its parts with
+        it: each part keeps its place on the object, scaled as the object is
+        (HowMuch: ObjectAndParts unless another is given)."""
         axes = v.RESIZE_DIRECTIONS.get(v.key(direction)) if isinstance(direction, str) else None
         if axes is None or not _number(factor) or factor <= 0:
             self._need("Resize", "a direction, such as InAllDirections, and a size factor, such as 2")
         rubber = _flag(flags, "rubber", None) is not None and sum(axes) == 1
-
-        def prepare():
-            # LikeRubber keeps the volume: the other two directions give way
-            others = 1.0 / math.sqrt(factor) if rubber else 1.0
-            factors = tuple(factor if a else others for a in axes)
-            size = self.size
-            return [(self.id, "size", tuple(s * (f - 1.0) for s, f in zip(size, factors)))]
-        return self._animate("Resize", prepare, Duration, Style)
+        how_much = _flag(flags, "howmuch", "objectandparts")
+        # LikeRubber keeps the volume: the other two directions give way
+        others = 1.0 / math.sqrt(factor) if rubber else 1.0
+        factors = tuple(factor if a else others for a in axes)
+        return self._animate("Resize", lambda: _resized(self, factors, how_much), Duration, Style)
 
     def SetColor(self, color=None, *flags, Duration=DEFAULT_DURATION, Style=DEFAULT_STYLE):
         rgb = v.COLORS.get(v.key(color)) if isinstance(color, str) else None
@@ -180,28 +182,56 @@ class Commands:
             return [(t.id, "color", g.sub(rgb, t.color)) for t in self.family(how_much)]
         return self._animate("SetColor", prepare, Duration, Style)
 
-    def Show(self, value="Yes"):
-        return self._set_visible("Show", value, True)
+    def Show(self, *flags):
+        return self._set_visible("Show", flags, True)
 
-    def Hide(self, value="Yes"):
-        return self._set_visible("Hide", value, False)
+    def Hide(self, *flags):
+        return self._set_visible("Hide", flags, False)
 
-    def _set_visible(self, command, value, visible):
-        if not v.is_word(value, "value"):
+    def _set_visible(self, command, flags, visible):
+        """Yes, No or Toggle, and how much of the family: the object and its
+        parts unless another HowMuch is given."""
+        if not all(v.is_word(f, "value") or v.is_word(f, "howmuch") for f in flags):
             self._need(command, "Yes, No or Toggle, or nothing at all")
+        choice = _flag(flags, "value", "yes")
+        how_much = _flag(flags, "howmuch", "objectandparts")
 
         def finish():
-            choice = v.key(value)
-            if choice == "toggle":
-                self.set_visible(not self.visible)
-            elif choice == "yes":
-                self.set_visible(visible)
+            if choice != "no":
+                self.set_on_family("visible", not self.visible if choice == "toggle" else visible,
+                                   how_much)
         return self._animate(command, None, 0, DEFAULT_STYLE, finish)
+
+    def CastShadow(self, *flags):
+        """On the ground, in the high-quality drawing (the object and its
+        parts unless HowMuch says otherwise)."""
+        return self._set_shadow("CastShadow", flags, True)
+
+    def StopCastingShadow(self, *flags):
+        return self._set_shadow("StopCastingShadow", flags, False)
+
+    def _set_shadow(self, command, flags, casts):
+        if not all(v.is_word(flag, "howmuch") for flag in flags):
+            self._need(command, "nothing, or how much of it, such as ObjectOnly")
+        how_much = _flag(flags, "howmuch", "objectandparts")
+        return self._animate(command, None, 0, DEFAULT_STYLE,
+                             lambda: self.set_on_family("shadow", casts, how_much))
 
     # -- existence and family ---------------------------------------------
 
     def Destroy(self, *flags, Duration=0, Style=DEFAULT_STYLE):
-        return self._animate("Destroy", None, Duration, Style, lambda: self.scene.destroy(self))
+        """The object goes with its parts (HowMuch: ObjectAndParts); what
+        stays of its family stays where it is, under the object's parent."""
+        if not all(v.is_word(flag, "howmuch") for flag in flags):
+            self._need("Destroy", "nothing, or how much of it goes, such as ObjectAndChildren")
+        how_much = _flag(flags, "howmuch", "objectandparts")
+        return self._animate("Destroy", None, Duration, Style,
+                             lambda: self.scene.destroy(self, how_much))
+
+    def BecomeFirstClass(self, Duration=0, Style=DEFAULT_STYLE):
+        """A part becomes an object of its own, known by its own name."""
+        return self._animate("BecomeFirstClass", None, Duration, Style,
+                             lambda: self.scene.set_first_class(self, True))
 
     def BecomeChildOf(self, other=None, Duration=0, Style=DEFAULT_STYLE):
         if other is None:
@@ -212,6 +242,10 @@ class Commands:
 
     # -- time and sound -----------------------------------------------------
 
+    def Nothing(self):
+        """Does nothing, and takes no time."""
+        return self._animate("Nothing", None, 0)
+
     def Wait(self, duration=None):
         if not _number(duration) or duration < 0:
             self._need("Wait", "a number of seconds, such as 1")
@@ -219,12 +253,36 @@ class Commands:
 
     def PlaySound(self, sound=None, Volume=1):
         """Starts the sound and goes on at once; Volume 1 is the sound as it is."""
-        if not isinstance(sound, str):
+        if not names_a_sound(sound):
             self._need("PlaySound", 'a sound file name, such as "c:\\pickme.wav"')
         if not _number(Volume) or Volume < 0:
             raise Mistake("%s.PlaySound: Volume must be a number, such as 0.5" % self.name)
         return self._animate("PlaySound", None, 0, DEFAULT_STYLE,
                              lambda: self.scene.sounds.play(sound, Volume))
+
+
+def _resized(thing, factors, how_much):
+    """The changes of size, and of place within the object, that scale thing
+    and the members of its family by factors along thing's own axes. A part
+    turned on the object is scaled along the object's axes as nearly as its
+    own box allows: each of its sides by how much that side's direction
+    stretches."""
+    frame = g.quat_conj(thing.world_orientation())
+    changes = []
+    for member in thing.family(how_much):
+        turned = g.quat_mul(frame, member.world_orientation())
+        stretch = [g.length(_times(factors, g.rotate(turned, axis))) for axis in (g.RIGHT, g.UP, g.FORWARD)]
+        changes.append((member.id, "size", tuple(s * (f - 1.0) for s, f in zip(member.size, stretch))))
+        if member is not thing:
+            to_thing = g.quat_mul(frame, member.parent.world_orientation())
+            scaled = g.rotate(g.quat_conj(to_thing),
+                              _times(factors, g.rotate(to_thing, member.position)))
+            changes.append((member.id, "position", g.sub(scaled, member.position)))
+    return changes
+
+
+def _times(factors, vector):
+    return tuple(f * x for f, x in zip(factors, vector))
 
 
 def _placed(thing, surface, other, distance):

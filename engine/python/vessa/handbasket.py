@@ -1,9 +1,11 @@
-"""The handbasket: the world as it was before a run, put back after it.
+"""The handbasket: the world as it was before a run, its objects and its
+sounds, put back after it.
 
 Putting it back goes through the scene's own operations, so the front end's
 trees follow by the usual records.
 """
 
+from . import geometry as g
 from .scene import DEFAULT_VALUES, STYLE_DEFAULTS
 
 
@@ -62,13 +64,27 @@ class Handbasket:
         self._saved = None
 
     def preserve(self):
-        self._saved = snapshot(self._scene)
+        self._saved = (snapshot(self._scene), self._scene.sounds.snapshot())
         self._undo_mark = self._undo.mark()
+
+    def keep_place_of(self, thing):
+        """thing will be put back where it is in the world now, under the
+        parent it had when the handbasket was taken."""
+        state = self._saved[0].get(thing.id) if self._saved else None
+        if state is None or state["parent"] is None:
+            return
+        parent = state["parent"]
+        inverse = g.quat_conj(parent.world_orientation())
+        offset = g.sub(thing.world_position(), parent.world_position())
+        state["values"] = dict(state["values"], position=g.rotate(inverse, offset),
+                               orientation=g.quat_mul(inverse, thing.world_orientation()))
 
     def restore(self):
         self._animator.stop_all()
         if self._saved is None:
             return
+        things, sounds = self._saved
         with self._undo.quiet():
-            put_back(self._scene, self._saved)
+            put_back(self._scene, things)
+            self._scene.sounds.put_back(sounds)
         self._undo.truncate(self._undo_mark)

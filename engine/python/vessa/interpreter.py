@@ -10,7 +10,7 @@ import os
 
 from . import backend as backends
 from . import geometry as g
-from . import compat, events, models, namespace, places, records, scenefile, sounds
+from . import backups, compat, events, models, namespace, places, records, scenefile, sounds
 from .animation import Animator
 from .capture import Capture
 from .clock import WallClock
@@ -29,8 +29,7 @@ VERSION = "0.1.0"
 # to the scene file, drawing, sound and tool stages still to come.
 NOT_YET = (
     "PreserveDefaultCameraPOV", "OnTheFlyButton",
-    "BackupScene", "ImportVESFile", "SaveForPlugin",
-    "SetCameraPosInOpeningScene",
+    "ImportVESFile", "SaveForPlugin",
 )
 
 THUMBNAIL = "world_thumbnail.bmp"
@@ -77,9 +76,9 @@ class Interpreter:
         return self.animator.backend
 
     def CheckForDirectX(self):
-        """None when the camera view can be drawn (an OpenGL context can be
-        made), otherwise why not."""
-        return self.backend.check_drawing() or None
+        """"" when the camera view can be drawn (an OpenGL context can be
+        made, or there is no window system to draw in), otherwise why not."""
+        return self.backend.check_drawing()
 
     def Initialize(self):
         return None
@@ -200,18 +199,19 @@ class Interpreter:
     def LoadWorld(self, folder):
         """Replaces the scene with the folder's World_Scene.py. A file that is
         not a scene file changes nothing and is reported as an error."""
+        folder = str(folder)
         try:
-            objects = scenefile.read(str(folder))
+            objects, sounds = scenefile.read(folder)
         except scenefile.SceneFileError as exc:
             self._queue.write("error", str(exc) + "\n")
             return str(exc)
         self.animator.stop_all()
-        self.sounds.clear()
+        self.sounds.forget_all()
         with self.undo.quiet():
-            scenefile.load(self.scene, objects, str(folder))
+            scenefile.load(self.scene, objects, folder)
+            self.sounds.load(sounds, folder)
         self.undo.truncate(0)
         self.handbasket.forget()
-        self.scene.purge_dead()
         self.scene.root.responses.restore({})
         names = self.scene.namespace
         names.clear()
@@ -220,17 +220,34 @@ class Interpreter:
         return None
 
     def SaveScene(self, folder):
-        """Writes World_Scene.py, with the model files the world uses copied
-        into the folder, and a picture of the world through its camera."""
+        """Writes World_Scene.py, with the model and sound files the world
+        uses copied into the folder, and a picture of the world through its
+        camera."""
         folder = str(folder)
         try:
             models.keep_in_folder(self.scene.living(), folder)
-            scenefile.write(self.scene, folder)
+            scenefile.write(self.scene, folder, self.sounds.keep_in_folder(folder))
         except OSError as exc:
             return "SaveScene: %s can't be written: %s" % (folder, exc.strerror)
         # The world is saved; a picture that can't be written costs it nothing.
         self.backend.save_picture(os.path.join(folder, THUMBNAIL))
         return None
+
+    def SetCameraPosInOpeningScene(self):
+        """The camera, where a run has taken it, becomes where the world
+        starts: the handbasket puts it back here."""
+        camera = self.default_camera()
+        if camera is None:
+            return "SetCameraPosInOpeningScene: the world has no camera"
+        self.handbasket.keep_place_of(camera)
+        self._mark_dirty()
+        return None
+
+    def BackupScene(self, folder, scriptText):
+        """A dated copy of the scene and of the script text in folder (the
+        world's Backups folder), made if need be. A backup is a safety net:
+        a failure is answered, never raised."""
+        return backups.back_up(self.scene, self.sounds, str(folder), str(scriptText))
 
     @contextlib.contextmanager
     def _one_undo_step(self):

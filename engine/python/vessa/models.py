@@ -113,11 +113,13 @@ def keep_in_folder(things, folder):
         if source is None or os.path.dirname(os.path.abspath(source)) == folder:
             continue
         if source not in copies:
-            copies[source] = _copy_into(source, folder)
+            copies[source] = copy_into(source, folder)
         thing.model = _with_file(thing.model, copies[source])
 
 
-def _copy_into(source, folder):
+def copy_into(source, folder):
+    """Where the file source is kept in folder: a copy under its own name, or
+    a numbered one when another file has that name there."""
     stem, ext = os.path.splitext(os.path.basename(source))
     target, n = os.path.join(folder, stem + ext), 2
     while os.path.exists(target) and not _same_file(source, target):

@@ -59,4 +59,5 @@ def build(engine):
     for thing in scene.living():
         if thing.first_class:
             names[thing.name] = thing
+    names.update(engine.sounds.names())
     return names

@@ -126,6 +126,11 @@ class DifferenceQueue:
     def add_tree(self, record):
         self._tree.append(record)
 
+    def restart_tree(self):
+        """Drops the tree records not yet polled: they tell of a world the
+        front end has thrown away."""
+        self._tree = []
+
     def poll_misc(self):
         records, self._misc = self._misc, []
         return records

@@ -73,7 +73,7 @@ class Thing(Commands):
         return self.scene.backend.get(self.id, channel)
 
     visible, filling, lighting = _drawn("visible"), _drawn("filling"), _drawn("lighting")
-    texture, model = _drawn("texture"), _drawn("model")
+    texture, model, shadow = _drawn("texture"), _drawn("model"), _drawn("shadow")
 
     position = property(lambda self: self._channel("position"))
     orientation = property(lambda self: self._channel("orientation"))
@@ -99,10 +99,6 @@ class Thing(Commands):
                                                    and not child.first_class):
                 found.extend(child.family(how_much))
         return found
-
-    def set_visible(self, visible):
-        self.visible = bool(visible)
-        self.scene.changed()
 
     # -- questions a world may ask ----------------------------------------
 
@@ -171,14 +167,15 @@ class Thing(Commands):
     def _set_style(self, attribute, value, kind, choices):
         if not v.is_word(value, kind):
             raise Mistake("%s: the style must be %s" % (self.name, choices))
-        for thing in self.family():
-            setattr(thing, attribute, str(value))
-        self.scene.changed()
+        self.set_on_family(attribute, str(value))
 
     def SetTexture(self, *texture):
         """SetTexture() shows the object's picture, SetTexture(None) hides it."""
-        for thing in self.family():
-            thing.texture = not texture or texture[0] is not None
+        self.set_on_family("texture", not texture or texture[0] is not None)
+
+    def set_on_family(self, attribute, value, how_much="objectandparts"):
+        for thing in self.family(how_much):
+            setattr(thing, attribute, value)
         self.scene.changed()
 
     def pause(self):
@@ -228,13 +225,16 @@ class Scene:
         self.sounds = None                  # the sounds.SoundShelf, once the engine has one
         self._ids = itertools.count(1)
         self.things = {}
-        # The front end learns the ids that mean "no parent" and "destroyed"
-        # before any object arrives.
         self.none_id = self.new_id()
         self.junkyard_id = self.new_id()
-        queue.add_tree(records.object_construct(self.none_id, "none"))
-        queue.add_tree(records.object_construct(self.junkyard_id, "junkyard"))
+        self._tell_special_ids()
         self.root = self.create("scene", "Scene", None)
+
+    def _tell_special_ids(self):
+        """The front end learns the ids that mean "no parent" and "destroyed"
+        before any object arrives."""
+        self._queue.add_tree(records.object_construct(self.none_id, "none"))
+        self._queue.add_tree(records.object_construct(self.junkyard_id, "junkyard"))
 
     def new_id(self):
         return next(self._ids)
@@ -290,16 +290,35 @@ class Scene:
             thing.parent = parent
             parent.children.append(thing)
             self.backend.set_parent(thing.id, parent.id)
-        self._queue.add_tree(records.object_construct(thing.id, kind))
-        # The scene itself has no parent to tell: it stays at the top of the
-        # front end's tree, open, as it was made.
-        if parent is not None:
-            self._queue.add_tree(records.object_parent_change(thing.id, self.none_id, parent.id))
-        self._queue.add_tree(records.object_name_change(thing.id, "", thing.name))
+        self._tell_new(thing)
         self._bind(thing)
         self.remember(lambda: self.destroy(thing))
         self.changed()
         return thing
+
+    def _tell_new(self, thing):
+        self._queue.add_tree(records.object_construct(thing.id, thing.kind))
+        # The scene itself has no parent to tell: it stays at the top of the
+        # front end's tree, open, as it was made.
+        if thing.parent is not None:
+            self._queue.add_tree(records.object_parent_change(thing.id, self.none_id,
+                                                              thing.parent.id))
+        self._queue.add_tree(records.object_name_change(thing.id, "", thing.name))
+
+    def start_afresh(self):
+        """Forgets every object but the scene itself, with no record for
+        each: the front end empties its trees before it loads a world, so
+        the new world is told from the start, scene first, and whatever the
+        front end has not yet heard of the old one is dropped."""
+        for thing in self.things.values():
+            if thing is not self.root:
+                self._unbind(thing)
+                self.backend.remove_node(thing.id)
+        self.things = {self.root.id: self.root}
+        self.root.children = []
+        self._queue.restart_tree()
+        self._tell_special_ids()
+        self._tell_new(self.root)
 
     def _bind(self, thing):
         if thing.first_class:
@@ -365,12 +384,26 @@ class Scene:
         self._renamed(thing, old_names)
         self.changed()
 
-    def destroy(self, thing):
-        """Descendants go first, so each leaves its own record behind."""
+    def destroy(self, thing, how_much="objectandchildren"):
+        """thing goes with the members of its family that how_much takes
+        along; the others stay where they are in the world, under thing's
+        parent, and a part that stays becomes an object of its own."""
         if thing is self.root or not thing.alive:
             return
+        going = thing.family(how_much)
+        for member in going:
+            for child in member.living_children():
+                if child not in going:
+                    self.set_first_class(child, True)
+                    self.reparent(child, thing.parent)
+        self._destroy_family(thing)
+
+    def _destroy_family(self, thing):
+        """Descendants go first, so each leaves its own record behind."""
+        if not thing.alive:
+            return
         for child in list(thing.children):
-            self.destroy(child)
+            self._destroy_family(child)
         thing.alive = False
         self.backend.set_parent(thing.id, None)
         self._unbind(thing)
@@ -384,14 +417,6 @@ class Scene:
         self._bind(thing)
         self._queue.add_tree(records.object_resurrect(thing.id))
         self.changed()
-
-    def purge_dead(self):
-        """Forgets destroyed objects once nothing (undo, handbasket) can bring them back."""
-        for thing in [t for t in self.things.values() if not t.alive]:
-            del self.things[thing.id]
-            if thing.parent is not None and thing in thing.parent.children:
-                thing.parent.children.remove(thing)
-            self.backend.remove_node(thing.id)
 
     def copy(self, thing, parent=None, name=None):
         parent = parent or thing.parent

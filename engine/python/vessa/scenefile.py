@@ -1,15 +1,20 @@
-"""World_Scene.py: the scene of a world folder, one statement per object.
+"""World_Scene.py: the scene of a world folder, one statement per object,
+then one per sound.
 
     Object(kind="camera", name="Camera", parent="Scene", firstclass=True,
            position=(0.0, 1.5, -8.0), ...)
+    Sound(name="Pop", file="Pop.wav")
 
 The file looks like Python so that a person can read it, but it is never run:
-the reader parses it and accepts only statements of exactly this form, with
+the reader parses it and accepts only statements of exactly these forms, with
 literal values, so a world from a stranger can't execute anything. Parents
-come before their children; a parent is named by its full name.
+come before their children; a parent is named by its full name. Model and
+sound files are named by their names in the world's folder, never by a path:
+a stranger's world can't reach other files, which a later save would copy.
 """
 
 import ast
+import keyword
 import os
 
 from . import models
@@ -18,8 +23,9 @@ from .scene import DEFAULT_VALUES, STYLE_DEFAULTS
 FILE_NAME = "World_Scene.py"
 HEADER = "# Vessa47 scene: read by the engine, never run.\r\n"
 KINDS = ("scene", "camera", "light", "model")
+FORMS = ("Object", "Sound")
 STYLE_TYPES = {"visible": bool, "filling": str, "lighting": str, "texture": bool,
-               "model": str, "vertex_count": int, "face_count": int}
+               "model": str, "shadow": bool, "vertex_count": int, "face_count": int}
 VALUE_LENGTHS = {"position": 3, "orientation": 4, "size": 3, "color": 3}
 
 
@@ -63,10 +69,16 @@ def _in_family_order(thing):
             yield from _in_family_order(child)
 
 
-def write(scene, folder):
-    text = HEADER + "".join(_statement(scene, t, folder) for t in _in_family_order(scene.root))
+def text_of(scene, folder, sounds=()):
+    """The scene file of the world in folder. sounds: (name, file) of each
+    sound of the scene, its file named as in the scene file of folder."""
+    return (HEADER + "".join(_statement(scene, t, folder) for t in _in_family_order(scene.root))
+            + "".join("Sound(name=%r, file=%r)\r\n" % row for row in sounds))
+
+
+def write(scene, folder, sounds=()):
     with open(path_in(folder), "w", encoding="utf-8", newline="") as f:
-        f.write(text)
+        f.write(text_of(scene, folder, sounds))
 
 
 # -- reading ------------------------------------------------------------------
@@ -99,17 +111,38 @@ def _literal(node, line):
 
 
 def _fields(statement):
+    """The line, the form (Object or Sound) and the values of a statement."""
     line = statement.lineno
     call = statement.value if isinstance(statement, ast.Expr) else None
     if not (isinstance(call, ast.Call) and isinstance(call.func, ast.Name)
-            and call.func.id == "Object" and not call.args):
-        _fail(line, "each line must be Object(name=value, ...)")
+            and call.func.id in FORMS and not call.args):
+        _fail(line, "each line must be Object(name=value, ...) or Sound(name=..., file=...)")
     fields = {}
-    for keyword in call.keywords:
-        if keyword.arg is None or keyword.arg in fields:
+    for given in call.keywords:
+        if given.arg is None or given.arg in fields:
             _fail(line, "each value is given once, by its name")
-        fields[keyword.arg] = _literal(keyword.value, line)
-    return line, fields
+        fields[given.arg] = _literal(given.value, line)
+    return line, call.func.id, fields
+
+
+def _is_name(value):
+    return isinstance(value, str) and value.isidentifier() and not keyword.iskeyword(value)
+
+
+def _is_file_name(value):
+    """A file directly in the world's folder."""
+    return (isinstance(value, str) and value not in ("", ".", "..")
+            and not any(mark in value for mark in "/\\:"))
+
+
+def _checked_sound(line, fields):
+    if set(fields) != {"name", "file"}:
+        _fail(line, "a sound is Sound(name=..., file=...)")
+    if not _is_name(fields["name"]):
+        _fail(line, "a sound needs a name made of letters, digits and _")
+    if not _is_file_name(fields["file"]):
+        _fail(line, "a sound's file must be the name of a file in the world's folder")
+    return fields["name"], fields["file"]
 
 
 def _checked(line, fields):
@@ -119,7 +152,7 @@ def _checked(line, fields):
         _fail(line, "unknown value %s" % sorted(unknown)[0])
     if fields.get("kind") not in KINDS:
         _fail(line, "kind must be one of %s" % ", ".join(KINDS))
-    if not isinstance(fields.get("name"), str) or not fields["name"].isidentifier():
+    if not _is_name(fields.get("name")):
         _fail(line, "an object needs a name made of letters, digits and _")
     if not (fields.get("parent") is None or isinstance(fields["parent"], str)):
         _fail(line, "parent must be the name of an object above it, or None")
@@ -131,11 +164,15 @@ def _checked(line, fields):
     for attribute, kind in STYLE_TYPES.items():
         if attribute in fields and type(fields[attribute]) is not kind:
             _fail(line, "%s must be a %s" % (attribute, kind.__name__))
+    model_file = models.file_of(fields.get("model"))
+    if model_file is not None and not _is_file_name(model_file):
+        _fail(line, "a model's file must be the name of a file in the world's folder")
     return fields
 
 
 def read(folder):
-    """The objects of the folder's scene file, checked: a list of field dicts."""
+    """The objects and sounds of the folder's scene file, checked: a list of
+    field dicts, and a list of (name, file name)."""
     path = path_in(folder)
     try:
         with open(path, encoding="utf-8") as f:
@@ -146,15 +183,22 @@ def read(folder):
         tree = ast.parse(text, FILE_NAME)
     except (SyntaxError, ValueError) as exc:
         raise SceneFileError("%s is not a scene file: %s" % (path, exc)) from None
-    objects = [_checked(*_fields(statement)) for statement in tree.body]
+    objects, sounds = [], []
+    for statement in tree.body:
+        line, form, fields = _fields(statement)
+        if form == "Object":
+            objects.append(_checked(line, fields))
+        else:
+            sounds.append(_checked_sound(line, fields))
     if not objects or objects[0]["kind"] != "scene" or objects[0].get("parent") is not None:
         raise SceneFileError("%s: the first object must be the scene" % FILE_NAME)
-    _check_family(objects)
-    return objects
+    _check_names(objects, [name for name, _ in sounds])
+    return objects, sounds
 
 
-def _check_family(objects):
-    """Every parent comes first and every full name is used once."""
+def _check_names(objects, sound_names):
+    """Every parent comes first and every full name, of an object or a
+    sound, is used once."""
     seen = {objects[0]["name"].lower()}
     for fields in objects[1:]:
         parent = str(fields.get("parent"))
@@ -166,12 +210,15 @@ def _check_family(objects):
         if full.lower() in seen:
             raise SceneFileError("%s: two objects are called %s" % (FILE_NAME, full))
         seen.add(full.lower())
+    for name in sound_names:
+        if name.lower() in seen:
+            raise SceneFileError("%s: two things are called %s" % (FILE_NAME, name))
+        seen.add(name.lower())
 
 
 def load(scene, objects, folder):
     """Replaces the scene's objects with those read from the file of folder."""
-    for child in list(scene.root.children):
-        scene.destroy(child)
+    scene.start_afresh()
     root_fields = objects[0]
     for channel in DEFAULT_VALUES:
         scene.backend.set(scene.root.id, channel, root_fields.get(channel, DEFAULT_VALUES[channel]))
