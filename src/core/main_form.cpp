@@ -312,11 +312,11 @@ void MainForm::ReportError(const RunTimeError& error) {
 }
 
 void MainForm::buildMenus() {
-    for (const MenuSpec& spec : kMenus) {
-        QMenu* menu = menuBar()->addMenu(QString::fromUtf8(spec.caption));
-        menu->setObjectName(QString::fromUtf8(spec.control));
-        menu->menuAction()->setObjectName(QString::fromUtf8(spec.control));
-        for (const MenuItemSpec& item : spec.items) {
+    for (const MenuSpec& entry : kMenus) {
+        QMenu* menu = menuBar()->addMenu(QString::fromUtf8(entry.caption));
+        menu->setObjectName(QString::fromUtf8(entry.control));
+        menu->menuAction()->setObjectName(QString::fromUtf8(entry.control));
+        for (const MenuItemSpec& item : entry.items) {
             if (*item.control == '\0') {
                 menu->addSeparator();
                 continue;
