@@ -6,18 +6,25 @@ trees follow by the usual records.
 """
 
 from . import geometry as g
+from .backend import STYLES as DRAWN
 from .scene import DEFAULT_VALUES, STYLE_DEFAULTS
+
+COUNTS = [a for a in STYLE_DEFAULTS if a not in DRAWN]
 
 
 def snapshot(scene):
+    # Straight from the backend: a snapshot of a big world must stay quick.
+    get, get_style = scene.backend.get, scene.backend.get_style
     saved = {}
     for thing in scene.things.values():
         windows = getattr(thing, "_Window", None)
+        styles = {s: get_style(thing.id, s) for s in DRAWN}
+        styles.update((a, getattr(thing, a)) for a in COUNTS)
         saved[thing.id] = {
             "alive": thing.alive, "parent": thing.parent, "name": thing.local_name,
             "first_class": thing.first_class,
-            "values": {c: scene.backend.get(thing.id, c) for c in DEFAULT_VALUES},
-            "styles": {a: getattr(thing, a) for a in STYLE_DEFAULTS},
+            "values": {c: get(thing.id, c) for c in DEFAULT_VALUES},
+            "styles": styles,
             "responses": thing.responses.copy(),
             "window": windows.responses.copy() if windows else None,
         }
@@ -45,13 +52,24 @@ def put_back(scene, saved):
         thing, state = scene.things[thing_id], saved[thing_id]
         if not state["alive"]:
             scene.destroy(thing)
-        for channel, value in state["values"].items():
-            scene.backend.set(thing_id, channel, value)
-        for attribute, value in state["styles"].items():
-            setattr(thing, attribute, value)
+        _put_back_look(scene.backend, thing, state)
         thing.responses.restore(state["responses"])
         if state["window"] is not None:
             thing._Window.responses.restore(state["window"])
+
+
+def _put_back_look(backend, thing, state):
+    """Only what a run changed is set again: a big world is put back quickly,
+    and a view redraws only for what changed."""
+    for channel, value in state["values"].items():
+        if backend.get(thing.id, channel) != value:
+            backend.set(thing.id, channel, value)
+    styles = state["styles"]
+    for style in DRAWN:
+        if backend.get_style(thing.id, style) != styles[style]:
+            backend.set_style(thing.id, style, styles[style])
+    for attribute in COUNTS:
+        setattr(thing, attribute, styles[attribute])
 
 
 class Handbasket:
