@@ -235,9 +235,13 @@ void DifferenceHandler::soundNameChange(Batch& batch, const QVariantList& record
         trees_.SoundTreeJunkyard.SetText(node, itemText(record, 3));
         return;
     }
-    // Not among the sounds out of the scene: it is one of the scene's.
-    batch.soundHandlerTaken = true;
-    renameSoundInScene(batch, record);
+    // Not among the sounds out of the scene: the failed look-up takes the
+    // handler's jump to the rename of a sound in the scene. A second such
+    // look-up in one call climbs to the caller, as it always did.
+    throw RunTimeError(
+        RunTimeError::ElementNotFound,
+        QStringLiteral("Element not found: s%1 is not out of the scene").arg(itemText(record, 1)),
+        QStringLiteral("TreeView"));
 }
 
 void DifferenceHandler::renameSoundInScene(Batch& batch, const QVariantList& record) {

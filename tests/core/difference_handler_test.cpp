@@ -314,7 +314,15 @@ TEST(SoundRecords, AfterASoundRenameAFailureIsTakenForOneAndTheNextClimbsBare) {
          {QStringLiteral("output"), QStringLiteral("after")}}));
     EXPECT_EQ(h.trees.SoundTree.NodeByKey(QStringLiteral("s9"))->Text(), QStringLiteral("Ping"));
     EXPECT_EQ(h.view.output, QStringList{QStringLiteral("after")});
-    // Once taken, a further failure leaves without this routine's report.
+    // Once taken, a further failure leaves without this routine's report:
+    // even a second rename of a scene sound in the same call.
+    EXPECT_THROW(
+        h.handler.HandleDifferences(batch({{QStringLiteral("soundnamechange"), QStringLiteral("9"),
+                                            QString(), QStringLiteral("Pong")},
+                                           {QStringLiteral("soundnamechange"), QStringLiteral("9"),
+                                            QString(), QStringLiteral("Pang")}})),
+        RunTimeError);
+    EXPECT_EQ(h.trees.SoundTree.NodeByKey(QStringLiteral("s9"))->Text(), QStringLiteral("Pong"));
     try {
         h.handler.HandleDifferences(
             batch({{QStringLiteral("soundnamechange"), QStringLiteral("9"), QString(),
