@@ -4,6 +4,7 @@ import pytest
 
 from conftest import misc, tagged
 from vessa import Interpreter
+from vessa import geometry as g
 from vessa.clock import ManualClock
 
 
@@ -117,6 +118,7 @@ def test_every_command_of_the_vocabulary_runs_on_an_object(world):
         "Camera.StandUp()", "Camera.Place(OnTopOf, Scene)", "Camera.AlignWith(Scene)",
         "Wait(2)", "Camera.Nudge(Forward, 1)", "Camera.Nothing()",
         "Camera.StopCastingShadow()", "Camera.CastShadow(ObjectOnly)",
+        "Camera.Flatten()", "Camera.Pan()", "Camera.Nudge()",
     ]))
     at(world, 3.0)
     camera = world.scene.find("Camera")
@@ -124,6 +126,25 @@ def test_every_command_of_the_vocabulary_runs_on_an_object(world):
     assert camera.visible       # hidden, then toggled back
     records = misc(world)
     assert not tagged(records, "error") and not tagged(records, "popuperrordialog")
+
+
+def test_commands_without_values_flatten_pan_and_nudge(world):
+    run(world, "Camera.Flatten()\nCamera.Nudge()")
+    at(world, 0.0)
+    at(world, 1.0)
+    camera = world.scene.find("Camera")
+    size = camera.GetSize()
+    assert size[1] == pytest.approx(0.05 * size[0])        # flat, top to bottom
+    assert where(world) == pytest.approx([0, 0, 0.1])        # a small step forward
+
+    def facing():
+        return g.rotate(camera.world_orientation(), g.FORWARD)
+    run(world, "Camera.Pan()")
+    at(world, 1.0)
+    at(world, 3.0)      # half way through a four-second look all round
+    assert facing() == pytest.approx([0, 0, -1], abs=1e-6)
+    at(world, 5.0)
+    assert facing() == pytest.approx([0, 0, 1], abs=1e-6)
 
 
 def test_place_puts_an_object_against_another_with_the_gap_a_script_line_names(world):

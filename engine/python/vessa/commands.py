@@ -19,6 +19,9 @@ from .sounds import names_a_sound
 DEFAULT_DURATION = 1.0
 DEFAULT_STYLE = "Gently"
 TURN = 2.0 * math.pi    # radians in one revolution
+NUDGE_DISTANCE = 0.1    # meters: a nudge with nothing said is a small step
+FLATTENED = 0.05        # what is left of an object's height once flattened
+PAN_DURATION = 4.0      # seconds: a look all round is slow enough to follow
 
 
 def _number(value):
@@ -92,9 +95,17 @@ class Commands:
             return [(self.id, "position", g.scale(self._to_parent_frame(vector, AsSeenBy), distance))]
         return self._animate("Move", prepare, Duration, Style)
 
-    def Nudge(self, direction=None, distance=None, AsSeenBy=None):
-        """Moves at once, without taking time."""
+    def Nudge(self, direction="Forward", distance=NUDGE_DISTANCE, AsSeenBy=None):
+        """Moves at once, without taking time; on its own, a small step forward."""
         return self.Move(direction, distance, AsSeenBy=AsSeenBy, Duration=0)
+
+    def Flatten(self, *flags, Duration=DEFAULT_DURATION, Style=DEFAULT_STYLE):
+        """Squashes the object flat, top to bottom, as if something sat on it."""
+        return self.Resize("TopToBottom", FLATTENED, *flags, Duration=Duration, Style=Style)
+
+    def Pan(self, AsSeenBy=None, Duration=PAN_DURATION, Style=DEFAULT_STYLE):
+        """Turns slowly once all the way round, looking about as a camera pans."""
+        return self.Turn("Left", 1, AsSeenBy=AsSeenBy, Duration=Duration, Style=Style)
 
     def _rotate(self, command, table, direction, amount, as_seen_by, duration, style):
         entry = table.get(v.key(direction)) if isinstance(direction, str) else None
