@@ -20,9 +20,4 @@ struct AppState {
     bool HelpFormWanted = false;
 };
 
-// Twips are 1/1440 inch; the program keeps window geometry in them.
-inline int twipsPerPixel(double logicalDpi) {
-    return logicalDpi > 0 ? static_cast<int>(1440.0 / logicalDpi + 0.5) : 15;
-}
-
 } // namespace vessa

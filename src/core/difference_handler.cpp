@@ -15,6 +15,15 @@ QVariantList asList(const QVariant& value) {
     return value.toList();
 }
 
+// Item `index` of a record; a record too short for its tag is an error.
+QVariant recordItem(const QVariantList& record, int index) {
+    if (index < 0 || index >= record.size())
+        throw RunTimeError(
+            RunTimeError::SubscriptOutOfRange,
+            QStringLiteral("Subscript out of range: a record has no item %1").arg(index));
+    return record[index];
+}
+
 QString itemText(const QVariantList& record, int index) {
     return recordItem(record, index).toString();
 }
@@ -84,14 +93,6 @@ struct DifferenceHandler::Batch {
         return asList(records[at]);
     }
 };
-
-QVariant recordItem(const QVariantList& record, int index) {
-    if (index < 0 || index >= record.size())
-        throw RunTimeError(
-            RunTimeError::SubscriptOutOfRange,
-            QStringLiteral("Subscript out of range: a record has no item %1").arg(index));
-    return record[index];
-}
 
 void DifferenceHandler::HandleDifferences(const QVariant& differences) {
     gUpdateObjectTree2 = false;
@@ -172,9 +173,8 @@ void DifferenceHandler::popUpErrorDialog(const QVariantList& record) {
     if (onTop)
         view_.setRenderFormAlwaysOnTop(false);
     view_.pumpEvents();
-    reporter_.CheckInterpreterResult(
-        engine_.ExecuteCode(QStringLiteral("PlaySystemSound ('Error')"), QStringLiteral("<Tool>")),
-        QStringLiteral("MainForm:HandleDifferences: Error playing system error sound."));
+    runTool(engine_, reporter_, QStringLiteral("PlaySystemSound ('Error')"),
+            QStringLiteral("MainForm:HandleDifferences: Error playing system error sound."));
     view_.showUserError(content);
     if (onTop)
         view_.setRenderFormAlwaysOnTop(true);
@@ -333,11 +333,9 @@ void DifferenceHandler::objectDestruct(Batch& batch, const QVariantList& record)
     TreeNode* node = nodeByKey(tree, QStringLiteral("k") + itemText(record, 1));
     batch.setCurrent(node);
     if (sameName(node->Text(), trees_.SelectedObjectName))
-        reporter_.CheckInterpreterResult(
-            engine_.ExecuteCode(
+        runTool(engine_, reporter_,
                 QStringLiteral("_CurrentlySelectedObject = Vessa.GetDefaultScene()"),
-                QStringLiteral("<Tool>")),
-            QStringLiteral("MainForm:HandleDifferences: Error getting default scene."));
+                QStringLiteral("MainForm:HandleDifferences: Error getting default scene."));
     if (!node->Parent())
         throw RunTimeError(RunTimeError::ObjectRequired,
                            QStringLiteral("Object required: %1 has no parent").arg(node->Text()));

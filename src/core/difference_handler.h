@@ -83,7 +83,4 @@ private:
     TreeControl& script_; // TreeView1
 };
 
-// Item `index` of a record; a record too short for its tag is an error.
-QVariant recordItem(const QVariantList& record, int index);
-
 } // namespace vessa

@@ -1,5 +1,6 @@
 #include "core/error_reporter.h"
 
+#include "core/engine_link.h"
 #include "core/interpreter.h"
 
 namespace vessa {
@@ -18,6 +19,17 @@ void ErrorReporter::reportAtTop(ReportForm form, const QString& firstLine,
     const QString chain = state_.ErrorChain;
     state_.ErrorChain.clear();
     CheckInterpreterResult(chain, QStringLiteral("Vessa47 - Error"));
+}
+
+void ErrorReporter::reportHandlerFailure(const RunTimeError& error) {
+    reportAtTop(ReportForm::C, QStringLiteral("VB: ") + error.source() + QStringLiteral(" -Error"),
+                error);
+}
+
+void runTool(EngineLink& engine, ErrorReporter& reporter, const QString& statement,
+             const QString& failureMessage) {
+    reporter.CheckInterpreterResult(engine.ExecuteCode(statement, QStringLiteral("<Tool>")),
+                                    failureMessage);
 }
 
 void raiseWithReport(AppState& state, ReportForm form, const QString& firstLine,

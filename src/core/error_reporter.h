@@ -21,6 +21,8 @@ public:
     // Handles a run-time error that reached a handler at the top of a chain:
     // prepends the handler's block, reports the chain, and clears it.
     void reportAtTop(ReportForm form, const QString& firstLine, const RunTimeError& error);
+    // The report of a failure that stopped an event handler of a window.
+    void reportHandlerFailure(const RunTimeError& error);
 
     AppState& state() { return state_; }
 
@@ -29,6 +31,13 @@ private:
     ErrorDisplay& display_;
     ProcessControl& process_;
 };
+
+class EngineLink;
+
+// Runs one of the front end's own statements in the engine; a failure is
+// shown with failureMessage.
+void runTool(EngineLink& engine, ErrorReporter& reporter, const QString& statement,
+             const QString& failureMessage);
 
 // Builds the handler's block into the state's error chain and raises again, as
 // routines in the middle of a call chain do.

@@ -217,11 +217,11 @@ void MainForm::SwitchToTab(int tab) {
                                  "EditCutMenuButton", "EditCopyMenuButton", "EditDeleteMenuButton"},
                                 false);
                 if (old != 0)
-                    runTool(QStringLiteral("RestoreHandbasket()"),
+                    runTool(engine_, reporter_, QStringLiteral("RestoreHandbasket()"),
                             QStringLiteral("MainForm:SwitchToTab: Error restoring handbasket."));
             } else {
                 if (old == 0)
-                    runTool(QStringLiteral("PreserveHandbasket()"),
+                    runTool(engine_, reporter_, QStringLiteral("PreserveHandbasket()"),
                             QStringLiteral("MainForm:SwitchToTab: Error restoring handbasket."));
                 enableMenuItems({"EditUndoTextMenuButton", "EditCutMenuButton",
                                  "EditCopyMenuButton", "EditDeleteMenuButton"},
@@ -292,11 +292,6 @@ void MainForm::moveCameraView(QWidget* host) {
         renderForm_.show();
 }
 
-void MainForm::runTool(const QString& statement, const QString& failureMessage) {
-    reporter_.CheckInterpreterResult(engine_.ExecuteCode(statement, QStringLiteral("<Tool>")),
-                                     failureMessage);
-}
-
 void MainForm::LVUndoFromLog() {
     // The event list keeps no log yet: nothing of it can need undoing.
 }
@@ -307,8 +302,7 @@ void MainForm::Dispatch(const ScriptRequest&) {
 }
 
 void MainForm::ReportError(const RunTimeError& error) {
-    reporter_.reportAtTop(
-        ReportForm::C, QStringLiteral("VB: ") + error.source() + QStringLiteral(" -Error"), error);
+    reporter_.reportHandlerFailure(error);
 }
 
 void MainForm::buildMenus() {

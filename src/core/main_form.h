@@ -100,7 +100,6 @@ private:
     void enableMenuItems(std::initializer_list<const char*> controls, bool enabled);
     void moveCameraView(QWidget* host);
     QWidget* cameraViewHost() const;
-    void runTool(const QString& statement, const QString& failureMessage);
     void IdleTimer_Timer();
     // Answers whether the world was saved.
     bool FileSaveMenuButton_Click();

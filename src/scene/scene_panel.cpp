@@ -77,14 +77,8 @@ void ScenePanel::guarded(const std::function<void()>& handler) {
     try {
         asRunTimeError(handler);
     } catch (const RunTimeError& e) {
-        reporter_.reportAtTop(ReportForm::C,
-                              QStringLiteral("VB: ") + e.source() + QStringLiteral(" -Error"), e);
+        reporter_.reportHandlerFailure(e);
     }
-}
-
-void ScenePanel::runTool(const QString& statement, const QString& failureMessage) {
-    reporter_.CheckInterpreterResult(engine_.ExecuteCode(statement, QStringLiteral("<Tool>")),
-                                     failureMessage);
 }
 
 bool ScenePanel::acceptableName(const QString& name) {
@@ -133,14 +127,14 @@ void ScenePanel::connectObjectTree2() {
 void ScenePanel::connectFoldingSounds(TreeControlView& view, const QString& control) {
     connect(&view, &TreeControlView::Expand, this, [this, control] {
         guarded([&] {
-            runTool(QStringLiteral("playsystemsound('TreeExpand')"),
+            runTool(engine_, reporter_, QStringLiteral("playsystemsound('TreeExpand')"),
                     QStringLiteral("MainForm:") + control +
                         QStringLiteral("_Expand: Error playing sound."));
         });
     });
     connect(&view, &TreeControlView::Collapse, this, [this, control] {
         guarded([&] {
-            runTool(QStringLiteral("PlaySystemSound('TreeCollapse')"),
+            runTool(engine_, reporter_, QStringLiteral("PlaySystemSound('TreeCollapse')"),
                     QStringLiteral("MainForm:") + control +
                         QStringLiteral("_Collapse: Error playing sound."));
         });
@@ -188,7 +182,7 @@ void ScenePanel::ObjectTree_MouseDown(Qt::MouseButton button, const QPoint& poin
 }
 
 void ScenePanel::ObjectTree_NodeClick(TreeNode*) {
-    runTool(QStringLiteral("PlaySystemSound('Selection')"),
+    runTool(engine_, reporter_, QStringLiteral("PlaySystemSound('Selection')"),
             QStringLiteral("MainForm:ObjectTree_NodeClick: Error calling python."));
     // The command line, once there is one, takes the object's name from here.
 }
@@ -250,10 +244,11 @@ void ScenePanel::ObjectTree_DragDrop() {
     }
     // Dropping on a node of the same label asks for nothing, even another object.
     if (pressed->Text().compare(target->Text(), Qt::CaseInsensitive) != 0) {
-        runTool(pressed->Tag() + QStringLiteral(".BecomeChildOf(") + target->Tag() +
+        runTool(engine_, reporter_,
+                pressed->Tag() + QStringLiteral(".BecomeChildOf(") + target->Tag() +
                     QStringLiteral(",Duration=0)"),
                 QStringLiteral("MainForm:ObjectTree_DragDrop: Error reparenting object."));
-        runTool(QStringLiteral("playsystemsound('TreeDrop')"),
+        runTool(engine_, reporter_, QStringLiteral("playsystemsound('TreeDrop')"),
                 QStringLiteral("MainForm:ObjectTree_DragDrop: Error playing sound."));
     }
     tree.SetDropHighlight(nullptr);
@@ -290,7 +285,8 @@ void ScenePanel::ObjectTree_AfterLabelEdit(TreeNode*, const QString& newString) 
         return; // left as it was: nothing to ask
     if (!acceptableName(name))
         return;
-    runTool(trees_.SelectedObjectName + QStringLiteral(".Rename('") + name + QStringLiteral("')"),
+    runTool(engine_, reporter_,
+            trees_.SelectedObjectName + QStringLiteral(".Rename('") + name + QStringLiteral("')"),
             QStringLiteral("MainForm:ObjectTree_AfterLabelEdit: Error on call to python."));
 }
 
@@ -343,7 +339,7 @@ void ScenePanel::SoundTree_DblClick() {
     TreeNode* selected = trees_.SoundTree.SelectedItem();
     if (!selected)
         return;
-    runTool(QStringLiteral("Playsound(") + selected->Text() + QLatin1Char(')'),
+    runTool(engine_, reporter_, QStringLiteral("Playsound(") + selected->Text() + QLatin1Char(')'),
             QStringLiteral("MainForm: SoundTree: Error Playing Sound."));
     trees_.SoundTree.SetDropHighlight(selected);
 }
@@ -352,7 +348,8 @@ void ScenePanel::SoundTree_KeyUp(int key) {
     TreeNode* selected = trees_.SoundTree.SelectedItem();
     if (key != Qt::Key_Delete || !selected)
         return;
-    runTool(QStringLiteral("Vessa.GetDefaultScene().RemoveSound(") + selected->Text() +
+    runTool(engine_, reporter_,
+            QStringLiteral("Vessa.GetDefaultScene().RemoveSound(") + selected->Text() +
                 QLatin1Char(')'),
             QStringLiteral("MainForm: SoundTree: Error Deleting Sound."));
 }
@@ -360,7 +357,8 @@ void ScenePanel::SoundTree_KeyUp(int key) {
 void ScenePanel::SoundTree_AfterLabelEdit(const QString& newString) {
     if (!acceptableName(newString))
         return;
-    runTool(trees_.SelectedSoundName + QStringLiteral(".Rename('") + newString +
+    runTool(engine_, reporter_,
+            trees_.SelectedSoundName + QStringLiteral(".Rename('") + newString +
                 QStringLiteral("')"),
             QStringLiteral("MainForm:SoundTree_AfterLabelEdit: Error on call to python."));
 }

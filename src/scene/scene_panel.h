@@ -68,8 +68,6 @@ private:
     void ObjectTree_NodeClick(TreeNode* node);
     // Starts a drag of a node of one of the trees; the drop decides what it means.
     void beginDrag(TreeControlView& view, TreeNode* node);
-    // Runs a statement of the front end's own in the engine; a failure is reported.
-    void runTool(const QString& statement, const QString& failureMessage);
     // Asks the engine whether the text can name an object; tells the user if not.
     bool acceptableName(const QString& name);
     void guarded(const std::function<void()>& handler);
