@@ -13,10 +13,10 @@ from vessa import backend as backends
 def _core_backend():
     """The compiled backend; a build that has it must be able to import it."""
     folder = os.path.dirname(vessa.__file__)
-    if not glob.glob(os.path.join(folder, "_core*.so")):
+    if not glob.glob(os.path.join(folder, "_backend*.so")):
         pytest.skip("the compiled backend is not built")
-    from vessa import _core
-    return _core.Backend
+    from vessa import _backend
+    return _backend.Backend
 
 
 @pytest.fixture(autouse=True, params=["python", "core"])

@@ -2,7 +2,7 @@
 
 The engine keeps every object's transform, color and drawing style in the
 backend and asks it to ease values over time; the backend knows nothing of
-names, parts, commands or events. The compiled backend `vessa._core` (scene
+names, parts, commands or events. The compiled backend `vessa._backend` (scene
 graph, drawing) implements the same methods; create() answers it when it can
 be imported and PythonBackend otherwise (a browser, a plain source tree).
 
@@ -92,10 +92,10 @@ DEFAULT_VALUES = {"position": (0.0, 0.0, 0.0), "orientation": geometry.IDENTITY,
 def create():
     """The compiled backend when it can be imported, else the Python one."""
     try:
-        from . import _core
+        from . import _backend
     except ImportError:
         return PythonBackend()
-    return _core.Backend()
+    return _backend.Backend()
 
 
 def _linear(t):
@@ -143,7 +143,7 @@ class _Tween:
 
 
 class PythonBackend:
-    """The reference backend: the same answers as `vessa._core`, nothing drawn."""
+    """The reference backend: the same answers as `vessa._backend`, nothing drawn."""
 
     def __init__(self):
         self._nodes = {}
@@ -178,7 +178,7 @@ class PythonBackend:
     def set_parent(self, node_id, parent_id):
         if parent_id is not None and parent_id not in self._nodes:
             raise KeyError(parent_id)
-        self._nodes[node_id]    # an unknown node is an error, as in _core
+        self._nodes[node_id]    # an unknown node is an error, as in _backend
         self._parents[node_id] = parent_id
 
     def get_style(self, node_id, style):

@@ -1,6 +1,6 @@
 // The scene graph as views draw it: where nodes end up in OpenSceneGraph's
 // frame, and which OSG nodes hold which.
-#include "backend/backend.h"
+#include "facade/backend.h"
 #include "scene/engine_frame.h"
 
 #include <gtest/gtest.h>

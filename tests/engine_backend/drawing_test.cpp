@@ -1,6 +1,6 @@
 // Frames of small fixed worlds, drawn by Mesa under Xvfb, compared with the
 // colours they must show within a tolerance.
-#include "backend/backend.h"
+#include "facade/backend.h"
 #include "scene/engine_frame.h"
 #include "view/view_widget.h"
 

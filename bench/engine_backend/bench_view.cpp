@@ -3,7 +3,7 @@
 // (target 30+; the home folder's gallery, VESSA47_HOME, else a made-up
 // animal), what a still world draws (nothing), and one pick (target under
 // 2 ms). VESSA_DRAWING_OUTPUT names a folder for a picture of the crowd.
-#include "backend/backend.h"
+#include "facade/backend.h"
 #include "scene/engine_frame.h"
 #include "view/view_widget.h"
 

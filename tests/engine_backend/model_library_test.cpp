@@ -1,5 +1,5 @@
 // Model files into parts and shared shapes, and objects back into files.
-#include "backend/backend.h"
+#include "facade/backend.h"
 #include "models/lighter_shape.h"
 #include "models/model_library.h"
 #include "models/model_reading.h"

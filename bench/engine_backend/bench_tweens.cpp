@@ -1,5 +1,5 @@
 // One step of the backend with a thousand tweens running (target: under 1 ms).
-#include "backend/backend.h"
+#include "facade/backend.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,7 +1,7 @@
-// `vessa._core`: the compiled backend as the engine's Python layer sees it.
+// `vessa._backend`: the compiled backend as the engine's Python layer sees it.
 // Each method converts Python values and hands over to vessa::core::Backend;
 // the interface itself is written down in vessa/backend.py.
-#include "backend/backend.h"
+#include "facade/backend.h"
 #include "sound/sound_player.h"
 
 #include <pybind11/pybind11.h>
@@ -99,7 +99,7 @@ py::dict toDict(const vessa::core::InputEvent& event) {
 
 } // namespace
 
-PYBIND11_MODULE(_core, m) {
+PYBIND11_MODULE(_backend, m) {
     m.doc() = "The compiled backend of the Vessa47 engine: scene graph, tweens and drawing.";
     py::register_exception<std::out_of_range>(m, "UnknownNode", PyExc_KeyError);
     py::register_exception<vessa::core::ModelError>(m, "ModelError", PyExc_ValueError);

@@ -18,7 +18,7 @@ namespace vessa::core {
 using StyleValue = std::variant<bool, std::string>;
 using NodeValues = std::array<ChannelValue, kChannelCount>;
 
-// The compiled backend of the engine, the C++ side of `vessa._core.Backend`:
+// The compiled backend of the engine, the C++ side of `vessa._backend.Backend`:
 // the engine's Python layer keeps names, commands and events and tells this
 // class where nodes are, how they look and which changes to ease over time.
 // It owns the scene graph that views draw. Names of channels and styles are

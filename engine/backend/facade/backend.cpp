@@ -1,4 +1,4 @@
-#include "backend/backend.h"
+#include "facade/backend.h"
 
 #include "models/model_library.h"
 
