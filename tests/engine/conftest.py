@@ -10,7 +10,7 @@ from vessa import Interpreter
 from vessa import backend as backends
 
 
-def _core_backend():
+def _compiled_backend():
     """The compiled backend; a build that has it must be able to import it."""
     folder = os.path.dirname(vessa.__file__)
     if not glob.glob(os.path.join(folder, "_backend*.so")):
@@ -19,10 +19,10 @@ def _core_backend():
     return _backend.Backend
 
 
-@pytest.fixture(autouse=True, params=["python", "core"])
+@pytest.fixture(autouse=True, params=["python", "compiled"])
 def backend_kind(request, monkeypatch):
     """Every engine test runs against both backends."""
-    make = backends.PythonBackend if request.param == "python" else _core_backend()
+    make = backends.PythonBackend if request.param == "python" else _compiled_backend()
     monkeypatch.setattr(backends, "create", make)
     return request.param
 

@@ -23,7 +23,7 @@ def promised():
 
 def test_each_gallery_object_has_the_parts_it_promises(backend_kind):
     objects = os.path.join(os.environ.get("VESSA47_HOME", ""), "Objects")
-    if backend_kind != "core" or not os.path.isfile(TABLE) or not os.path.isdir(objects):
+    if backend_kind != "compiled" or not os.path.isfile(TABLE) or not os.path.isdir(objects):
         pytest.skip("needs the compiled backend and the gallery in the home folder")
     engine = Interpreter()
     for folder, name, parts in promised():

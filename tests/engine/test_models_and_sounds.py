@@ -21,7 +21,7 @@ def world():
 
 @pytest.fixture
 def core_only(backend_kind):
-    if backend_kind != "core":
+    if backend_kind != "compiled":
         pytest.skip("model files are read by the compiled backend")
 
 
