@@ -104,6 +104,19 @@ def test_isvalidname_accepts_python_names_only(interp):
     assert not interp.isvalidname("camera")     # taken, whatever the case
 
 
+def test_object_menu_of_a_name_no_object_has_is_a_menu_with_nothing_to_act_on(interp):
+    menu = interp.PrepareObjectMenu("NoSuch")
+    assert len(menu) == 9 == len(interp.PrepareObjectMenu("Camera"))
+    assert menu[:2] == [False, "NoSuch"]    # no camera to point at it
+    assert menu[4:6] == [False, False]      # no model rows, not first class
+
+
+def test_methods_whose_work_is_still_to_come_say_so_instead_of_succeeding(interp):
+    for name in ["SaveForPlugin", "ImportVESFile", "OnTheFlyButton", "PreserveDefaultCameraPOV"]:
+        answer = getattr(interp, name)("a", "b")
+        assert name in answer and "not available" in answer, name
+
+
 def test_calls_after_close_are_harmless(interp):
     interp.Close()
     assert interp.ExecuteCode("x = 1", "<Tool>", "exec") is None

@@ -25,8 +25,9 @@ from .watchdog import Watchdog
 
 VERSION = "0.1.0"
 
-# Methods of the gateway that answer success and do nothing yet: they belong
-# to the scene file, drawing, sound and tool stages still to come.
+# Methods of the gateway whose work is still to come (the web export, archive
+# import and the code box's on-the-fly run): each answers that it is not
+# available, never a success for work it did not do.
 NOT_YET = (
     "PreserveDefaultCameraPOV", "OnTheFlyButton",
     "ImportVESFile", "SaveForPlugin",
@@ -312,10 +313,12 @@ class Interpreter:
 
     def PrepareObjectMenu(self, name):
         """[camera present, name, kind, id, is a model, first class,
-        lit (-1) or unlit (0), filling (0 points, 64 lines, 128 solid), texture (1/0)]."""
+        lit (-1) or unlit (0), filling (0 points, 64 lines, 128 solid), texture (1/0)].
+        For a name that no object has, a menu with nothing to act on: no
+        camera to point, not a model, kind and id empty."""
         thing = self.scene.find(str(name))
         if thing is None:
-            return []
+            return [False, str(name), "", "", False, False, 0, 128, 0]
         filling = {"points": 0, "lines": 64}.get(thing.filling.lower(), 128)
         return [bool(self.scene.cameras()), thing.name, thing.kind, str(thing.id),
                 thing.kind == "model", thing.first_class,
@@ -381,12 +384,12 @@ class Interpreter:
         return self._recent.rows()
 
 
-def _does_nothing_yet(name):
+def _not_available_yet(name):
     def method(self, *args):
-        return None
+        return "%s is not available yet in this version of the engine." % name
     method.__name__ = method.__qualname__ = name
     return method
 
 
 for _name in NOT_YET:
-    setattr(Interpreter, _name, _does_nothing_yet(_name))
+    setattr(Interpreter, _name, _not_available_yet(_name))
