@@ -104,7 +104,7 @@ def test_active_records_when_animations_start_and_all_end(world):
 def test_mistakes_get_messages_a_novice_understands(world):
     world.ExecuteCode("x = 1\nCamera.Move(1)\n", "<Script Text>", "exec")
     popup = tagged(misc(world), "popuperrordialog")[0]
-    assert popup[1:] == ["Camera.Move needs a direction, such as Forward, and a distance, such as 1",
+    assert popup[1:] == ["Camera.Move needs a direction, such as Forward, and a distance, such as 1.",
                          "2"]
 
 

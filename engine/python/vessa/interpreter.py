@@ -302,7 +302,8 @@ class Interpreter:
             return self.sounds.add(path)
 
     def isvalidname(self, text):
-        """The text can name a new object: a Python name no object uses."""
+        """The text can name a new object: a Python name that no object or
+        sound has, in any capitals, and no name the world's code relies on."""
         return self.scene.is_free_name(str(text))
 
     def SetCurrentObject(self, name):

@@ -16,7 +16,8 @@ def remember_source(tag, text):
 
 
 def novice_message(exc):
-    """One line a beginner can read, e.g. "NameError: name 'Bunyy' is not defined"."""
+    """One line a beginner can read: a Mistake's message as it stands, any
+    other error as Python names it ("ZeroDivisionError: division by zero")."""
     if isinstance(exc, (CodeTookTooLong, Mistake)):
         return str(exc)
     text = exc.msg if isinstance(exc, SyntaxError) else str(exc)

@@ -6,7 +6,7 @@ failures of the user's code go out as difference records.
 
 import re
 
-from . import compat, records, reports
+from . import compat, explain, records, reports
 
 USER_SOURCES = frozenset({"<Script Text>", "<treeview>", "<Command Line>"})
 
@@ -96,5 +96,6 @@ class CodeRunner:
         return None
 
     def _report_to_user(self, exc, detail):
+        exc = explain.in_world_words(exc, self.namespace, USER_SOURCES)
         self._queue.write("error", reports.user_traceback(exc, USER_SOURCES))
         self._queue.add_misc(records.popup_error(reports.novice_message(exc), detail))
