@@ -10,7 +10,8 @@ import os
 
 from . import backend as backends
 from . import geometry as g
-from . import backups, compat, events, models, namespace, places, records, scenefile, sounds
+from . import backups, compat, events, models, namespace, places, records, reports
+from . import scenefile, sounds
 from .animation import Animator
 from .capture import Capture
 from .clock import WallClock
@@ -60,6 +61,7 @@ class Interpreter:
         self.scene.namespace = namespace.build(self)
         self._runner = CodeRunner(self.scene.namespace, self._queue,
                                   Capture(self._queue), self._watchdog)
+        self.animator.where, self.animator.on_mistake = self._runner.where, self._runner.tell
         self.view_input = ViewInput(self.scene, self._queue, self.default_camera,
                                     self._mouse_tool, self._mouse_event, self.KeyEvent)
 
@@ -127,9 +129,15 @@ class Interpreter:
     # -- running and polling ------------------------------------------------
 
     def Loop(self):
-        """Takes the view's mouse and keys, then advances animations."""
-        self.view_input.step(self.animator.now())
-        self.animator.step()
+        """Takes the view's mouse and keys, then advances animations. A
+        mistake of the world is told by its own record; a fault of the
+        engine stops what runs and comes back as the failure text."""
+        try:
+            self.view_input.step(self.animator.now())
+            self.animator.step()
+        except Exception as exc:
+            self.animator.stop_all()
+            return reports.full_traceback(exc)
         return None
 
     def GetLoopWait(self):

@@ -89,6 +89,16 @@ class CodeRunner:
                 return False
         return True
 
+    def where(self):
+        """The line of the user's code running now, as a popup gives it;
+        None outside it."""
+        return reports.current_line(USER_SOURCES)
+
+    def tell(self, exc, where):
+        """A failure found after the user's code ran (an animation step that
+        could not begin), told with the line that made it."""
+        self._report_to_user(exc, where or reports.NO_LINE)
+
     def _failed(self, exc, tag, detail):
         if tag not in USER_SOURCES:
             return reports.full_traceback(exc)
