@@ -24,6 +24,9 @@ TOLD = [
     (("no_sound",), "Bunny.RemoveSound('Popp')", "There is no sound called Popp. Did you mean Pop?"),
     (("no_animation_command",), "Bunny.Move(Forward, 1).Strat()",
      "An animation has no command called Strat. Did you mean Start?"),
+    (("no_command_of",), "x = Pop.Plya()", "Pop has no command called Plya. Did you mean Play?"),
+    (("no_command_of",), "Vessa.GetDefaultScen()",
+     "Vessa has no command called GetDefaultScen. Did you mean GetDefaultScene?"),
     (("not_a_word",), "Bunny.Move(Forwards, 1)", "Forwards is not a direction. Did you mean Forward?"),
     (("not_a_word",), "Bunny.Move('Forwards', 1)", "Forwards is not a direction. Did you mean Forward?"),
     (("not_a_word",), "Bunny.SetColor(Purpel)", "Purpel is not a color. Did you mean Purple?"),
@@ -134,10 +137,3 @@ def test_hand_written_python_keeps_pythons_message_with_the_near_name(world):
     popup, _ = told(world, "x = 1 / 0\n")
     assert popup[1] == "ZeroDivisionError: division by zero"
 
-
-def test_a_style_or_color_that_is_no_word_is_refused_not_taken_for_another(world):
-    told(world, "Bunny.Move(Forward, 1, Style='Quickly')")
-    told(world, "Bunny.SetColor('Mauve')")
-    world.clock.advance(2.0)
-    world.Loop()
-    assert world.scene.find("Bunny").GetPosition() == [0, 0, 0]

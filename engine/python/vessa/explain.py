@@ -49,7 +49,9 @@ def in_world_words(exc, namespace, tags):
     if isinstance(exc, Mistake) or not isinstance(exc, Exception):
         return exc
     line = exc.text if isinstance(exc, SyntaxError) else _failed_line(exc, tags)
-    if is_world_line(line):
+    if isinstance(exc, AttributeError):
+        told = _engine_attribute(exc)
+    elif is_world_line(line):
         told = _world_mistake(exc, namespace, line)
     else:
         told = _python_error(exc, namespace)
@@ -64,8 +66,6 @@ def _failed_line(exc, tags):
 def _world_mistake(exc, namespace, line):
     if isinstance(exc, NameError) and exc.name:
         return _unknown_name(exc.name, _expected_kind(line, exc.name), _world_names(namespace))
-    if isinstance(exc, AttributeError) and isinstance(getattr(exc, "obj", None), Animation):
-        return _animation_attribute(exc)
     if isinstance(exc, SyntaxError):
         return Mistake("cant_read", reason=sentence(exc.msg))
     if isinstance(exc, VALUE_ERRORS):
@@ -77,15 +77,23 @@ def _python_error(exc, namespace):
     if isinstance(exc, NameError) and exc.name:
         hint = suggestion(exc.name, list(_world_names(namespace)) + dir(builtins))
         return NameError(sentence(str(exc)) + hint, name=exc.name) if hint else None
-    if isinstance(exc, AttributeError) and isinstance(getattr(exc, "obj", None), Animation):
-        return _animation_attribute(exc)    # its class's name means nothing to anyone
     return None
 
 
-def _animation_attribute(exc):
-    return Mistake("no_animation_command", name=exc.name,
-                   among=[a for a in dir(exc.obj)
-                          if not a.startswith("_") and callable(getattr(exc.obj, a))])
+def _engine_attribute(exc):
+    """A command that an animation, a sound, a word or `Vessa` lacks, told
+    by what it is to the world: the name of its class means nothing to
+    anyone, hand-written line or not."""
+    obj = getattr(exc, "obj", None)
+    if type(obj).__module__.partition(".")[0] != __name__.partition(".")[0] or not exc.name:
+        return None
+    among = [a for a in dir(obj) if not a.startswith("_") and callable(getattr(obj, a, None))]
+    if isinstance(obj, Animation):
+        return Mistake("no_animation_command", name=exc.name, among=among)
+    called = obj if isinstance(obj, v.Word) else getattr(obj, "name", None)
+    if not isinstance(called, str):
+        return None
+    return Mistake("no_command_of", object=called, name=exc.name, among=among)
 
 
 def _world_names(namespace):

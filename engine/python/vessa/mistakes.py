@@ -19,6 +19,7 @@ MESSAGES = {
     "no_command": "There is no command called {name}.",
     "no_part_or_command": "{object} has no part or command called {name}.",
     "no_animation_command": "An animation has no command called {name}.",
+    "no_command_of": "{object} has no command called {name}.",
     "not_a_word": "{name} is not {kind}.",
     "unknown_name": "Vessa does not know the name {name}.",
     # how a message goes on
@@ -102,11 +103,12 @@ class Mistake(Exception):
 
     def __init__(self, key, among=None, choices=None, **values):
         super().__init__(key)
-        self.key, self.values = key, values
+        self.values = values
+        self._template = MESSAGES[key]      # every message stands in the table
         self._among, self._choices = among, choices
 
     def __str__(self):
-        message = text(self.key, **self.values)
+        message = self._template.format(**self.values)
         name = self.values.get("name")
         among = self._among() if callable(self._among) else self._among
         hint = suggestion(name, among) if among is not None and name is not None else ""

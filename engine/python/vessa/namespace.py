@@ -12,6 +12,8 @@ from .commands import COMMAND_NAMES
 class UndoNames:
     """`Vessa.Undo`: Push(None, '[') ... Push(None, ']') groups steps."""
 
+    name = "Vessa.Undo"
+
     def __init__(self, stack):
         self._stack = stack
 
@@ -21,6 +23,8 @@ class UndoNames:
 
 class VessaNames:
     """The object called `Vessa` in the world's namespace."""
+
+    name = "Vessa"
 
     def __init__(self, engine):
         self._engine = engine
