@@ -192,6 +192,18 @@ TEST(StartUp, HelpWindowOpensOnlyWhenWantedAndThePageExists) {
     EXPECT_EQ(with.shell.helpPages, QStringList{page.fileName()});
 }
 
+TEST(StartUp, AnEngineThatCannotKeepTheCameraPointOfViewYetShowsNoError) {
+    ProgramHarness h;
+    h.configure = [](ScriptedInterpreter& e) {
+        e.handlers[QStringLiteral("PreserveDefaultCameraPOV")] = [](const QVariantList&) {
+            return QVariant(QStringLiteral("PreserveDefaultCameraPOV is not available yet."));
+        };
+    };
+    h.program.startUp();
+    EXPECT_TRUE(h.display.shown.isEmpty());
+    EXPECT_TRUE(h.state.RunEngineLoop);
+}
+
 TEST(StartUp, LateFailureGoesBackToTheCameraViewOnceThenEnds) {
     ProgramHarness once;
     int preserveCalls = 0;

@@ -5,7 +5,9 @@ import pytest
 from conftest import misc, tagged
 from vessa import Interpreter
 from vessa import geometry as g
+from vessa.animation import Primitive
 from vessa.clock import ManualClock
+from vessa.mistakes import Mistake
 
 
 @pytest.fixture
@@ -104,7 +106,7 @@ def test_active_records_when_animations_start_and_all_end(world):
 def test_mistakes_get_messages_a_novice_understands(world):
     world.ExecuteCode("x = 1\nCamera.Move(1)\n", "<Script Text>", "exec")
     popup = tagged(misc(world), "popuperrordialog")[0]
-    assert popup[1:] == ["Camera.Move needs a direction, such as Forward, and a distance, such as 1",
+    assert popup[1:] == ["Camera.Move needs a direction, such as Forward, and a distance, such as 1.",
                          "2"]
 
 
@@ -180,3 +182,68 @@ def test_a_failing_response_is_reported_with_its_line(world):
     world.KeyEvent("KeyUp", "A", 65)
     popup = tagged(misc(world), "popuperrordialog")[0]
     assert popup[2] == "2" and popup[1].startswith("AttributeError")
+
+
+def loop_at(engine, seconds):
+    engine.clock._now = seconds
+    assert engine.Loop() is None
+
+
+def test_a_parent_cycle_found_when_its_step_comes_is_told_and_the_rest_goes_on(world):
+    scene = world.scene
+    with world.undo.quiet():
+        scene.create("model", "Bunny", scene.root)
+        scene.create("model", "Ball", scene.root)
+    # each step is right when it is written; the second is wrong once the first has run
+    world.ExecuteCode("x = 1\nDoInOrder(Bunny.BecomeChildOf(Ball), Ball.BecomeChildOf(Bunny),\n"
+                      "          Bunny.Move(Up, 1), Bunny.Hide())\n", "<Script Text>", "exec")
+    loop_at(world, 0.0)
+    loop_at(world, 1.0)
+    records = misc(world)
+    assert tagged(records, "popuperrordialog") == [
+        ["popuperrordialog", "Ball can't become a child of Bunny.", "2"]]
+    assert tagged(records, "error")[0][1] == "Ball can't become a child of Bunny.\n"
+    bunny = scene.find("Bunny")
+    assert bunny.parent is scene.find("Ball") and scene.find("Ball").parent is scene.root
+    assert where(world, "Bunny") == pytest.approx([0, 1, 0]) and not bunny.visible
+    assert tagged(records, "activechanged") == [["activechanged", "", True],
+                                                 ["activechanged", "", False]]
+    assert world.GetLoopWait() == -1
+
+
+def test_a_step_that_fails_as_it_begins_is_passed_over_and_its_block_goes_on(world):
+    def broken():
+        raise Mistake("no_object", name="Boing")
+    world.ExecuteCode("Hop = DoTogether(Camera.Move(Up, 1))", "<Script Text>", "exec")
+    hop = world.scene.namespace["Hop"]
+    hop.children.append(Primitive(world.animator, "Camera.Broken", 5, "Gently", broken))
+    loop_at(world, 0.0)
+    assert tagged(misc(world), "popuperrordialog")[0][1:] == ["There is no object called Boing.", "-1"]
+    loop_at(world, 1.0)
+    assert where(world) == pytest.approx([0, 1, 0])
+    assert world.GetLoopWait() == -1     # the block ended with its one good step
+
+
+def test_a_fault_of_the_engine_in_loop_comes_back_as_its_answer_and_stops_the_world(world):
+    run(world, "Camera.Move(Forward, 10, Duration=10)")
+    loop_at(world, 0.0)
+
+    def faulty():
+        raise RuntimeError("a fault of the engine")
+    world.animator.step = faulty
+    world.clock._now = 1.0
+    assert "a fault of the engine" in world.Loop()
+    assert tagged(misc(world), "activechanged")[-1] == ["activechanged", "", False]
+    assert world.GetLoopWait() == -1
+
+
+def test_a_python_statement_among_a_blocks_animations_runs_and_the_block_goes_on(world):
+    # the script tree writes a hand-written line as an item of its block
+    world.ExecuteCode("Hop = DoInOrder(\r\n\tprint('hi'),\r\n\tCamera.Move(Forward, 1),\r\n"
+                      "\tDoTogether(\r\n\t\tlen('abc'),\r\n\t\tCamera.Move(Up, 1),\r\n\t),\r\n"
+                      ").stop()\r\nHop.Copy().Start()\r\n", "<treeview>", "exec")
+    loop_at(world, 0.0)
+    loop_at(world, 2.0)
+    assert where(world) == pytest.approx([0, 1, 1])
+    assert misc(world) == [["output", "hi\n"], ["undoemptychange", "", False],
+                           ["activechanged", "", True], ["activechanged", "", False]]

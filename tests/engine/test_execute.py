@@ -101,6 +101,14 @@ def test_single_mode_prints_expression_values_but_not_none(interp):
     assert misc(interp) == [["output", "7\n0\n1\n"]]
 
 
+def test_a_typed_command_runs_without_echoing_the_animation_it_gives_back(interp):
+    interp.ExecuteCode("Camera.Move(Forward, 1)", "<Command Line>", "single")
+    interp.ExecuteCode("DoInOrder(Camera.Turn(Left, 1), Camera.Hide())", "<Command Line>", "single")
+    interp.ExecuteCode("Camera.GetName()", "<Command Line>", "single")
+    assert misc(interp) == [["output", "'Camera'\n"]]
+    assert interp.GetLoopWait() == 0        # both will run
+
+
 def test_exec_mode_does_not_print_expression_values(interp):
     interp.ExecuteCode("3 + 4", "<Script Text>", "exec")
     assert misc(interp) == []

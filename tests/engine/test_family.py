@@ -152,4 +152,4 @@ def test_destroy_leaves_what_howmuch_spares_where_it_was(world, trees, how_much,
 ])
 def test_a_word_of_another_kind_is_told_what_the_command_takes(world, command, says):
     world.ExecuteCode("Bunny.%s(Red)" % command, "<Script Text>", "exec")
-    assert tagged(misc(world), "popuperrordialog")[0][1] == "Bunny.%s needs %s" % (command, says)
+    assert tagged(misc(world), "popuperrordialog")[0][1] == "Bunny.%s needs %s." % (command, says)

@@ -2,7 +2,7 @@
 
 import os
 
-from conftest import misc
+from conftest import misc, tagged
 
 GATEWAY_METHODS = """
 CheckForDirectX Initialize ScreenWidth ScreenHeight ReadRegistryHomeDir
@@ -96,12 +96,40 @@ def test_recent_files_keep_order_and_move_a_reopened_world_to_the_top(interp):
     assert len(interp.GetRecentFiles()) == 9
 
 
-def test_isvalidname_accepts_python_names_only(interp):
-    assert interp.isvalidname("Bunny2")
+# The world's language, the front end's statements, Python: in any capitals.
+TAKEN_NAMES = """
+Vessa DoInOrder DoTogether Forward forward FORWARD Red Wait PlaySound print Print undo
+PreserveHandbasket __builtins__ _x Move turn Gently ObjectOnly LeftMouseDown class match
+len c ev AnyWhere TVDef_KeyDown_Hop camera Scene
+""".split()
+
+
+def test_isvalidname_accepts_only_names_that_break_nothing(interp):
+    assert interp.isvalidname("Bunny2") and interp.isvalidname("Hopper")
     assert not interp.isvalidname("2Bunny")
     assert not interp.isvalidname("my bunny")
-    assert not interp.isvalidname("class")
-    assert not interp.isvalidname("camera")     # taken, whatever the case
+    refused = [name for name in TAKEN_NAMES if interp.isvalidname(name)]
+    assert refused == []
+
+
+def test_a_refused_rename_leaves_the_worlds_words_working(interp):
+    interp.ExecuteCode("Camera.rename('Forward')", "<Script Text>", "exec")
+    interp.ExecuteCode("Camera.rename('PreserveHandbasket')", "<Script Text>", "exec")
+    assert len(tagged(misc(interp), "popuperrordialog")) == 2
+    assert interp.ExecuteCode("PreserveHandbasket()\nCamera.Move(Forward, 1)", "<Tool>", "exec") is None
+
+
+def test_object_menu_of_a_name_no_object_has_is_a_menu_with_nothing_to_act_on(interp):
+    menu = interp.PrepareObjectMenu("NoSuch")
+    assert len(menu) == 9 == len(interp.PrepareObjectMenu("Camera"))
+    assert menu[:2] == [False, "NoSuch"]    # no camera to point at it
+    assert menu[4:6] == [False, False]      # no model rows, not first class
+
+
+def test_methods_whose_work_is_still_to_come_say_so_instead_of_succeeding(interp):
+    for name in ["SaveForPlugin", "ImportVESFile", "OnTheFlyButton", "PreserveDefaultCameraPOV"]:
+        answer = getattr(interp, name)("a", "b")
+        assert name in answer and "not available" in answer, name
 
 
 def test_calls_after_close_are_harmless(interp):

@@ -187,3 +187,18 @@ def test_the_camera_can_start_where_a_run_took_it(world):
     assert camera.parent is world.scene.root and bunny.GetPosition() == pytest.approx([0, 0, 0])
     assert camera.GetPosition() == pytest.approx(place[0])
     assert camera.world_orientation() == pytest.approx(place[1])
+
+
+def test_a_part_named_as_a_word_of_the_world_keeps_its_name_through_a_run(world):
+    # a chair's Back is a part, reached as Chair.Back; only as an object of
+    # its own would it hide the direction Back
+    scene = world.scene
+    with world.undo.quiet():
+        chair = scene.create("model", "Chair", scene.root)
+        scene.create("model", "Back", chair, first_class=False)
+    run(world, "PreserveHandbasket()", steps=False)
+    run(world, "Chair.Back.becomefirstclass()", steps=False)
+    assert scene.find("Back2").parent is chair
+    run(world, "RestoreHandbasket()", steps=False)
+    assert scene.find("Chair.Back") is not None
+    assert world.ExecuteCode("Camera.Move(Back, 1)", "<Tool>", "exec") is None

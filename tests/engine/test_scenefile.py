@@ -113,6 +113,29 @@ def test_a_hostile_scene_file_is_refused_without_running_anything(interp, tmp_pa
     assert tagged(misc(interp), "error")
 
 
+@pytest.mark.parametrize("statement", [
+    "Object(kind='model', name='Forward', parent='Scene')",
+    "Object(kind='model', name='preservehandbasket', parent='Scene', firstclass=True)",
+    "Sound(name='Wait', file='Pop.wav')",
+])
+def test_a_scene_file_naming_a_thing_as_the_worlds_code_names_another_is_refused_with_its_line(
+        interp, tmp_path, statement):
+    (tmp_path / "World_Scene.py").write_text(SCENE + "Object(kind='camera', name='Camera', "
+                                             "parent='Scene')\n" + statement + "\n")
+    before = describe(interp)
+    result = interp.LoadWorld(str(tmp_path))
+    assert result.startswith("World_Scene.py line 3: ") and "can't be the name" in result
+    assert describe(interp) == before
+
+
+def test_a_part_may_have_a_name_that_only_first_class_objects_may_not(interp, tmp_path):
+    (tmp_path / "World_Scene.py").write_text(SCENE + "Object(kind='model', name='Chair', "
+                                             "parent='Scene')\nObject(kind='model', name='Back', "
+                                             "parent='Chair', firstclass=False)\n")
+    assert interp.LoadWorld(str(tmp_path)) is None
+    assert interp.scene.find("Chair.Back") is not None
+
+
 def test_a_missing_scene_file_is_reported(interp, tmp_path):
     assert "can't be read" in interp.LoadWorld(str(tmp_path / "nowhere"))
 

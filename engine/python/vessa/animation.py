@@ -6,12 +6,18 @@ at the time it was made. Handing it to DoInOrder or DoTogether takes it off
 the pending list, so it runs only as part of the block. Values never jump:
 each step of a sequence begins where the one before it ended, at that exact
 time, however coarse the steps of Loop() are.
+
+A mistake that shows only when a step begins or ends (an object to see by
+that is gone, a parent that would become its own child) is told through the
+animator, and that step is passed over: the rest of the world goes on.
 """
 
 STOPPED, RUNNING, DONE = "stopped", "running", "done"
 
 
 class Animation:
+    where = None        # the line of the world's code that made it, once made
+
     def __init__(self, animator):
         self._animator = animator
         self.state = STOPPED
@@ -64,12 +70,20 @@ class Primitive(Animation):
         return "<%s>" % self.label
 
     def _copy(self):
-        return Primitive(self._animator, self.label, self.duration, self.style,
+        twin = Primitive(self._animator, self.label, self.duration, self.style,
                          self._prepare, self._finish)
+        twin.where = self.where
+        return twin
 
     def begin(self, when, on_done):
         self.state, self._on_done, self._end = RUNNING, on_done, when + self.duration
-        changes = self._prepare() if self._prepare else []
+        try:
+            changes = self._prepare() if self._prepare else []
+        except Exception as exc:
+            self._animator.failed(self, exc)
+            self.state, self._end = DONE, when
+            on_done(self, when)
+            return
         self._tweens = set(self._animator.add_tweens(self, changes, when, self.duration, self.style))
 
     def tween_done(self, tween_id):
@@ -78,7 +92,10 @@ class Primitive(Animation):
             return
         self.state = DONE
         if self._finish:
-            self._finish()
+            try:
+                self._finish()
+            except Exception as exc:
+                self._animator.failed(self, exc)
         self._on_done(self, self._end)
 
     def _halt(self):
@@ -87,21 +104,24 @@ class Primitive(Animation):
 
 
 class Block(Animation):
+    """Its children are the animations it is given. A hand-written statement
+    written among them has run by the time the block is made, as Python
+    runs it; what it gives back (None, mostly) is passed over."""
+
     def __init__(self, animator, children):
         super().__init__(animator)
-        for child in children:
-            if not isinstance(child, Animation):
-                raise TypeError("%s takes animations, such as Camera.Move(Forward, 1), not %r"
-                                % (type(self).__name__, child))
+        self.children = [child for child in children if isinstance(child, Animation)]
+        for child in self.children:
             animator.forget(child)
-        self.children = list(children)
         self._on_done = None
 
     def __repr__(self):
         return "%s(%s)" % (type(self).__name__, ", ".join(map(repr, self.children)))
 
     def _copy(self):
-        return type(self)(self._animator, [c.Copy() for c in self.children])
+        twin = type(self)(self._animator, [c.Copy() for c in self.children])
+        twin.where = self.where
+        return twin
 
     def _halt(self):
         for child in self.children:
@@ -156,6 +176,8 @@ class Animator:
         self.backend = backend
         self.clock = clock
         self._on_activity = on_activity
+        self.where = lambda: None                   # the line of the world's code now running
+        self.on_mistake = lambda exc, where: None   # hears of a step that failed
         self._owners = {}       # tween id -> Primitive
         self._pending = {}      # Animation -> time it was made
         self._running = set()
@@ -165,7 +187,11 @@ class Animator:
         return self.clock.now()
 
     def made(self, animation):
+        animation.where = self.where()
         self._pending[animation] = self.now()
+
+    def failed(self, animation, exc):
+        self.on_mistake(exc, animation.where)
 
     def block(self, kind, children):
         """A DoInOrder or DoTogether made by the world: it starts on its own."""

@@ -3,6 +3,8 @@
 import io
 import sys
 
+from .animation import Animation
+
 
 class _Stream(io.TextIOBase):
     def __init__(self, queue, kind):
@@ -23,6 +25,14 @@ class _Stream(io.TextIOBase):
         return len(text)
 
 
+def show(value):
+    """How a prompt shows the value of a typed expression, but for an
+    animation: a typed command gives one back, and it shows itself by
+    running."""
+    if not isinstance(value, Animation):
+        sys.__displayhook__(value)
+
+
 class Capture:
     """Context manager: while active, stdout and stderr feed the queue and an
     expression statement compiled in "single" mode prints its value there."""
@@ -34,7 +44,7 @@ class Capture:
     def __enter__(self):
         self._saved.append((sys.stdout, sys.stderr, sys.displayhook))
         sys.stdout, sys.stderr = self._streams
-        sys.displayhook = sys.__displayhook__
+        sys.displayhook = show
         return self
 
     def __exit__(self, *exc_info):

@@ -2,7 +2,7 @@
 
 Each command checks its values, then answers an animation that computes its
 change when it begins (so a step of a sequence starts from where the step
-before it left the object). Optional values come by keyword (AsSeenBy,
+before it left the object). Optional values come by keyword only (AsSeenBy,
 Duration, Style, Speed, Volume); the flags HowMuch, LikeRubber and
 Yes/No/Toggle come bare, after the essential values.
 """
@@ -13,7 +13,7 @@ from numbers import Real
 from . import geometry as g
 from . import vocabulary as v
 from .animation import Primitive
-from .mistakes import Mistake
+from .mistakes import Mistake, not_a_word
 from .sounds import names_a_sound
 
 DEFAULT_DURATION = 1.0
@@ -39,13 +39,28 @@ class Commands:
     """Mixed into scene objects; relies on their frame and family methods."""
 
     def _need(self, command, wants):
-        raise Mistake("%s.%s needs %s" % (self.name, command, wants))
+        raise Mistake("needs", object=self.name, command=command, wants=wants)
+
+    def _word(self, command, value, table, kind, wants):
+        """The entry of table that value names. A text that is no word at
+        all is told so; a word of another kind, what the command needs."""
+        entry = table.get(v.key(value)) if isinstance(value, str) else None
+        if entry is None:
+            if isinstance(value, str) and not v.any_word(value):
+                raise not_a_word(value, kind, table)
+            self._need(command, wants)
+        return entry
+
+    def _frame(self, as_seen_by):
+        """The object whose axes a direction is given in."""
+        return self if as_seen_by is None else self.scene.thing(as_seen_by)
 
     def _animate(self, label, prepare, duration=DEFAULT_DURATION, style=DEFAULT_STYLE,
                  finish=None):
         if not _number(duration) or duration < 0:
-            raise Mistake("%s.%s: Duration must be a number of seconds, such as 1"
-                          % (self.name, label))
+            raise Mistake("duration", object=self.name, command=label)
+        if not v.is_word(style, "style"):
+            raise not_a_word(style, "style")
         animation = Primitive(self.scene.animator, "%s.%s" % (self.name, label),
                               duration, style, prepare and self._remembering(prepare), finish)
         self.scene.animator.made(animation)
@@ -62,9 +77,8 @@ class Commands:
             return changes
         return prepare_and_remember
 
-    def _to_parent_frame(self, vector, as_seen_by):
-        """A vector given in as_seen_by's axes, in the axes of self's parent."""
-        frame = self if as_seen_by is None else self.scene.thing(as_seen_by)
+    def _to_parent_frame(self, vector, frame):
+        """A vector given in frame's axes, in the axes of self's parent."""
         world = g.rotate(frame.world_orientation(), vector)
         if self.parent is None:
             return world
@@ -83,19 +97,21 @@ class Commands:
 
     # -- moving -------------------------------------------------------------
 
-    def Move(self, direction=None, distance=None, AsSeenBy=None, Duration=DEFAULT_DURATION,
+    def Move(self, direction=None, distance=None, *, AsSeenBy=None, Duration=DEFAULT_DURATION,
              Style=DEFAULT_STYLE, Speed=None):
-        vector = v.MOVE_DIRECTIONS.get(v.key(direction)) if isinstance(direction, str) else None
-        if vector is None or not _number(distance):
-            self._need("Move", "a direction, such as Forward, and a distance, such as 1")
+        wants = "a direction, such as Forward, and a distance, such as 1"
+        vector = self._word("Move", direction, v.MOVE_DIRECTIONS, "direction", wants)
+        if not _number(distance):
+            self._need("Move", wants)
         if _number(Speed) and Speed > 0:
             Duration = abs(distance) / Speed
+        frame = self._frame(AsSeenBy)
 
         def prepare():
-            return [(self.id, "position", g.scale(self._to_parent_frame(vector, AsSeenBy), distance))]
+            return [(self.id, "position", g.scale(self._to_parent_frame(vector, frame), distance))]
         return self._animate("Move", prepare, Duration, Style)
 
-    def Nudge(self, direction="Forward", distance=NUDGE_DISTANCE, AsSeenBy=None):
+    def Nudge(self, direction="Forward", distance=NUDGE_DISTANCE, *, AsSeenBy=None):
         """Moves at once, without taking time; on its own, a small step forward."""
         return self.Move(direction, distance, AsSeenBy=AsSeenBy, Duration=0)
 
@@ -103,31 +119,33 @@ class Commands:
         """Squashes the object flat, top to bottom, as if something sat on it."""
         return self.Resize("TopToBottom", FLATTENED, *flags, Duration=Duration, Style=Style)
 
-    def Pan(self, AsSeenBy=None, Duration=PAN_DURATION, Style=DEFAULT_STYLE):
+    def Pan(self, *, AsSeenBy=None, Duration=PAN_DURATION, Style=DEFAULT_STYLE):
         """Turns slowly once all the way round, looking about as a camera pans."""
         return self.Turn("Left", 1, AsSeenBy=AsSeenBy, Duration=Duration, Style=Style)
 
     def _rotate(self, command, table, direction, amount, as_seen_by, duration, style):
-        entry = table.get(v.key(direction)) if isinstance(direction, str) else None
-        if entry is None or not _number(amount):
-            self._need(command, "a direction, such as %s, and an amount of turning, such as 1/4"
-                       % ("Left" if command == "Roll" else "Left or Up"))
-        axis, sign = entry
+        wants = ("a direction, such as %s, and an amount of turning, such as 1/4"
+                 % ("Left" if command == "Roll" else "Left or Up"))
+        axis, sign = self._word(command, direction, table, "direction", wants)
+        if not _number(amount):
+            self._need(command, wants)
+        frame = self._frame(as_seen_by)
 
         def prepare():
             return [(self.id, "orientation",
-                     self._to_parent_frame(axis, as_seen_by) + (sign * amount * TURN,))]
+                     self._to_parent_frame(axis, frame) + (sign * amount * TURN,))]
         return self._animate(command, prepare, duration, style)
 
-    def Turn(self, direction=None, amount=None, AsSeenBy=None, Duration=DEFAULT_DURATION,
+    def Turn(self, direction=None, amount=None, *, AsSeenBy=None, Duration=DEFAULT_DURATION,
              Style=DEFAULT_STYLE):
         return self._rotate("Turn", v.TURN_DIRECTIONS, direction, amount, AsSeenBy, Duration, Style)
 
-    def Roll(self, direction=None, amount=None, AsSeenBy=None, Duration=DEFAULT_DURATION,
+    def Roll(self, direction=None, amount=None, *, AsSeenBy=None, Duration=DEFAULT_DURATION,
              Style=DEFAULT_STYLE):
         return self._rotate("Roll", v.ROLL_DIRECTIONS, direction, amount, AsSeenBy, Duration, Style)
 
-    def PointAt(self, target=None, AsSeenBy=None, Duration=DEFAULT_DURATION, Style=DEFAULT_STYLE):
+    def PointAt(self, target=None, *, AsSeenBy=None, Duration=DEFAULT_DURATION,
+                Style=DEFAULT_STYLE):
         if target is None:
             self._need("PointAt", "another object to point at, such as Camera")
         other = self.scene.thing(target)
@@ -139,14 +157,14 @@ class Commands:
             return self._turn_towards(g.look_rotation(direction))
         return self._animate("PointAt", prepare, Duration, Style)
 
-    def StandUp(self, AsSeenBy=None, Duration=DEFAULT_DURATION, Style=DEFAULT_STYLE):
+    def StandUp(self, *, AsSeenBy=None, Duration=DEFAULT_DURATION, Style=DEFAULT_STYLE):
         def prepare():
             forward = g.rotate(self.world_orientation(), g.FORWARD)
             level = (forward[0], 0.0, forward[2])
             return self._turn_towards(g.look_rotation(level if g.length(level) > 1e-9 else g.FORWARD))
         return self._animate("StandUp", prepare, Duration, Style)
 
-    def AlignWith(self, other=None, Duration=DEFAULT_DURATION, Style=DEFAULT_STYLE):
+    def AlignWith(self, other=None, *, Duration=DEFAULT_DURATION, Style=DEFAULT_STYLE):
         if other is None:
             self._need("AlignWith", "another object to line up with, such as Camera")
         other = self.scene.thing(other)
@@ -173,9 +191,10 @@ class Commands:
         """The object grows or shrinks along its own axes, and its parts with
         it: each part keeps its place on the object, scaled as the object is
         (HowMuch: ObjectAndParts unless another is given)."""
-        axes = v.RESIZE_DIRECTIONS.get(v.key(direction)) if isinstance(direction, str) else None
-        if axes is None or not _number(factor) or factor <= 0:
-            self._need("Resize", "a direction, such as InAllDirections, and a size factor, such as 2")
+        wants = "a direction, such as InAllDirections, and a size factor, such as 2"
+        axes = self._word("Resize", direction, v.RESIZE_DIRECTIONS, "resize", wants)
+        if not _number(factor) or factor <= 0:
+            self._need("Resize", wants)
         rubber = _flag(flags, "rubber", None) is not None and sum(axes) == 1
         how_much = _flag(flags, "howmuch", "objectandparts")
         # LikeRubber keeps the volume: the other two directions give way
@@ -184,9 +203,7 @@ class Commands:
         return self._animate("Resize", lambda: _resized(self, factors, how_much), Duration, Style)
 
     def SetColor(self, color=None, *flags, Duration=DEFAULT_DURATION, Style=DEFAULT_STYLE):
-        rgb = v.COLORS.get(v.key(color)) if isinstance(color, str) else None
-        if rgb is None:
-            self._need("SetColor", "a color, such as Red")
+        rgb = self._word("SetColor", color, v.COLORS, "color", "a color, such as Red")
         how_much = _flag(flags, "howmuch", "objectandparts")
 
         def prepare():
@@ -239,15 +256,17 @@ class Commands:
         return self._animate("Destroy", None, Duration, Style,
                              lambda: self.scene.destroy(self, how_much))
 
-    def BecomeFirstClass(self, Duration=0, Style=DEFAULT_STYLE):
+    def BecomeFirstClass(self, *, Duration=0, Style=DEFAULT_STYLE):
         """A part becomes an object of its own, known by its own name."""
         return self._animate("BecomeFirstClass", None, Duration, Style,
                              lambda: self.scene.set_first_class(self, True))
 
-    def BecomeChildOf(self, other=None, Duration=0, Style=DEFAULT_STYLE):
+    def BecomeChildOf(self, other=None, *, Duration=0, Style=DEFAULT_STYLE):
         if other is None:
             self._need("BecomeChildOf", "another object to belong to, such as Scene")
         other = self.scene.thing(other)
+        if other is self:
+            raise Mistake("own_parent", object=self.name, other=other.name)
         return self._animate("BecomeChildOf", None, Duration, Style,
                              lambda: self.scene.reparent(self, other))
 
@@ -262,14 +281,18 @@ class Commands:
             self._need("Wait", "a number of seconds, such as 1")
         return self._animate("Wait", None, duration)
 
-    def PlaySound(self, sound=None, Volume=1):
+    def PlaySound(self, sound=None, *, Volume=1):
         """Starts the sound and goes on at once; Volume 1 is the sound as it is."""
         if not names_a_sound(sound):
             self._need("PlaySound", 'a sound file name, such as "c:\\pickme.wav"')
         if not _number(Volume) or Volume < 0:
-            raise Mistake("%s.PlaySound: Volume must be a number, such as 0.5" % self.name)
+            raise Mistake("volume", object=self.name)
         return self._animate("PlaySound", None, 0, DEFAULT_STYLE,
                              lambda: self.scene.sounds.play(sound, Volume))
+
+
+# The commands of the world's language, as a line spells them.
+COMMAND_NAMES = tuple(name for name in vars(Commands) if name[:1].isupper())
 
 
 def _resized(thing, factors, how_much):
@@ -309,3 +332,4 @@ def _placed(thing, surface, other, distance):
     offset = [0.0, 0.0, 0.0]
     offset[axis] = sign * gap
     return g.add(other.world_position(), g.rotate(other.world_orientation(), tuple(offset)))
+

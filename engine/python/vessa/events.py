@@ -25,10 +25,9 @@ class Responses:
 
     def add(self, event, response):
         if not v.is_word(event, "event"):
-            raise Mistake("addresponse needs an event, such as LeftMouseDown or KeyDown, "
-                          "and then what to do")
+            raise Mistake("response_event")
         if not (callable(response) or isinstance(response, Animation)):
-            raise Mistake("addresponse needs an animation or a function to run")
+            raise Mistake("response_what")
         self._by_event.setdefault(v.key(event), []).append(response)
 
     def remove(self, event, response):

@@ -10,7 +10,8 @@ import os
 
 from . import backend as backends
 from . import geometry as g
-from . import backups, compat, events, models, namespace, places, records, scenefile, sounds
+from . import backups, compat, events, models, namespace, places, records, reports
+from . import scenefile, sounds
 from .animation import Animator
 from .capture import Capture
 from .clock import WallClock
@@ -25,8 +26,9 @@ from .watchdog import Watchdog
 
 VERSION = "0.1.0"
 
-# Methods of the gateway that answer success and do nothing yet: they belong
-# to the scene file, drawing, sound and tool stages still to come.
+# Methods of the gateway whose work is still to come (the web export, archive
+# import and the code box's on-the-fly run): each answers that it is not
+# available, never a success for work it did not do.
 NOT_YET = (
     "PreserveDefaultCameraPOV", "OnTheFlyButton",
     "ImportVESFile", "SaveForPlugin",
@@ -59,6 +61,7 @@ class Interpreter:
         self.scene.namespace = namespace.build(self)
         self._runner = CodeRunner(self.scene.namespace, self._queue,
                                   Capture(self._queue), self._watchdog)
+        self.animator.where, self.animator.on_mistake = self._runner.where, self._runner.tell
         self.view_input = ViewInput(self.scene, self._queue, self.default_camera,
                                     self._mouse_tool, self._mouse_event, self.KeyEvent)
 
@@ -126,9 +129,15 @@ class Interpreter:
     # -- running and polling ------------------------------------------------
 
     def Loop(self):
-        """Takes the view's mouse and keys, then advances animations."""
-        self.view_input.step(self.animator.now())
-        self.animator.step()
+        """Takes the view's mouse and keys, then advances animations. A
+        mistake of the world is told by its own record; a fault of the
+        engine stops what runs and comes back as the failure text."""
+        try:
+            self.view_input.step(self.animator.now())
+            self.animator.step()
+        except Exception as exc:
+            self.animator.stop_all()
+            return reports.full_traceback(exc)
         return None
 
     def GetLoopWait(self):
@@ -301,7 +310,8 @@ class Interpreter:
             return self.sounds.add(path)
 
     def isvalidname(self, text):
-        """The text can name a new object: a Python name no object uses."""
+        """The text can name a new object: a Python name that no object or
+        sound has, in any capitals, and no name the world's code relies on."""
         return self.scene.is_free_name(str(text))
 
     def SetCurrentObject(self, name):
@@ -312,10 +322,12 @@ class Interpreter:
 
     def PrepareObjectMenu(self, name):
         """[camera present, name, kind, id, is a model, first class,
-        lit (-1) or unlit (0), filling (0 points, 64 lines, 128 solid), texture (1/0)]."""
+        lit (-1) or unlit (0), filling (0 points, 64 lines, 128 solid), texture (1/0)].
+        For a name that no object has, a menu with nothing to act on: no
+        camera to point, not a model, kind and id empty."""
         thing = self.scene.find(str(name))
         if thing is None:
-            return []
+            return [False, str(name), "", "", False, False, 0, 128, 0]
         filling = {"points": 0, "lines": 64}.get(thing.filling.lower(), 128)
         return [bool(self.scene.cameras()), thing.name, thing.kind, str(thing.id),
                 thing.kind == "model", thing.first_class,
@@ -381,12 +393,12 @@ class Interpreter:
         return self._recent.rows()
 
 
-def _does_nothing_yet(name):
+def _not_available_yet(name):
     def method(self, *args):
-        return None
+        return "%s is not available yet in this version of the engine." % name
     method.__name__ = method.__qualname__ = name
     return method
 
 
 for _name in NOT_YET:
-    setattr(Interpreter, _name, _does_nothing_yet(_name))
+    setattr(Interpreter, _name, _not_available_yet(_name))

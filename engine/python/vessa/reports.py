@@ -1,6 +1,7 @@
 """How a failure in code the engine ran is told: to the user or to the front end."""
 
 import linecache
+import sys
 import traceback
 
 from .mistakes import Mistake
@@ -16,7 +17,8 @@ def remember_source(tag, text):
 
 
 def novice_message(exc):
-    """One line a beginner can read, e.g. "NameError: name 'Bunyy' is not defined"."""
+    """One line a beginner can read: a Mistake's message as it stands, any
+    other error as Python names it ("ZeroDivisionError: division by zero")."""
     if isinstance(exc, (CodeTookTooLong, Mistake)):
         return str(exc)
     text = exc.msg if isinstance(exc, SyntaxError) else str(exc)
@@ -40,6 +42,17 @@ def line_detail(exc, tags):
     """The line, as text, of the innermost frame compiled from one of tags."""
     frames = _user_frames(exc, tags)
     return str(frames[-1].lineno) if frames else NO_LINE
+
+
+def current_line(tags):
+    """The line, as text, of the innermost frame now running that was
+    compiled from one of tags; None when there is none."""
+    frame = sys._getframe(1)
+    while frame is not None:
+        if frame.f_code.co_filename in tags:
+            return str(frame.f_lineno)
+        frame = frame.f_back
+    return None
 
 
 def user_traceback(exc, tags):

@@ -6,7 +6,7 @@ failures of the user's code go out as difference records.
 
 import re
 
-from . import compat, records, reports
+from . import compat, explain, records, reports
 
 USER_SOURCES = frozenset({"<Script Text>", "<treeview>", "<Command Line>"})
 
@@ -89,6 +89,16 @@ class CodeRunner:
                 return False
         return True
 
+    def where(self):
+        """The line of the user's code running now, as a popup gives it;
+        None outside it."""
+        return reports.current_line(USER_SOURCES)
+
+    def tell(self, exc, where):
+        """A failure found after the user's code ran (an animation step that
+        could not begin), told with the line that made it."""
+        self._report_to_user(exc, where or reports.NO_LINE)
+
     def _failed(self, exc, tag, detail):
         if tag not in USER_SOURCES:
             return reports.full_traceback(exc)
@@ -96,5 +106,6 @@ class CodeRunner:
         return None
 
     def _report_to_user(self, exc, detail):
+        exc = explain.in_world_words(exc, self.namespace, USER_SOURCES)
         self._queue.write("error", reports.user_traceback(exc, USER_SOURCES))
         self._queue.add_misc(records.popup_error(reports.novice_message(exc), detail))

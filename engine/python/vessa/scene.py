@@ -8,17 +8,17 @@ orientations are relative to the parent; the backend holds them.
 """
 
 import itertools
-import keyword
 
 from . import backend
 from . import geometry as g
 from . import models
+from . import namespace
 from . import records
 from . import vocabulary as v
 from .animation import DoInOrder
 from .commands import Commands
 from .events import Responses, Window
-from .mistakes import Mistake
+from .mistakes import Mistake, NoSuchAttribute, checked, text
 
 DEFAULT_VALUES = backend.DEFAULT_VALUES
 
@@ -33,6 +33,7 @@ def _drawn(style):
                     lambda self, value: self.scene.backend.set_style(self.id, style, value))
 
 
+@checked
 class Thing(Commands):
     """An object of the scene: the scene itself, a camera, a light or a model."""
 
@@ -56,10 +57,13 @@ class Thing(Commands):
     def __getattr__(self, attribute):
         if attribute.startswith("_") or "scene" not in self.__dict__:
             raise AttributeError(attribute)
-        for child in self.children:
-            if not child.first_class and child.local_name.lower() == attribute.lower():
+        parts = [child for child in self.children if not child.first_class]
+        for child in parts:
+            if child.local_name.lower() == attribute.lower():
                 return child
-        raise AttributeError("%s has no part or command called %s" % (self.name, attribute))
+        raise NoSuchAttribute("no_part_or_command", object=self.name, name=attribute,
+                              among=lambda: [a for a in dir(self) if not a.startswith("_")]
+                              + [child.local_name for child in parts])
 
     @property
     def name(self):
@@ -166,7 +170,7 @@ class Thing(Commands):
 
     def _set_style(self, attribute, value, kind, choices):
         if not v.is_word(value, kind):
-            raise Mistake("%s: the style must be %s" % (self.name, choices))
+            raise Mistake("look_style", object=self.name, styles=choices)
         self.set_on_family(attribute, str(value))
 
     def SetTexture(self, *texture):
@@ -257,22 +261,48 @@ class Scene:
             return ref
         found = self.find(ref) if isinstance(ref, str) else None
         if found is None:
-            raise Mistake("There is no object called %s" % (ref,))
+            raise Mistake("no_object", name=ref,
+                          among=lambda: [t.name for t in self.living() if t.first_class])
         return found
 
     def cameras(self):
         return [t for t in self.living() if t.kind == "camera"]
 
+    def name_refusal(self, name, thing=None):
+        """Why name can't be the name of thing (of a new object or sound,
+        when thing is None); None when it can."""
+        if isinstance(thing, Thing) and not thing.first_class and thing.parent is not None:
+            return self._part_name_refusal(name, thing)
+        why = namespace.refusal(name)
+        if why is not None:
+            return why
+        taken = self.find(name)
+        if taken is None and self.sounds is not None:
+            taken = self.sounds.find(name)
+        if taken is None or taken is thing:
+            return None
+        return text("why_taken" if taken.name == name else "why_taken_case", taken=taken.name)
+
+    @staticmethod
+    def _part_name_refusal(name, part):
+        """A part is reached through its object (Bunny.Back), so any name
+        will do that Python reads as one and no other part there has."""
+        why = namespace.part_refusal(name)
+        if why is not None:
+            return why
+        for other in part.parent.living_children():
+            if other is not part and not other.first_class and v.key(other.local_name) == v.key(name):
+                return text("why_taken" if other.local_name == name else "why_taken_case",
+                            taken=other.name)
+        return None
+
     def is_free_name(self, name, thing=None):
-        if not (name.isidentifier() and not keyword.iskeyword(name)):
-            return False
-        if self.sounds is not None and self.sounds.is_sound_name(name):
-            return False
-        found = self.find(name)
-        return found is None or found is thing
+        return self.name_refusal(name, thing) is None
 
     def unique_name(self, base):
-        stem = base.rstrip("0123456789") or "Object"
+        stem = base.rstrip("0123456789")
+        if not stem or namespace.is_reserved(stem + "2"):
+            stem = "Object"
         for n in itertools.count(2):
             if self.is_free_name("%s%d" % (stem, n)):
                 return "%s%d" % (stem, n)
@@ -335,10 +365,9 @@ class Scene:
                 self._queue.add_tree(records.object_name_change(member.id, old, member.name))
 
     def rename(self, thing, new_name):
-        if not self.is_free_name(new_name, thing):
-            raise Mistake("%s can't be called %s: a name has letters, digits and _ only, "
-                          "starts with a letter and is not used by another object"
-                          % (thing.name, new_name))
+        why = self.name_refusal(new_name, thing)
+        if why is not None:
+            raise Mistake("bad_name", object=thing.name, name=new_name, why=why)
         old_names = [t.name for t in thing.family()]
         old_name = thing.local_name
         self.remember(lambda: self.rename(thing, old_name))
@@ -366,7 +395,7 @@ class Scene:
     def reparent(self, thing, new_parent):
         """thing keeps its place in the world; only its family changes."""
         if thing is self.root or new_parent is thing or new_parent in thing.family("objectandchildren"):
-            raise Mistake("%s can't become a child of %s" % (thing.name, new_parent.name))
+            raise Mistake("own_parent", object=thing.name, other=new_parent.name)
         position, orientation = thing.world_position(), thing.world_orientation()
         old_parent = thing.parent
         self.remember(lambda: self.reparent(thing, old_parent))

@@ -17,7 +17,7 @@ import ast
 import keyword
 import os
 
-from . import models
+from . import models, namespace
 from .scene import DEFAULT_VALUES, STYLE_DEFAULTS
 
 FILE_NAME = "World_Scene.py"
@@ -135,11 +135,19 @@ def _is_file_name(value):
             and not any(mark in value for mark in "/\\:"))
 
 
+def _check_world_name(line, name):
+    """A name the world's code knows things by breaks nothing of it."""
+    why = namespace.refusal(name)
+    if why is not None:
+        _fail(line, "%s can't be the name of an object or a sound: %s" % (name, why))
+
+
 def _checked_sound(line, fields):
     if set(fields) != {"name", "file"}:
         _fail(line, "a sound is Sound(name=..., file=...)")
     if not _is_name(fields["name"]):
         _fail(line, "a sound needs a name made of letters, digits and _")
+    _check_world_name(line, fields["name"])
     if not _is_file_name(fields["file"]):
         _fail(line, "a sound's file must be the name of a file in the world's folder")
     return fields["name"], fields["file"]
@@ -154,6 +162,8 @@ def _checked(line, fields):
         _fail(line, "kind must be one of %s" % ", ".join(KINDS))
     if not _is_name(fields.get("name")):
         _fail(line, "an object needs a name made of letters, digits and _")
+    if fields.get("firstclass", True):
+        _check_world_name(line, fields["name"])
     if not (fields.get("parent") is None or isinstance(fields["parent"], str)):
         _fail(line, "parent must be the name of an object above it, or None")
     for channel, size in VALUE_LENGTHS.items():

@@ -12,13 +12,14 @@ else changes.
 import os
 
 from . import models, records
-from .mistakes import Mistake
+from .mistakes import Mistake, checked
 
 # The interface's sounds: <home>/Sounds/<name>.wav; missing files are silent.
 SYSTEM_SOUNDS = ("Error", "Undo", "Copy", "RadioButton", "TreeCollapse", "TreeExpand",
                  "TreeDrop", "Selection", "DoLine")
 
 
+@checked
 class Sound:
     def __init__(self, shelf, sound_id, name, path):
         self._shelf, self.id, self.name, self.path = shelf, sound_id, name, path
@@ -64,9 +65,6 @@ class SoundShelf:
                 return sound
         return None
 
-    def is_sound_name(self, name):
-        return self.find(name) is not None
-
     def names(self):
         """The namespace entries of the scene's sounds."""
         return {sound.name: sound for sound in self.in_scene()}
@@ -95,10 +93,11 @@ class SoundShelf:
         self._scene.namespace[name] = sound
         self._scene.remember(lambda: self.remove(sound))
 
-    def remove(self, sound):
-        sound = sound if isinstance(sound, Sound) else self.find(sound)
+    def remove(self, given):
+        sound = given if isinstance(given, Sound) else self.find(given)
         if sound is None or not sound.in_scene:
-            raise Mistake("There is no sound called %s" % (sound,))
+            raise Mistake("no_sound", name=str(given),
+                          among=lambda: [known.name for known in self.in_scene()])
         self._take_out(sound)
         self._scene.remember(lambda: self._put_back(sound))
         self._scene.changed()
@@ -120,10 +119,9 @@ class SoundShelf:
             del self._scene.namespace[sound.name]
 
     def rename(self, sound, new_name):
-        if not self._scene.is_free_name(new_name):
-            raise Mistake("The sound %s can't be called %s: a name has letters, digits and _ "
-                          "only, starts with a letter and is not used by anything else"
-                          % (sound.name, new_name))
+        why = self._scene.name_refusal(new_name, sound)
+        if why is not None:
+            raise Mistake("bad_sound_name", sound=sound.name, name=new_name, why=why)
         old = sound.name
         self._set_name(sound, new_name)
         self._scene.remember(lambda: self.rename(sound, old))

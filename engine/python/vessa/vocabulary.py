@@ -86,3 +86,43 @@ for _word in WORDS.values():
 
 def is_word(value, kind):
     return isinstance(value, str) and key(value) in _BY_KIND[kind]
+
+
+def one_spelling_each(names):
+    """{key: spelling} of names, preferring a spelling with a capital first."""
+    chosen = {}
+    for name in names:
+        known = chosen.get(key(name))
+        if known is None or (name[:1].isupper() and not known[:1].isupper()):
+            chosen[key(name)] = name
+    return chosen
+
+
+def spellings(kind):
+    """The words of a kind, one spelling of each."""
+    return list(one_spelling_each(w for w in WORDS.values() if w.kind == kind).values())
+
+
+def any_word(value):
+    return isinstance(value, str) and any(key(value) in words for words in _BY_KIND.values())
+
+
+# How a message names what a value should have been.
+NUMBER, OBJECT, SOUND = "number", "object", "sound"
+KIND_NAMES = {
+    "direction": "a direction", "resize": "a direction", "color": "a color",
+    "surface": "a place", "style": "a style", "howmuch": "a HowMuch value",
+    "rubber": "LikeRubber", "value": "Yes, No or Toggle", "filling": "a filling style",
+    "lighting": "a lighting style", "all": "All", "event": "an event", NUMBER: "a number",
+}
+
+# The kinds of each command's values, in the order a line gives them, and of
+# the options it names: what a name that Vessa does not know should have been.
+VALUE_KINDS = {
+    "Move": ("direction", NUMBER), "Turn": ("direction", NUMBER), "Roll": ("direction", NUMBER),
+    "Nudge": ("direction", NUMBER), "Resize": ("resize", NUMBER), "PointAt": (OBJECT,),
+    "SetColor": ("color",), "Place": ("surface", OBJECT), "AlignWith": (OBJECT,),
+    "BecomeChildOf": (OBJECT,), "Wait": (NUMBER,), "PlaySound": (SOUND,),
+}
+OPTION_KINDS = {"AsSeenBy": OBJECT, "Duration": NUMBER, "Speed": NUMBER, "Style": "style",
+                "Volume": NUMBER, "Distance": NUMBER}
