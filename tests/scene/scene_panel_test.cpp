@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QStyleHints>
 #include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -198,4 +199,65 @@ TEST(SoundTreePanel, PlayDeleteAndAListThatNeverFolds) {
     QApplication::processEvents();
     c.panel->SoundTreeView().collapse(c.panel->SoundTreeView().ItemModel().IndexOf(boing));
     EXPECT_TRUE(boing->Expanded());
+}
+
+namespace {
+
+// Real mouse events through the window, under a short double-click time.
+struct WindowMouse {
+    static constexpr int kDoubleClickMs = 100;
+    const int oldInterval = QGuiApplication::styleHints()->mouseDoubleClickInterval();
+    WindowMouse() { QGuiApplication::styleHints()->setMouseDoubleClickInterval(kDoubleClickMs); }
+    ~WindowMouse() { QGuiApplication::styleHints()->setMouseDoubleClickInterval(oldInterval); }
+
+    static void click(TreeControlView& view, const TreeNode* node) {
+        QTest::mouseClick(view.window()->windowHandle(), Qt::LeftButton, {}, inWindow(view, node));
+    }
+    static void doubleClick(TreeControlView& view, const TreeNode* node) {
+        QTest::mouseDClick(view.window()->windowHandle(), Qt::LeftButton, {}, inWindow(view, node));
+    }
+    // Whether a label edit is open once the double-click time has passed.
+    static bool editingLater(const TreeControlView& view) {
+        QTest::qWait(3 * kDoubleClickMs);
+        return editing(view);
+    }
+
+private:
+    static QPoint inWindow(TreeControlView& view, const TreeNode* node) {
+        return view.viewport()->mapTo(view.window(), view.NodeRect(node).center());
+    }
+};
+
+} // namespace
+
+TEST(SoundTreePanel, ADoubleClickPlaysTheSoundAndNeverOpensTheRenameBox) {
+    WindowMouse mouse;
+    Column c;
+    TreeNode* boing = c.trees.SoundTree.AddRoot(QStringLiteral("s1"), QStringLiteral("Boing"));
+    QApplication::processEvents();
+    TreeControlView& view = c.panel->SoundTreeView();
+    // Once on a sound not yet selected, once on the selected one.
+    for (int round = 0; round < 2; ++round) {
+        c.log.calls.clear();
+        c.log.arguments.clear();
+        mouse.doubleClick(view, boing);
+        EXPECT_FALSE(mouse.editingLater(view)) << round;
+        EXPECT_EQ(c.statements(), QStringList{QStringLiteral("Playsound(Boing)")}) << round;
+    }
+    // A slow second click is how a sound is renamed.
+    mouse.click(view, boing);
+    QTRY_VERIFY(editing(view));
+}
+
+TEST(ObjectTreePanel, ADoubleClickOpensTheObjectWithOneSelectionSound) {
+    WindowMouse mouse;
+    Column c;
+    c.trees.ObjectTree.SetExpanded(c.bunny, false);
+    c.trees.ObjectTree.SetSelectedItem(c.bunny);
+    QApplication::processEvents();
+    mouse.doubleClick(c.panel->ObjectTreeView(), c.bunny);
+    EXPECT_TRUE(c.bunny->Expanded());
+    EXPECT_FALSE(mouse.editingLater(c.panel->ObjectTreeView()));
+    EXPECT_EQ(c.statements(), (QStringList{QStringLiteral("PlaySystemSound('Selection')"),
+                                           QStringLiteral("playsystemsound('TreeExpand')")}));
 }
