@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QHeaderView>
 #include <QMouseEvent>
+#include <QScopeGuard>
 #include <QScopedValueRollback>
 #include <QStyle>
 #include <QStyleOptionViewItem>
@@ -117,23 +118,31 @@ int TreeControlView::NodeIndexAt(const QPoint& point) const {
     return node ? node->Index() : 0;
 }
 
+// While the pointer acts on the items, the tree does not scroll under it: a node selected
+// by a press stays where it was pressed, and the release falls on the same character.
+template <typename Call> void TreeControlView::Unscrolled(Call call) {
+    const auto restore =
+        qScopeGuard([this, autoScroll = hasAutoScroll()] { setAutoScroll(autoScroll); });
+    setAutoScroll(false);
+    call();
+}
+
 template <typename Call> void TreeControlView::AsHandler(Call call) {
     QScopedValueRollback<bool> guard(inHandler_, true);
-    call();
+    Unscrolled(call);
 }
 
 // Qt tracks the press for its own gestures (the double click, the opening on it), but the
 // item it would make current is not the handlers' choice: the control's selection is
-// shown again, without scrolling to it.
+// shown again.
 template <typename Call> void TreeControlView::LetQtFollow(Call call) {
-    const bool autoScroll = hasAutoScroll();
-    setAutoScroll(false);
-    {
-        QScopedValueRollback<bool> guard(qtFollows_, true);
-        call();
-    }
-    ShowSelection(tree_.SelectedItem());
-    setAutoScroll(autoScroll);
+    Unscrolled([&] {
+        {
+            QScopedValueRollback<bool> guard(qtFollows_, true);
+            call();
+        }
+        ShowSelection(tree_.SelectedItem());
+    });
 }
 
 void TreeControlView::CancelPendingEdit() {
@@ -171,7 +180,7 @@ void TreeControlView::mouseMoveEvent(QMouseEvent* event) {
         gesture_.Dragging = true;
         CancelPendingEdit();
     }
-    Q_EMIT MouseMove(event->buttons(), point);
+    AsHandler([&] { Q_EMIT MouseMove(event->buttons(), point); });
 }
 
 void TreeControlView::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -187,7 +196,7 @@ void TreeControlView::mouseDoubleClickEvent(QMouseEvent* event) {
     // press, which starts a gesture of its own.
     LetQtFollow([&] { QTreeView::mouseDoubleClickEvent(event); });
     if (gesture_.DoubleClick)
-        Q_EMIT DblClick(point);
+        AsHandler([&] { Q_EMIT DblClick(point); });
 }
 
 void TreeControlView::mouseReleaseEvent(QMouseEvent* event) {

@@ -79,6 +79,7 @@ private:
     void FollowCurrent(const QModelIndex& current);
     bool OnArrow(const QPoint& point) const;
     int NodeIndexAt(const QPoint& point) const;
+    template <typename Call> void Unscrolled(Call call);
     template <typename Call> void AsHandler(Call call);
     template <typename Call> void LetQtFollow(Call call);
     void OpenEditor(TreeNode* node);
@@ -88,7 +89,7 @@ private:
     TreeItemModel model_;
     bool pressWentToView_ = false;
     bool syncing_ = false;
-    bool inHandler_ = false; // a press or release handler runs
+    bool inHandler_ = false; // a handler of the mouse runs
     bool qtFollows_ = false; // Qt's own mouse handling runs: its choice of item is not kept
     Gesture gesture_;
     int pendingEdit_ = 0; // Index of the node whose edit waits for the click to end

@@ -79,6 +79,20 @@ TEST(ParseString, WaitHasNoMarkerAndObjectsMayHoldDots) {
     EXPECT_EQ(hide.OptionalValue[0], "Yes");
 }
 
+TEST(ParseString, AValueIsKnownByItsKeywordInAnyOrderAndCase) {
+    // As a file may hold it: Style ahead of Duration, a keyword in lower case.
+    const QString line = "Camera.Move(Forward, 1, style=abruptly, Duration=2, more...)";
+    ParseState state = Parsed(line, 44);
+    EXPECT_EQ(state.ClickedKind, 17);
+    EXPECT_EQ(state.ClickedValue, "2");
+    EXPECT_EQ(UpdatedLine(state, "3"),
+              "Camera.Move(Forward, 1, Duration=3, Style=abruptly, more...)");
+    state = Parsed(line, 30);
+    EXPECT_EQ(state.ClickedKind, 19);
+    EXPECT_EQ(UpdatedLine(state, "gently"),
+              "Camera.Move(Forward, 1, Duration=2, Style=gently, more...)");
+}
+
 TEST(ParseString, MalformedLinesFailAsTheRuntimeDoes) {
     EXPECT_EQ(ErrorOf("CameraMove(Forward, 1, more...)", 3), RunTimeError::InvalidArgument);
     EXPECT_EQ(ErrorOf("DoInOrder", 3), RunTimeError::InvalidArgument);
