@@ -16,13 +16,13 @@ namespace vessa {
 //
 // The mouse on the items comes out as the platform delivers it: a press, a release, and
 // for a double click a DblClick instead of the second press; a double click opens or
-// closes a node. Only the handlers choose the selected item: a press does not. A move
-// with a button held is reported once it leaves the small square in which it still
-// counts as a click, and from then on a drag. A label edit that a press or release
-// handler asks for waits until the click proves to be the slow second click on the item
-// that was already selected: it opens after the double-click time unless a double
-// click, a drag or another press comes first. Edits asked for at any other time open at
-// once.
+// closes a node. Only the handlers choose the selected item: a press does not, and the
+// tree does not scroll under the pointer while they run. A move with a button held is
+// reported once it leaves the small square in which it still counts as a click, and from
+// then on a drag. A label edit that a mouse handler asks for waits until the click proves
+// to be the slow second click on the item that was already selected: it opens after the
+// double-click time unless a double click, a drag or another press comes first. Edits
+// asked for at any other time open at once.
 class TreeControlView : public QTreeView, public TreeGeometry, private TreeObserver {
     Q_OBJECT
 public:

@@ -53,23 +53,23 @@ using ItemSlots = QVarLengthArray<int, 8>;
 // Step 4: every further item that a comma ends; the marker has none behind it.
 ItemSlots ParseOptionals(ParseState& state, const QString& line, int cursor) {
     const KindList& optional = CommandParameters(state.ParsedCommand).Optional;
-    ItemSlots slots;
+    ItemSlots itemSlots;
     for (int comma = InStr(cursor + 1, line, u","); comma > 0;
          comma = InStr(cursor + 1, line, u",")) {
         const QString value = Mid(line, cursor + 1, comma - cursor - 1);
         const int equals = InStr(value, u"=");
         // A value without a keyword goes by its place in the line.
-        int slot = static_cast<int>(slots.size());
+        int slot = static_cast<int>(itemSlots.size());
         if (equals != 0) {
             const QString keyword = Left(value, equals - 1);
             for (slot = 0; !text::Same(ParameterKinds(optional[slot]).Name, keyword);)
                 ++slot;
         }
         state.OptionalValue[slot] = equals == 0 ? value : Mid(value, equals + 1);
-        slots.append(slot);
+        itemSlots.append(slot);
         cursor = comma + 1;
     }
-    return slots;
+    return itemSlots;
 }
 
 // Step 5, inside the list: a blank counts from the character after it. An optional value
