@@ -1,10 +1,14 @@
 #include "controls/tree_control_view.h"
 
+#include <QApplication>
 #include <QHeaderView>
 #include <QMouseEvent>
+#include <QScopeGuard>
 #include <QScopedValueRollback>
 #include <QStyle>
 #include <QStyleOptionViewItem>
+
+#include <utility>
 
 namespace vessa {
 
@@ -109,38 +113,125 @@ bool TreeControlView::OnArrow(const QPoint& point) const {
     return index.isValid() && point.x() < visualRect(index).left();
 }
 
+int TreeControlView::NodeIndexAt(const QPoint& point) const {
+    const TreeNode* node = HitTest(point);
+    return node ? node->Index() : 0;
+}
+
+// While the pointer acts on the items, the tree does not scroll under it: a node selected
+// by a press stays where it was pressed, and the release falls on the same character.
+template <typename Call> void TreeControlView::Unscrolled(Call call) {
+    const auto restore =
+        qScopeGuard([this, autoScroll = hasAutoScroll()] { setAutoScroll(autoScroll); });
+    setAutoScroll(false);
+    call();
+}
+
+template <typename Call> void TreeControlView::AsHandler(Call call) {
+    QScopedValueRollback<bool> guard(inHandler_, true);
+    Unscrolled(call);
+}
+
+// Qt tracks the press for its own gestures (the double click, the opening on it), but the
+// item it would make current is not the handlers' choice: the control's selection is
+// shown again.
+template <typename Call> void TreeControlView::LetQtFollow(Call call) {
+    Unscrolled([&] {
+        {
+            QScopedValueRollback<bool> guard(qtFollows_, true);
+            call();
+        }
+        ShowSelection(tree_.SelectedItem());
+    });
+}
+
+void TreeControlView::CancelPendingEdit() {
+    editDelay_.stop();
+    pendingEdit_ = 0;
+}
+
 void TreeControlView::mousePressEvent(QMouseEvent* event) {
-    pressWentToView_ = OnArrow(event->position().toPoint());
-    if (pressWentToView_)
+    const QPoint point = event->position().toPoint();
+    CancelPendingEdit();
+    pressWentToView_ = OnArrow(point);
+    if (pressWentToView_) {
         QTreeView::mousePressEvent(event);
-    else
-        Q_EMIT MouseDown(event->button(), event->position().toPoint());
+        return;
+    }
+    const int node = NodeIndexAt(point);
+    const TreeNode* selected = tree_.SelectedItem();
+    gesture_ = {.Held = true,
+                .Node = node,
+                .NodeWasSelected = node != 0 && selected && selected->Index() == node,
+                .Start = point};
+    AsHandler([&] { Q_EMIT MouseDown(event->button(), point); });
+    LetQtFollow([&] { QTreeView::mousePressEvent(event); });
 }
 
 void TreeControlView::mouseMoveEvent(QMouseEvent* event) {
-    if (pressWentToView_)
+    if (pressWentToView_) {
         QTreeView::mouseMoveEvent(event);
-    else
-        Q_EMIT MouseMove(event->buttons(), event->position().toPoint());
+        return;
+    }
+    const QPoint point = event->position().toPoint();
+    if (gesture_.Held && !gesture_.Dragging) {
+        if ((point - gesture_.Start).manhattanLength() < QApplication::startDragDistance())
+            return; // the hand shaking during a click
+        gesture_.Dragging = true;
+        CancelPendingEdit();
+    }
+    AsHandler([&] { Q_EMIT MouseMove(event->buttons(), point); });
 }
 
 void TreeControlView::mouseDoubleClickEvent(QMouseEvent* event) {
-    QTreeView::mouseDoubleClickEvent(event);
-    if (!OnArrow(event->position().toPoint()))
-        Q_EMIT DblClick(event->position().toPoint());
+    const QPoint point = event->position().toPoint();
+    if (OnArrow(point)) {
+        QTreeView::mouseDoubleClickEvent(event);
+        return;
+    }
+    CancelPendingEdit();
+    gesture_.Held = true;
+    gesture_.DoubleClick = true;
+    // Qt hands a double click that did not follow a press on the same item back as a
+    // press, which starts a gesture of its own.
+    LetQtFollow([&] { QTreeView::mouseDoubleClickEvent(event); });
+    if (gesture_.DoubleClick)
+        AsHandler([&] { Q_EMIT DblClick(point); });
+}
+
+void TreeControlView::mouseReleaseEvent(QMouseEvent* event) {
+    if (pressWentToView_) {
+        QTreeView::mouseReleaseEvent(event);
+        pressWentToView_ = false;
+        return;
+    }
+    const QPoint point = event->position().toPoint();
+    AsHandler([&] { Q_EMIT MouseUp(event->button(), point); });
+    LetQtFollow([&] { QTreeView::mouseReleaseEvent(event); });
+    const bool slowSecondClick = gesture_.Held && gesture_.NodeWasSelected && !gesture_.Dragging &&
+                                 !gesture_.DoubleClick && event->button() == Qt::LeftButton &&
+                                 NodeIndexAt(point) == gesture_.Node;
+    if (slowSecondClick && pendingEdit_ == gesture_.Node)
+        editDelay_.start(QApplication::doubleClickInterval(), this);
+    else
+        pendingEdit_ = 0;
+    gesture_.Held = false;
+}
+
+void TreeControlView::timerEvent(QTimerEvent* event) {
+    if (event->timerId() != editDelay_.timerId()) {
+        QTreeView::timerEvent(event);
+        return;
+    }
+    editDelay_.stop();
+    TreeNode* node = tree_.Node(std::exchange(pendingEdit_, 0));
+    if (node && node == tree_.SelectedItem())
+        OpenEditor(node);
 }
 
 void TreeControlView::keyReleaseEvent(QKeyEvent* event) {
     QTreeView::keyReleaseEvent(event);
     Q_EMIT KeyUp(event->key());
-}
-
-void TreeControlView::mouseReleaseEvent(QMouseEvent* event) {
-    if (pressWentToView_)
-        QTreeView::mouseReleaseEvent(event);
-    else
-        Q_EMIT MouseUp(event->button(), event->position().toPoint());
-    pressWentToView_ = false;
 }
 
 void TreeControlView::NodeAdded(TreeNode* node) {
@@ -177,7 +268,7 @@ void TreeControlView::ShowSelection(const TreeNode* node) {
 }
 
 void TreeControlView::FollowCurrent(const QModelIndex& current) {
-    if (!syncing_)
+    if (!syncing_ && !qtFollows_)
         tree_.SetSelectedItem(TreeItemModel::NodeOf(current));
 }
 
@@ -186,6 +277,15 @@ void TreeControlView::EnsureVisibleRequested(TreeNode* node) {
 }
 
 void TreeControlView::LabelEditRequested(TreeNode* node) {
+    // From a mouse handler the request is the user's click, which the platform's rules
+    // may yet make something else.
+    if (inHandler_)
+        pendingEdit_ = node->Index();
+    else
+        OpenEditor(node);
+}
+
+void TreeControlView::OpenEditor(TreeNode* node) {
     const QModelIndex index = model_.IndexOf(node);
     setCurrentIndex(index);
     edit(index);

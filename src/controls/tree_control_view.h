@@ -4,14 +4,25 @@
 #include "controls/tree_geometry.h"
 #include "controls/tree_item_model.h"
 
+#include <QBasicTimer>
 #include <QTreeView>
 
 namespace vessa {
 
 // The window of a tree control. It shows a TreeControl through a TreeItemModel, keeps
 // expansion and selection in step with the control both ways, and hands presses and
-// releases on the items to whoever handles the tree's mouse: it does not act on them.
-// Clicks on the expand arrows stay with the view.
+// releases on the items to whoever handles the tree's mouse. Clicks on the expand arrows
+// stay with the view.
+//
+// The mouse on the items comes out as the platform delivers it: a press, a release, and
+// for a double click a DblClick instead of the second press; a double click opens or
+// closes a node. Only the handlers choose the selected item: a press does not, and the
+// tree does not scroll under the pointer while they run. A move with a button held is
+// reported once it leaves the small square in which it still counts as a click, and from
+// then on a drag. A label edit that a mouse handler asks for waits until the click proves
+// to be the slow second click on the item that was already selected: it opens after the
+// double-click time unless a double click, a drag or another press comes first. Edits
+// asked for at any other time open at once.
 class TreeControlView : public QTreeView, public TreeGeometry, private TreeObserver {
     Q_OBJECT
 public:
@@ -44,8 +55,19 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
 
 private:
+    // A press on the items and what followed it, up to its release.
+    struct Gesture {
+        bool Held = false;            // pressed and not yet released
+        int Node = 0;                 // Index of the node pressed; 0 for blank space
+        bool NodeWasSelected = false; // the node was the selected item before the press
+        QPoint Start;
+        bool Dragging = false;    // the pointer left the click's square
+        bool DoubleClick = false; // the second press of a double click
+    };
+
     void NodeAdded(TreeNode* node) override;
     void ExpandedChanged(TreeNode* node) override;
     void SelectedItemChanged(TreeNode* node) override;
@@ -56,11 +78,22 @@ private:
     void ShowSelection(const TreeNode* node);
     void FollowCurrent(const QModelIndex& current);
     bool OnArrow(const QPoint& point) const;
+    int NodeIndexAt(const QPoint& point) const;
+    template <typename Call> void Unscrolled(Call call);
+    template <typename Call> void AsHandler(Call call);
+    template <typename Call> void LetQtFollow(Call call);
+    void OpenEditor(TreeNode* node);
+    void CancelPendingEdit();
 
     TreeControl& tree_; // Not owned.
     TreeItemModel model_;
     bool pressWentToView_ = false;
     bool syncing_ = false;
+    bool inHandler_ = false; // a handler of the mouse runs
+    bool qtFollows_ = false; // Qt's own mouse handling runs: its choice of item is not kept
+    Gesture gesture_;
+    int pendingEdit_ = 0; // Index of the node whose edit waits for the click to end
+    QBasicTimer editDelay_;
 };
 
 } // namespace vessa

@@ -11,13 +11,13 @@ void AnimationNameList::Append(const QString& name) {
 }
 
 void AnimationNameList::Remove(const QString& name) {
-    text_ = text::Replace(text_, name + u',', QString());
-    text_ = text::Replace(text_, u',' + name, QString());
-    text_ = text::Replace(text_, name, QString());
+    text_ = text::ReplaceName(text_, name + u',', QString());
+    text_ = text::ReplaceName(text_, u',' + name, QString());
+    text_ = text::ReplaceName(text_, name, QString());
 }
 
 void AnimationNameList::Rename(const QString& oldName, const QString& newName) {
-    text_ = text::Replace(text_, oldName, newName);
+    text_ = text::ReplaceName(text_, oldName, newName);
 }
 
 } // namespace vessa

@@ -5,8 +5,7 @@
 namespace vessa {
 
 // The names of the animations, joined by ",", as the event editor offers them. It is
-// kept by text replacement, which is why removing "Action1" from "Action1,Action10"
-// leaves "0": the list has always been kept this way.
+// kept by replacing whole names, so that "Action1" never touches "Action10".
 class AnimationNameList {
 public:
     const QString& Text() const { return text_; }
@@ -15,7 +14,7 @@ public:
     void Append(const QString& name);
     // Three replacements, case ignored: name + ",", "," + name, then name alone.
     void Remove(const QString& name);
-    // Every occurrence of oldName becomes newName.
+    // Every occurrence of oldName as a whole name becomes newName.
     void Rename(const QString& oldName, const QString& newName);
 
 private:

@@ -53,18 +53,47 @@ bool Like(QStringView text, QStringView pattern) {
     return p == pattern.size();
 }
 
-QString Replace(const QString& text, QStringView find, QStringView with) {
-    qsizetype at = find.isEmpty() ? -1 : text.indexOf(find, 0, Qt::CaseInsensitive);
-    if (at < 0)
+namespace {
+
+// Python's identifier characters: letters, digits, the underscore and their Unicode kin.
+bool IsNameCharacter(QChar c) {
+    return c.isLetterOrNumber() || c.isMark() || c.category() == QChar::Punctuation_Connector;
+}
+
+// Every occurrence of find that whole(at) accepts, replaced by with; the search goes on
+// behind each replacement and one character on after a refusal.
+template <typename Whole>
+QString ReplaceWhere(const QString& text, QStringView find, QStringView with, Whole whole) {
+    if (find.isEmpty())
         return text;
     QString result;
-    result.reserve(text.size() + with.size());
     qsizetype done = 0;
-    for (; at >= 0; at = text.indexOf(find, done, Qt::CaseInsensitive)) {
+    for (qsizetype at = text.indexOf(find, 0, Qt::CaseInsensitive); at >= 0;) {
+        if (!whole(at)) {
+            at = text.indexOf(find, at + 1, Qt::CaseInsensitive);
+            continue;
+        }
         result.append(QStringView(text).mid(done, at - done)).append(with);
         done = at + find.size();
+        at = text.indexOf(find, done, Qt::CaseInsensitive);
     }
-    return result.append(QStringView(text).mid(done));
+    return done == 0 ? text : result.append(QStringView(text).mid(done));
+}
+
+} // namespace
+
+QString Replace(const QString& text, QStringView find, QStringView with) {
+    return ReplaceWhere(text, find, with, [](qsizetype) { return true; });
+}
+
+QString ReplaceName(const QString& text, QStringView find, QStringView with) {
+    const bool nameAtStart = !find.isEmpty() && IsNameCharacter(find.front());
+    const bool nameAtEnd = !find.isEmpty() && IsNameCharacter(find.back());
+    return ReplaceWhere(text, find, with, [&](qsizetype at) {
+        const qsizetype end = at + find.size();
+        return !(nameAtStart && at > 0 && IsNameCharacter(text[at - 1])) &&
+               !(nameAtEnd && end < text.size() && IsNameCharacter(text[end]));
+    });
 }
 
 bool Same(QStringView a, QStringView b) {

@@ -22,6 +22,10 @@ QString Left(const QString& text, int count);
 bool Like(QStringView text, QStringView pattern);
 // Every occurrence of find replaced by with.
 QString Replace(const QString& text, QStringView find, QStringView with);
+// The same for names: an occurrence counts only where it does not run on into a longer
+// name, a name being a maximal run of Python identifier characters. With "Bunny.",
+// "BigBunny.Move" stays; with "=Bunny", "=Bunny2" stays; "Bunny" alone changes neither.
+QString ReplaceName(const QString& text, QStringView find, QStringView with);
 bool Same(QStringView a, QStringView b);
 // The text before the first separator; the whole text if there is none.
 QString Before(const QString& text, QStringView separator);

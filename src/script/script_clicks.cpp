@@ -74,10 +74,11 @@ void ScriptClicks::TreeView1_MouseDown(Qt::MouseButton button, const QPoint& poi
         return;
     TreeControl& tree = model_.TreeView1();
     TreeNode* node = geometry.HitTest(point);
-    // A root is only remembered: animations are not dragged.
-    if (node && node->Parent()) {
-        model_.DragButton = button;
+    if (node) {
         tree.SetSelectedItem(node);
+        // An animation is selected like any node, but not dragged.
+        if (node->Parent())
+            model_.DragButton = button;
     }
     model_.DragNode = NodeRef::To(tree, node);
 }
@@ -171,6 +172,9 @@ std::vector<MenuRow> ScriptClicks::NodeMenuRows(TreeNode* node, const QPoint& po
         return rows;
     }
     Show(rows, {CutLine, CopyLine, DeleteLine, LowerSeparator, PythonLine});
+    // A Python line is the user's own text: no value of it is the script's to remove.
+    if (node->Tag() == PythonLineTag)
+        return rows;
     const ParseState& parse = model_.Parse();
     if (!ParseAt(node, point, geometry) || parse.ClickedKind <= MarkerKind)
         return rows;

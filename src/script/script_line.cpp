@@ -4,6 +4,8 @@
 #include "core/run_time_error.h"
 #include "script/basic_text.h"
 
+#include <QVarLengthArray>
+
 namespace vessa {
 
 using text::InStr;
@@ -45,51 +47,63 @@ int ParseEssentials(ParseState& state, const QString& line, int cursor) {
     return cursor;
 }
 
+// The slot of each optional item, in the order the line gives them.
+using ItemSlots = QVarLengthArray<int, 8>;
+
 // Step 4: every further item that a comma ends; the marker has none behind it.
-void ParseOptionals(ParseState& state, const QString& line, int cursor) {
+ItemSlots ParseOptionals(ParseState& state, const QString& line, int cursor) {
     const KindList& optional = CommandParameters(state.ParsedCommand).Optional;
-    int item = 0;
+    ItemSlots itemSlots;
     for (int comma = InStr(cursor + 1, line, u","); comma > 0;
          comma = InStr(cursor + 1, line, u",")) {
         const QString value = Mid(line, cursor + 1, comma - cursor - 1);
         const int equals = InStr(value, u"=");
-        if (equals == 0) {
-            state.OptionalValue[item] = value;
-        } else {
+        // A value without a keyword goes by its place in the line.
+        int slot = static_cast<int>(itemSlots.size());
+        if (equals != 0) {
             const QString keyword = Left(value, equals - 1);
-            int slot = 0;
-            while (!text::Same(ParameterKinds(optional[slot]).Name, keyword))
+            for (slot = 0; !text::Same(ParameterKinds(optional[slot]).Name, keyword);)
                 ++slot;
-            state.OptionalValue[slot] = Mid(value, equals + 1);
         }
-        ++item;
+        state.OptionalValue[slot] = equals == 0 ? value : Mid(value, equals + 1);
+        itemSlots.append(slot);
         cursor = comma + 1;
     }
+    return itemSlots;
 }
 
-// Step 5, inside the list: a blank counts from the character after it.
-void ClassifyValue(ParseState& state, const QString& line, int open, int position) {
+// Step 5, inside the list: a blank counts from the character after it. An optional value
+// is known by its keyword, wherever the line puts it; UpdatedLine counts the values that
+// are set in the order of the command's Optional list.
+void ClassifyValue(ParseState& state, const QString& line, int open, int position,
+                   const ItemSlots& itemSlots) {
     int blanks = 0;
     for (int blank = InStr(open + 1, line, u" "); blank > 0 && blank <= position;
          blank = InStr(blank + 1, line, u" "))
         ++blanks;
-    state.ClickedSlot = blanks;
     const CommandParameterLists& lists = CommandParameters(state.ParsedCommand);
     const int essentials = lists.Essential.Count();
     if (blanks < essentials) {
+        state.ClickedSlot = blanks;
         state.ClickedKind = lists.Essential[blanks];
         state.ClickedValue = state.EssentialValue[blanks];
         return;
     }
-    int slot = -1;
-    for (int wanted = blanks - essentials + 1; wanted > 0;)
-        if (state.OptionalValue[++slot] != UnsetValue)
-            --wanted;
+    // A blank inside a value counts on to an item that is not there.
+    if (blanks - essentials >= itemSlots.size())
+        throw RunTimeError::Bounds("ParseString");
+    const int slot = itemSlots[blanks - essentials];
+    int setBefore = 0;
+    for (int earlier = 0; earlier < slot; ++earlier)
+        if (state.OptionalValue[earlier] != UnsetValue)
+            ++setBefore;
+    state.ClickedSlot = essentials + setBefore;
     state.ClickedKind = lists.Optional[slot];
     state.ClickedValue = state.OptionalValue[slot];
 }
 
-void Classify(ParseState& state, const QString& line, int open, int position) {
+void Classify(ParseState& state, const QString& line, int open, int position,
+              const ItemSlots& itemSlots) {
     state.ClickedSlot = -1;
     const QString& command = CommandNames(state.ParsedCommand);
     const int objectLength = static_cast<int>(state.ParsedObject.size());
@@ -103,7 +117,7 @@ void Classify(ParseState& state, const QString& line, int open, int position) {
         state.ClickedKind = MarkerKind;
         state.ClickedValue = QStringLiteral("more...");
     } else {
-        ClassifyValue(state, line, open, position);
+        ClassifyValue(state, line, open, position, itemSlots);
     }
 }
 
@@ -130,8 +144,8 @@ void ParseString(ParseState& state, const QString& line, int position) {
     state.OptionalValue.Clear();
     const int open = ParseHead(state, line);
     const int cursor = ParseEssentials(state, line, open);
-    ParseOptionals(state, line, cursor);
-    Classify(state, line, open, position);
+    const ItemSlots itemSlots = ParseOptionals(state, line, cursor);
+    Classify(state, line, open, position, itemSlots);
 }
 
 QString UpdatedLine(const ParseState& state, const QString& newValue) {

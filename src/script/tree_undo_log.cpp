@@ -174,6 +174,8 @@ TreeNode* TreeUndoLog::UndoChanged(const PathWalk& walk) {
             animationNames_.Rename(AnimationName(node->Text()), AnimationName(copy->Text()));
         // The Key stays: an undone rename of an animation keeps the new key.
         tree_.SetText(node, copy->Text());
+        // A block's kind may have changed back, and its children's icons with it.
+        RefreshChildIcons(node);
     }
     DropCopy(copy);
     return walk.Node;

@@ -128,8 +128,8 @@ void TraverseTreeReplaceString(TreeNode* node, const QString& oldName, const QSt
     for (; node; node = node->Next()) {
         const QString& line = node->Text();
         if (line.contains(oldName, Qt::CaseInsensitive))
-            node->Owner().SetText(
-                node, text::Replace(text::Replace(line, oldCall, newCall), oldValue, newValue));
+            node->Owner().SetText(node, text::ReplaceName(text::ReplaceName(line, oldCall, newCall),
+                                                          oldValue, newValue));
         if (node->Child())
             TraverseTreeReplaceString(node->Child(), oldName, newName);
     }

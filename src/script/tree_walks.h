@@ -51,8 +51,9 @@ void TraverseTreeForScript(const TreeNode* node, const QString& indent, QString&
 void TraverseTreeToFile(const TreeNode* node, int depth, QString& buffer);
 
 // After an object is renamed: in node, its subtree and its later siblings, every
-// oldName + "." becomes newName + "." and every "=" + oldName becomes "=" + newName.
-// A name standing as a plain value ("PointAt(Bunny, ...)") is left, as it always was.
+// oldName + "." becomes newName + "." and every "=" + oldName becomes "=" + newName,
+// where oldName stands as a whole name ("BigBunny." and "=Bunny2" stay). A name standing
+// as a plain value ("PointAt(Bunny, ...)") is left, as it always was.
 void TraverseTreeReplaceString(TreeNode* node, const QString& oldName, const QString& newName);
 
 } // namespace vessa

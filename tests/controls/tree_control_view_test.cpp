@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QPainter>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -93,4 +94,20 @@ TEST_F(TreeControlViewTest, AListViewShowsColumnsAndFollowsTheSelectedRow) {
     EXPECT_EQ(report.currentIndex().row(), 0);
     report.setCurrentIndex(report.model()->index(1, 0));
     EXPECT_EQ(list.SelectedItem(), list.Row(1));
+}
+
+TEST_F(TreeControlViewTest, APressLeavesTheSelectionToItsHandlersAndADragStartsOffTheClick) {
+    tree.SetExpanded(root, true);
+    tree.SetSelectedItem(root);
+    int moves = 0;
+    QObject::connect(&view, &TreeControlView::MouseMove, [&moves] { ++moves; });
+    QWindow* window = view.windowHandle();
+    const QPoint at = view.viewport()->mapTo(&view, view.NodeRect(line).center());
+    QTest::mousePress(window, Qt::LeftButton, {}, at);
+    EXPECT_EQ(tree.SelectedItem(), root);
+    QTest::mouseMove(window, at + QPoint(1, 0)); // a hand shaking during a click
+    EXPECT_EQ(moves, 0);
+    QTest::mouseMove(window, at + QPoint(QApplication::startDragDistance(), 0));
+    EXPECT_EQ(moves, 1);
+    QTest::mouseRelease(window, Qt::LeftButton, {}, at);
 }

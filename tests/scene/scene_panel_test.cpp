@@ -11,6 +11,8 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScopeGuard>
+#include <QStyleHints>
 #include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -198,4 +200,38 @@ TEST(SoundTreePanel, PlayDeleteAndAListThatNeverFolds) {
     QApplication::processEvents();
     c.panel->SoundTreeView().collapse(c.panel->SoundTreeView().ItemModel().IndexOf(boing));
     EXPECT_TRUE(boing->Expanded());
+}
+
+// Real double clicks through the window, so that the platform's rules apply.
+TEST(ScenePanelMouse, ADoubleClickPlaysOrOpensAndNeverRenames) {
+    QStyleHints* hints = QGuiApplication::styleHints();
+    const auto restore = qScopeGuard([hints, interval = hints->mouseDoubleClickInterval()] {
+        hints->setMouseDoubleClickInterval(interval);
+    });
+    hints->setMouseDoubleClickInterval(100);
+    Column c;
+    TreeNode* boing = c.trees.SoundTree.AddRoot(QStringLiteral("s1"), QStringLiteral("Boing"));
+    c.trees.ObjectTree.SetExpanded(c.bunny, false);
+    c.trees.ObjectTree.SetSelectedItem(c.bunny);
+    QApplication::processEvents();
+    QWindow* window = c.panel->windowHandle();
+    const auto at = [&](TreeControlView& view, const TreeNode* node) {
+        return view.viewport()->mapTo(c.panel.get(), view.NodeRect(node).center());
+    };
+    TreeControlView& objects = c.panel->ObjectTreeView();
+    QTest::mouseDClick(window, Qt::LeftButton, {}, at(objects, c.bunny));
+    EXPECT_TRUE(c.bunny->Expanded());
+    // A sound not selected yet, then the selected one.
+    TreeControlView& sounds = c.panel->SoundTreeView();
+    QTest::mouseDClick(window, Qt::LeftButton, {}, at(sounds, boing));
+    QTest::mouseDClick(window, Qt::LeftButton, {}, at(sounds, boing));
+    QTest::qWait(300); // past the time in which a second click would start a rename
+    EXPECT_FALSE(editing(objects) || editing(sounds));
+    EXPECT_EQ(c.statements(), (QStringList{QStringLiteral("PlaySystemSound('Selection')"),
+                                           QStringLiteral("playsystemsound('TreeExpand')"),
+                                           QStringLiteral("Playsound(Boing)"),
+                                           QStringLiteral("Playsound(Boing)")}));
+    // A slow second click on the selected sound is how it is renamed.
+    QTest::mouseClick(window, Qt::LeftButton, {}, at(sounds, boing));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return editing(sounds); }));
 }

@@ -116,12 +116,13 @@ TEST_F(Clicks, ALineThatDoesNotParseStaysAsItIsAndNothingOpens) {
     EXPECT_TRUE(script.TreeUndoRecords().IsEmpty());
 }
 
-TEST_F(Clicks, APressSelectsALineForADragButOnlyRemembersAnAnimation) {
+TEST_F(Clicks, APressSelectsAnyNodeButArmsADragForALineOnly) {
     TreeNode* line = Line("Camera.Wait(1)");
     tree.SetSelectedItem(nullptr);
     clicks.TreeView1_MouseDown(Qt::LeftButton, geometry.AtCharacter(action1, 1), geometry);
     EXPECT_EQ(script.DragNode.Get(), action1);
-    EXPECT_EQ(tree.SelectedItem(), nullptr);
+    EXPECT_EQ(tree.SelectedItem(), action1);
+    EXPECT_EQ(script.DragButton, Qt::NoButton);
     clicks.TreeView1_MouseDown(Qt::LeftButton, geometry.AtCharacter(line, 1), geometry);
     EXPECT_EQ(script.DragNode.Get(), line);
     EXPECT_EQ(script.DragButton, Qt::LeftButton);

@@ -79,6 +79,14 @@ TEST(ParseString, WaitHasNoMarkerAndObjectsMayHoldDots) {
     EXPECT_EQ(hide.OptionalValue[0], "Yes");
 }
 
+TEST(ParseString, AValueIsKnownByItsKeywordInAnyOrderAndCase) {
+    const ParseState state =
+        Parsed("Camera.Move(Forward, 1, style=abruptly, Duration=2, more...)", 44);
+    EXPECT_EQ(state.ClickedKind, 17);
+    EXPECT_EQ(UpdatedLine(state, "3"),
+              "Camera.Move(Forward, 1, Duration=3, Style=abruptly, more...)");
+}
+
 TEST(ParseString, MalformedLinesFailAsTheRuntimeDoes) {
     EXPECT_EQ(ErrorOf("CameraMove(Forward, 1, more...)", 3), RunTimeError::InvalidArgument);
     EXPECT_EQ(ErrorOf("DoInOrder", 3), RunTimeError::InvalidArgument);

@@ -106,3 +106,13 @@ TEST_F(Model, APythonLineIsGreyPlainTextEditedInPlace) {
     EXPECT_EQ(line->Text(), "Camera.Move(Forward, 1)");
     tree.RemoveObserver(&watch);
 }
+
+TEST(AnimationNameList, NamesAreRemovedAndRenamedWholeOnly) {
+    AnimationNameList names;
+    names.SetText("Action1,Action10");
+    names.Remove("action1");
+    EXPECT_EQ(names.Text(), "Action10");
+    names.SetText("Walk,Walker,Walk_2,Sidewalk");
+    names.Rename("Walk", "Run");
+    EXPECT_EQ(names.Text(), "Run,Walker,Walk_2,Sidewalk");
+}

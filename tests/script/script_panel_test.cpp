@@ -7,6 +7,7 @@
 #include <QAccessible>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QScrollBar>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -91,6 +92,7 @@ TEST_F(Panel, RightClickMenusChangeTheScriptAndUndoTakesItBack) {
     panel.UndoFromLog();
     EXPECT_EQ(script.TreeView1().RootCount(), 1);
     EXPECT_EQ(action1->Text(), "Action1 = DoInOrder");
+    EXPECT_EQ(line->Image(), 11); // the first of an in-order block again
     EXPECT_TRUE(host.errors.empty());
 }
 
@@ -147,4 +149,48 @@ TEST_F(Panel, ClicksAreMeasuredInTheFontTheScriptIsShownIn) {
     ASSERT_FALSE(host.requests.empty());
     EXPECT_EQ(host.requests.back().Number, 17);
     EXPECT_EQ(panel.CommandLineTreeviewView().font(), big);
+}
+
+TEST_F(Panel, ALeftClickOnAnAnimationSelectsIt) {
+    TreeNode* action2 = script.AddNewAnimation();
+    QApplication::processEvents();
+    Click(Qt::LeftButton, AtCharacter(action2, 2));
+    EXPECT_EQ(script.TreeView1().SelectedItem(), action2);
+    EXPECT_TRUE(view.selectionModel()->isSelected(view.ItemModel().IndexOf(action2)));
+}
+
+TEST_F(Panel, AClickHitsTheValueWhoseKeywordIsUnderThePointerInAnyOrderAndCase) {
+    // As a file may give it: Style ahead of Duration, a keyword in lower case.
+    script.TreeView1().SetText(line,
+                               "Camera.Move(Forward, 1, Style=abruptly, duration=2, more...)");
+    Click(Qt::LeftButton, AtCharacter(line, 42));
+    ASSERT_FALSE(host.requests.empty());
+    EXPECT_EQ(host.requests.back().Number, 17);
+    Click(Qt::RightButton, AtCharacter(line, 42));
+    ASSERT_NE(MenuRow("Remove Duration"), nullptr);
+    MenuRow("Remove Duration")->trigger();
+    EXPECT_EQ(line->Text(), "Camera.Move(Forward, 1, Style=abruptly, more...)");
+}
+
+TEST_F(Panel, AClickAfterTheTreeScrolledSidewaysHitsTheCharacterUnderThePointer) {
+    panel.resize(200, 400);
+    QApplication::processEvents();
+    const QPoint unscrolled = AtCharacter(line, 28); // in "Duration=2", off the right edge
+    QScrollBar* bar = view.horizontalScrollBar();
+    bar->setValue(bar->maximum());
+    QApplication::processEvents();
+    ASSERT_GT(bar->value(), unscrolled.x() - view.viewport()->width() + 10);
+    Click(Qt::LeftButton, unscrolled - QPoint(bar->value(), 0));
+    ASSERT_FALSE(host.requests.empty());
+    EXPECT_EQ(host.requests.back().Number, 17);
+}
+
+TEST_F(Panel, APythonLineIsOfferedNoValueRows) {
+    script.TreeView1().SetText(line, "Camera.Move(Forward, 1, Duration=2, Style=abruptly)");
+    script.TreeView1().SetTag(line, "1");
+    Click(Qt::RightButton, AtCharacter(line, 28));
+    ASSERT_NE(panel.OpenMenu(), nullptr);
+    for (QAction* row : panel.OpenMenu()->actions())
+        EXPECT_FALSE(row->isVisible() && row->text().startsWith("Remove"))
+            << row->text().toStdString();
 }

@@ -127,8 +127,16 @@ TEST_F(Script, RenamingAnObjectChangesCallsAndKeywordValuesOnly) {
     TreeNode* point = tree.Add(spin, Relation::Child, "", "Camera.PointAt(Bunny, more...)");
     TreeNode* seen =
         tree.Add(spin, Relation::Child, "", "Camera.Move(Forward, 1, AsSeenBy=bunny, more...)");
+    // Other objects whose names hold the old one are not renamed with it.
+    const QStringList others = {"BigBunny.Move(Forward, 1, more...)",
+                                "Camera.Move(Forward, 1, AsSeenBy=Bunny2, more...)",
+                                "Camera.Move(Forward, 1, AsSeenBy=Bunny_é, more...)"};
+    for (const QString& other : others)
+        tree.Add(spin, Relation::Child, "", other);
     TraverseTreeReplaceString(hop, "Bunny", "Hare");
     EXPECT_EQ(turn->Text(), "Hare.Turn(Left, 1/4, Style=BeginGently-EndAbruptly, more...)");
     EXPECT_EQ(point->Text(), "Camera.PointAt(Bunny, more...)");
     EXPECT_EQ(seen->Text(), "Camera.Move(Forward, 1, AsSeenBy=Hare, more...)");
+    for (int row = 0; row < others.size(); ++row)
+        EXPECT_EQ(spin->ChildAt(2 + row)->Text(), others[row]);
 }
