@@ -1,0 +1,110 @@
+#include "controls/accessible_names.h"
+#include "shell/error_form.h"
+#include "shell/main_form.h"
+#include "shell/render_form.h"
+#include "world/open_world.h"
+
+#include "support/scripted_engine.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDialog>
+#include <QKeyEvent>
+#include <QMenuBar>
+#include <QTextEdit>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+using namespace vessa;
+using namespace vessa::testing;
+
+namespace {
+
+// The main window over a scripted engine.
+struct MainFormHarness : ScriptedProgram {
+    OpenWorld world{state, engine, reporter};
+    RenderForm renderForm;
+    std::unique_ptr<MainForm> form;
+
+    MainFormHarness() {
+        scripted->answers[QStringLiteral("getisdirty")] = 0;
+        scripted->answers[QStringLiteral("GetLoopWait")] = -1;
+        form = std::make_unique<MainForm>(state, engine, reporter, renderForm, world);
+    }
+};
+
+} // namespace
+
+TEST(MainFormWidgets, EveryNamedControlHasAnAccessibleName) {
+    MainFormHarness h;
+    QList<QWidget*> widgets = h.form->findChildren<QWidget*>();
+    widgets << h.form.get() << &h.renderForm << h.renderForm.findChildren<QWidget*>();
+    for (QWidget* w : widgets) {
+        if (w->objectName().isEmpty() || w->objectName().startsWith(QStringLiteral("qt_")) ||
+            qobject_cast<QMenu*>(w))
+            continue;
+        EXPECT_FALSE(w->accessibleName().isEmpty()) << w->objectName().toStdString();
+    }
+    EXPECT_EQ(h.form->OutputText()->accessibleName(), QStringLiteral("Output"));
+}
+
+TEST(MainFormWidgets, OutputAppendsAtTheEndButPrintOutputWritesAtTheInsertionPoint) {
+    MainFormHarness h;
+    h.form->appendOutput(QStringLiteral("one "), Qt::black);
+    h.form->appendOutput(QStringLiteral("two"), QColor(255, 0, 0));
+    EXPECT_EQ(h.form->OutputText()->toPlainText(), QStringLiteral("one two"));
+
+    QTextCursor cursor = h.form->OutputText()->textCursor();
+    cursor.setPosition(0);
+    h.form->OutputText()->setTextCursor(cursor);
+    h.form->PrintOutput(QStringLiteral("first"));
+    EXPECT_EQ(h.form->OutputText()->toPlainText(), QStringLiteral("first\none two"));
+}
+
+TEST(MainFormWidgets, ClosingACleanWorldClosesTheEngineAndReleasesIt) {
+    MainFormHarness h;
+    h.form->show();
+    EXPECT_TRUE(h.form->close());
+    EXPECT_FALSE(h.engine.isSet());
+    EXPECT_TRUE(h.log.calls.contains(QStringLiteral("DestroyImageNavigator")));
+    EXPECT_EQ(h.log.calls.last(), QStringLiteral("Close"));
+}
+
+TEST(MainFormWidgets, CancelOnADirtyWorldKeepsEverythingRunning) {
+    MainFormHarness h;
+    h.world.status().markModified();
+    h.form->show();
+    QTimer::singleShot(0, [] {
+        if (QWidget* box = QApplication::activeModalWidget()) {
+            QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+            QApplication::sendEvent(box, &escape);
+        }
+    });
+    EXPECT_FALSE(h.form->close());
+    EXPECT_TRUE(h.engine.isSet());
+    EXPECT_FALSE(h.log.calls.contains(QStringLiteral("Close")));
+}
+
+TEST(MainFormWidgets, IdleTimerKeepsTheEngineGoingWhileADialogHoldsTheLoop) {
+    MainFormHarness h;
+    h.form->setIdleTimerInterval(1);
+    QDialog dialog;
+    QTimer::singleShot(300, &dialog, &QDialog::accept);
+    dialog.exec();
+    EXPECT_GT(h.log.calls.count(QStringLiteral("Loop")), 0);
+}
+
+TEST(ErrorFormWidget, CopyPutsTheDatedReportOnTheClipboardAndStaysOpen) {
+    ErrorFormContent content;
+    content.typeCaption = QStringLiteral("Something broke");
+    content.labelText = QStringLiteral("Version: 1\r\ndetails");
+    ErrorForm form(content, [] { return QStringLiteral("7.7"); });
+    form.show();
+    form.Command1_Click();
+    const QString report = QApplication::clipboard()->text();
+    EXPECT_TRUE(report.contains(QStringLiteral("Vessa47 Version: 7.7\r\n")));
+    EXPECT_TRUE(report.contains(QStringLiteral("Type: Something broke\r\n")));
+    EXPECT_TRUE(report.contains(QStringLiteral("Label:Version: 1\r\ndetails\r\n")));
+    EXPECT_TRUE(form.isVisible());
+    EXPECT_EQ(form.windowTitle(), QStringLiteral("Vessa"));
+}
