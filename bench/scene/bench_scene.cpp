@@ -78,7 +78,7 @@ struct Handler {
     DifferenceHandler handler{state, engine, reporter, trees, followers, [](const QString&) {
                               }};
 
-    void handle(const QVariant& records) { handler.HandleDifferences(records, view); }
+    void handle(const QVariant& records) { handler.HandleDifferences(records, &view); }
 };
 
 void BM_HandleDifferences_BigWorld(benchmark::State& state) {

@@ -64,9 +64,16 @@ TreeNode* addTopLevelCopy(TreeControl& tree, const QString& key, const QString& 
 // Local state of one call. The current node is read live while it is in its
 // tree; a record may take it out, and then what was last seen of it stands.
 struct DifferenceHandler::Batch {
-    explicit Batch(DifferenceView& shownBy) : view(shownBy) {}
+    explicit Batch(DifferenceView* shownBy) : shownBy_(shownBy) {}
 
-    DifferenceView& view;
+    // The window side, for the records that need one.
+    DifferenceView& view() const {
+        if (!shownBy_)
+            throw RunTimeError(RunTimeError::ObjectRequired,
+                               QStringLiteral("Object required: no window shows the world"));
+        return *shownBy_;
+    }
+
     DifferenceResult result;
     QVariantList records;
     int index = 0;
@@ -95,10 +102,13 @@ struct DifferenceHandler::Batch {
                                QStringLiteral("Subscript out of range: no record %1").arg(at));
         return asList(records[at]);
     }
+
+private:
+    DifferenceView* shownBy_;
 };
 
 DifferenceResult DifferenceHandler::HandleDifferences(const QVariant& differences,
-                                                      DifferenceView& view) {
+                                                      DifferenceView* view) {
     Batch batch(view);
     try {
         asRunTimeError([&] { batch.records = asList(differences); });
@@ -132,11 +142,11 @@ DifferenceResult DifferenceHandler::HandleDifferences(const QVariant& difference
 void DifferenceHandler::handleRecord(Batch& batch, const QString& tag, const QVariantList& record) {
     if (tag == QStringLiteral("undoemptychange")) {
         batch.result.undoAvailable = !recordItem(record, 2).toBool();
-        batch.view.showUndoAvailable(*batch.result.undoAvailable);
+        batch.view().showUndoAvailable(*batch.result.undoAvailable);
     } else if (tag == QStringLiteral("output")) {
-        batch.view.appendOutput(itemText(record, 1), QColor(0, 0, 0));
+        batch.view().appendOutput(itemText(record, 1), QColor(0, 0, 0));
     } else if (tag == QStringLiteral("error")) {
-        batch.view.appendOutput(itemText(record, 1), QColor(255, 0, 0));
+        batch.view().appendOutput(itemText(record, 1), QColor(255, 0, 0));
     } else if (tag == QStringLiteral("popuperrordialog")) {
         popUpErrorDialog(batch, record);
     } else if (tag == QStringLiteral("objectconstruct")) {
@@ -161,27 +171,27 @@ void DifferenceHandler::handleRecord(Batch& batch, const QString& tag, const QVa
         objectMenu_(itemText(record, 2));
     } else if (tag == QStringLiteral("activechanged")) {
         batch.result.worldActive = recordItem(record, 2).toBool();
-        batch.view.showWorldActive(*batch.result.worldActive);
+        batch.view().showWorldActive(*batch.result.worldActive);
     } else if (tag == QStringLiteral("hidenavigator")) {
         // Accepted so that it does not count as unknown.
     } else {
-        batch.view.PrintOutput(QStringLiteral("MainForm:HandleDifferences got an unknown tag: ") +
-                               itemText(record, 0));
+        batch.view().PrintOutput(QStringLiteral("MainForm:HandleDifferences got an unknown tag: ") +
+                                 itemText(record, 0));
     }
 }
 
 void DifferenceHandler::popUpErrorDialog(Batch& batch, const QVariantList& record) {
     const ErrorFormContent content =
         userErrorContent(recordItem(record, 1), recordItem(record, 2), state_.ErrorLineOffset);
-    const bool onTop = batch.view.cameraWindowOnTop();
+    const bool onTop = batch.view().cameraWindowOnTop();
     if (onTop)
-        batch.view.setRenderFormAlwaysOnTop(false);
-    batch.view.pumpEvents();
+        batch.view().setRenderFormAlwaysOnTop(false);
+    batch.view().pumpEvents();
     runTool(engine_, reporter_, QStringLiteral("PlaySystemSound ('Error')"),
             QStringLiteral("MainForm:HandleDifferences: Error playing system error sound."));
-    batch.view.showUserError(content);
+    batch.view().showUserError(content);
     if (onTop)
-        batch.view.setRenderFormAlwaysOnTop(true);
+        batch.view().setRenderFormAlwaysOnTop(true);
 }
 
 void DifferenceHandler::objectConstruct(Batch& batch, const QVariantList& record) {

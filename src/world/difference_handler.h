@@ -70,7 +70,9 @@ public:
         : state_(state), engine_(engine), reporter_(reporter), trees_(trees), followers_(followers),
           objectMenu_(std::move(objectMenu)) {}
 
-    DifferenceResult HandleDifferences(const QVariant& differences, DifferenceView& view);
+    // view shows what the records change beyond the trees; without one, a record that
+    // needs it fails.
+    DifferenceResult HandleDifferences(const QVariant& differences, DifferenceView* view);
 
 private:
     struct Batch;

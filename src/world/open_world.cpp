@@ -17,11 +17,7 @@ OpenWorld::OpenWorld(AppState& state, EngineLink& engine, ErrorReporter& reporte
 }
 
 DifferenceResult OpenWorld::HandleDifferences(const QVariant& differences) {
-    if (!view_)
-        throw RunTimeError(RunTimeError::ObjectRequired,
-                           QStringLiteral("Object required: no window shows the world"),
-                           QStringLiteral("HandleDifferences"));
-    const DifferenceResult result = differences_.HandleDifferences(differences, *view_);
+    const DifferenceResult result = differences_.HandleDifferences(differences, view_);
     if (result.objectTreeChanged)
         ObjectTree2_Update(trees_);
     return result;

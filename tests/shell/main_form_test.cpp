@@ -1,4 +1,6 @@
 #include "controls/accessible_names.h"
+#include "controls/tree_control_view.h"
+#include "script/script_panel.h"
 #include "shell/error_form.h"
 #include "shell/main_form.h"
 #include "shell/render_form.h"
@@ -11,6 +13,8 @@
 #include <QDialog>
 #include <QKeyEvent>
 #include <QMenuBar>
+#include <QTabBar>
+#include <QTest>
 #include <QTextEdit>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -107,4 +111,31 @@ TEST(ErrorFormWidget, CopyPutsTheDatedReportOnTheClipboardAndStaysOpen) {
     EXPECT_TRUE(report.contains(QStringLiteral("Label:Version: 1\r\ndetails\r\n")));
     EXPECT_TRUE(form.isVisible());
     EXPECT_EQ(form.windowTitle(), QStringLiteral("Vessa"));
+}
+
+TEST(MainFormWidgets, TheCaptionNamesTheWorldAndSaysModifiedOnceAfterTheFirstChange) {
+    MainFormHarness h;
+    h.scripted->answers[QStringLiteral("GetVersionText")] = QStringLiteral("9.9");
+    h.world.SetSaveName(QString());
+    EXPECT_EQ(h.form->windowTitle(), QStringLiteral("Vessa47 [9.9]"));
+    h.form->show();
+    QTest::mouseClick(
+        h.form->findChild<QTabBar*>(QStringLiteral("SwitchTab")), Qt::LeftButton, {},
+        h.form->findChild<QTabBar*>(QStringLiteral("SwitchTab"))->tabRect(1).center());
+
+    // Two changes of the script through its right-click menu: one " [modified]".
+    TreeControlView& view = h.form->scriptPanel().TreeView1View();
+    const TreeNode* action1 = h.world.script().TreeView1().FirstRoot();
+    for (const char* change : {"Change to DoTogether", "Change to DoInOrder"}) {
+        QTest::mouseClick(view.viewport(), Qt::RightButton, {}, view.NodeRect(action1).center());
+        QMenu* menu = h.form->scriptPanel().OpenMenu();
+        ASSERT_TRUE(menu);
+        for (QAction* row : menu->actions())
+            if (row->text() == QString::fromLatin1(change))
+                row->trigger();
+    }
+    EXPECT_EQ(action1->Text(), QStringLiteral("Action1 = DoInOrder"));
+    EXPECT_EQ(h.form->windowTitle(), QStringLiteral("Vessa47 [9.9] [modified]"));
+    h.world.SetSaveName(QStringLiteral("/worlds/Garden"));
+    EXPECT_EQ(h.form->windowTitle(), QStringLiteral("Vessa47 - /worlds/Garden [9.9]"));
 }

@@ -1,0 +1,93 @@
+#include "world/open_world.h"
+
+#include "support/scripted_engine.h"
+
+#include <gtest/gtest.h>
+
+using namespace vessa;
+using namespace vessa::testing;
+
+namespace {
+
+// Hears what the main window would show of the world's status.
+class StatusLog : public WorldStatusObserver {
+public:
+    void worldNamed(const QString& folder) override { heard << QStringLiteral("named ") + folder; }
+    void worldModified() override { heard << QStringLiteral("modified"); }
+    QStringList heard;
+};
+
+struct World : ScriptedProgram {
+    OpenWorld world{state, engine, reporter};
+    StatusLog status;
+
+    World() {
+        state.HomeDir = QStringLiteral("/home/v/");
+        scripted->answers[QStringLiteral("getisdirty")] = 1;
+        world.status().addObserver(status);
+    }
+    ~World() { world.status().removeObserver(status); }
+};
+
+} // namespace
+
+TEST(WorldStatus, OnlyTheFirstChangeAfterANameIsNewsAndTheDefaultWorldHasNoName) {
+    World w;
+    w.world.SetSaveName(QStringLiteral("/home/v/Worlds/DEFAULT"));
+    w.world.script().AddNewAnimation();
+    w.world.script().AddNewAnimation();
+    w.world.SetSaveName(QStringLiteral("/home/v/Worlds/Garden"));
+    EXPECT_EQ(w.status.heard, (QStringList{QStringLiteral("named "), QStringLiteral("modified"),
+                                           QStringLiteral("named /home/v/Worlds/Garden")}));
+    EXPECT_EQ(w.world.status().worldSaveFile(), QStringLiteral("/home/v/Worlds/Garden"));
+    // Naming the world makes the engine's scene clean each time.
+    EXPECT_EQ(w.log.calls.count(QStringLiteral("SetIsDirty")), 2);
+}
+
+TEST(WorldStatus, DirtyByTheScriptAnywhereByTheSceneOnlyOnTheOpeningTabNeverForATutorial) {
+    World w;
+    EXPECT_TRUE(w.world.IsWorldDirty()); // the engine's scene changed on tab 0
+    w.world.status().setSceneScriptTab(1);
+    w.log.calls.clear();
+    EXPECT_FALSE(w.world.IsWorldDirty());
+    EXPECT_TRUE(w.log.calls.isEmpty()); // running changes the scene: the engine isn't asked
+    w.world.script().AddNewAnimation();
+    EXPECT_TRUE(w.world.IsWorldDirty());
+    for (const char* folder : {"/home/v/worlds/Tutorial/One", "/home/v/Worlds/examples/Two"}) {
+        w.world.status().setWorldSaveFile(QString::fromLatin1(folder));
+        EXPECT_FALSE(w.world.IsWorldDirty()) << folder;
+    }
+}
+
+TEST(Requests, ARightClickInTheCameraViewReachesWhoeverRegisteredForTheObjectMenu) {
+    World w;
+    class NoView : public DifferenceView {
+        void appendOutput(const QString&, const QColor&) override {}
+        void PrintOutput(const QString&) override {}
+        void showUndoAvailable(bool) override {}
+        void showWorldActive(bool) override {}
+        bool cameraWindowOnTop() const override { return false; }
+        void setRenderFormAlwaysOnTop(bool) override {}
+        void pumpEvents() override {}
+        void showUserError(const ErrorFormContent&) override {}
+    } view;
+    const QVariant rightClick = QVariantList{QVariant(
+        QVariantList{QStringLiteral("rightmousemenu"), QString(), QStringLiteral("Bunny")})};
+    // Before a window shows the world, a record that needs one fails like a bad record,
+    // and one that changes only the world's trees does not.
+    const QVariant output =
+        QVariantList{QVariant(QVariantList{QStringLiteral("output"), QStringLiteral("hi")})};
+    EXPECT_THROW(w.world.HandleDifferences(output), RunTimeError);
+    EXPECT_NO_THROW(w.world.HandleDifferences(QVariantList{QVariant(QVariantList{
+        QStringLiteral("objectconstruct"), QStringLiteral("9"), QStringLiteral("sound")})}));
+    w.world.attachView(&view);
+    // Nobody registered: the click is dropped.
+    EXPECT_NO_THROW(w.world.HandleDifferences(rightClick));
+    QStringList menus;
+    w.world.script().requests().registerHandler(
+        ScriptRequest::Kind::ObjectMenu,
+        [&](const ScriptRequest& request) { menus << request.Value; });
+    w.world.HandleDifferences(rightClick);
+    w.world.showObjectMenu(QStringLiteral("Sun")); // as from the object tree
+    EXPECT_EQ(menus, (QStringList{QStringLiteral("Bunny"), QStringLiteral("Sun")}));
+}
