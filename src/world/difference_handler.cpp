@@ -27,6 +27,10 @@ QString itemText(const QVariantList& record, int index) {
     return recordItem(record, index).toString();
 }
 
+bool hasTag(const QVariantList& record, const QString& tag) {
+    return itemText(record, 0).toLower() == tag;
+}
+
 bool sameName(const QString& a, const QString& b) {
     return a.compare(b, Qt::CaseInsensitive) == 0;
 }
@@ -214,16 +218,17 @@ void DifferenceHandler::objectConstruct(Batch& batch, const QVariantList& record
         return;
     }
     batch.image = imageOfKind(kind, batch.image);
-    // A new object comes as construct, parent, name. All three tests are made,
-    // so a batch that ends too soon after a construct fails here.
-    const QVariantList parent = batch.recordAt(batch.index + 1);
-    const QVariantList name = batch.recordAt(batch.index + 2);
-    const bool parentFirst = itemText(parent, 0).toLower() == QStringLiteral("objectparentchange");
-    const bool nameNext = itemText(name, 0).toLower() == QStringLiteral("objectnamechange");
-    const bool hasParent = !sameName(itemText(parent, 3), NoParentKey);
+    // A new object comes as construct, parent, name, and is then made in one step.
+    // The scene has no parent and comes as construct, name: a batch may end after it.
+    const bool threeInARow =
+        batch.index + 2 < batch.records.size() &&
+        hasTag(batch.recordAt(batch.index + 1), QStringLiteral("objectparentchange")) &&
+        hasTag(batch.recordAt(batch.index + 2), QStringLiteral("objectnamechange"));
+    const QVariantList parent = threeInARow ? batch.recordAt(batch.index + 1) : QVariantList();
+    const QVariantList name = threeInARow ? batch.recordAt(batch.index + 2) : QVariantList();
     TreeControl& tree = trees_.ObjectTree;
     TreeNode* node = nullptr;
-    if (parentFirst && nameNext && hasParent) {
+    if (threeInARow && !sameName(itemText(parent, 3), NoParentKey)) {
         batch.skip = 2;
         node = tree.Add(nodeByKey(tree, objectKey(itemText(parent, 3))), Relation::Child,
                         objectKey(id), itemText(name, 3));
