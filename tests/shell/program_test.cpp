@@ -264,8 +264,7 @@ TEST(MainLoop, OneRoundHandsThePollsToTheWorldAndSkipsTheTreePollWhileTheTreeIsH
         QVariantList{QVariant(QVariantList{QStringLiteral("objectconstruct"), QStringLiteral("3"),
                                            QStringLiteral("scene")}),
                      QVariant(QVariantList{QStringLiteral("objectnamechange"), QStringLiteral("3"),
-                                           QString(), QStringLiteral("Scene")}),
-                     QVariant(QVariantList{QStringLiteral("output"), QStringLiteral("!")})};
+                                           QString(), QStringLiteral("Scene")})};
     h.program.runLoopRound();
     EXPECT_EQ(h.view.output, QStringList{QStringLiteral("hi")});
     EXPECT_EQ(h.world.trees().ObjectTree.Count(), 0);
