@@ -85,7 +85,9 @@ void Program::fatal(ReportForm form, const QString& firstLine, const RunTimeErro
 void Program::unhandled(const RunTimeError& error) {
     std::fprintf(stderr, "Vessa47: unhandled run-time error %d at step %d: %s\n", error.number(),
                  state_.ErrorLine, qPrintable(error.description()));
-    process_.endProcess(1);
+    // A desktop user sees no standard error: the report comes in a box as well, as
+    // the platform shows an error that no handler caught.
+    fatal(ReportForm::B, QStringLiteral("Run-time error '%1':").arg(error.number()), error);
 }
 
 QVariant Program::engineCall(const QString& method, const QVariantList& args) {
@@ -144,12 +146,13 @@ void Program::createEngine() {
         try {
             engine_.attach(registry_.create(kFallbackEngineProgId));
         } catch (const RunTimeError& second) {
-            std::fprintf(stderr,
-                         "Vessa47: the engine could not be created.\n"
-                         "  %s: %s\n  %s: %s\n",
-                         qPrintable(kEngineProgId), qPrintable(first.description()),
-                         qPrintable(kFallbackEngineProgId), qPrintable(second.description()));
-            process_.endProcess(1);
+            const QString why = QStringLiteral("The engine could not be created.\n  %1: %2\n  %3: %4")
+                                    .arg(kEngineProgId, first.description(),
+                                         kFallbackEngineProgId, second.description());
+            std::fprintf(stderr, "Vessa47: %s\n", qPrintable(why));
+            fatal(ReportForm::B,
+                  QStringLiteral("VB:MainModule:Main() Error Creating COM server object"),
+                  RunTimeError(second.number(), why, second.source()));
         }
     }
 }

@@ -144,11 +144,18 @@ TEST(StartUp, FallsBackToTheSecondProgIdAndEndsWhenNeitherExists) {
     EXPECT_EQ(fallback.createdAs, kFallbackEngineProgId);
     EXPECT_TRUE(fallback.display.shown.isEmpty());
 
+    // Neither: the program ends, and says why in a box, not only on standard error.
     ProgramHarness none;
     none.registry.remove(kEngineProgId);
     none.registry.remove(kFallbackEngineProgId);
     EXPECT_EQ(none.exitCodeOfStartUp(), 1);
     EXPECT_TRUE(none.log.calls.isEmpty());
+    ASSERT_EQ(none.display.shown.size(), 1);
+    const QString report = none.display.shown[0].labelText;
+    EXPECT_TRUE(report.contains(
+        QStringLiteral("VB:MainModule:Main() Error Creating COM server object")));
+    EXPECT_TRUE(report.contains(kEngineProgId));
+    EXPECT_TRUE(report.contains(kFallbackEngineProgId));
 }
 
 TEST(StartUp, FailedCallEndsTheProcessBeforeTheEngineIsSetUpAndNotAfter) {
@@ -237,6 +244,11 @@ TEST(StartUp, LateFailureGoesBackToTheCameraViewOnceThenEnds) {
         e.failures[QStringLiteral("PreserveDefaultCameraPOV")] = QStringLiteral("always");
     };
     EXPECT_EQ(twice.exitCodeOfStartUp(), 1);
+    ASSERT_EQ(twice.display.shown.size(), 1);
+    const QString report = twice.display.shown[0].labelText;
+    EXPECT_TRUE(report.contains(QStringLiteral("Run-time error '440':")));
+    EXPECT_TRUE(report.contains(QStringLiteral("<DESCRIPTION> always")));
+    EXPECT_TRUE(report.contains(QStringLiteral("<ErrorLine> 62")));
 }
 
 TEST(StartUp, DisplayWithTooFewColoursEndsBeforeAnyEngineExists) {
