@@ -91,7 +91,7 @@ ErrorFormContent internalErrorContent(const QString& versionText, const QString&
                                       const QString& result) {
     ErrorFormContent content;
     content.typeCaption =
-        QStringLiteral("This is an internal Vessa error. Please copy this message to the Windows "
+        QStringLiteral("This is an internal Vessa error. Please copy this message to the "
                        "clipboard (with the button to the right), and then paste it into an "
                        "email to ") +
         kSupportAddress;
