@@ -98,7 +98,8 @@ const MenuSpec kMenus[] = {
 MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
                    RenderForm& renderForm, OpenWorld& world)
     : state_(state), engine_(engine), reporter_(reporter), renderForm_(renderForm), world_(world),
-      outputText_(new QTextEdit(this)), openingSceneFrame_(new QFrame(this)) {
+      outputText_(new QTextEdit(this)), openingSceneFrame_(new QFrame(this)),
+      gCameraWindowOnTop(renderForm.Check1Value()) {
     setObjectName(QStringLiteral("MainForm"));
     setWindowTitle(QStringLiteral("Vessa47"));
     menuBar()->setObjectName(QStringLiteral("menuBar"));
@@ -108,6 +109,8 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     markViewHost(openingSceneFrame_, OpeningSceneHost);
     openingSceneFrame_->installEventFilter(this);
     renderForm_.RenderFrame()->installEventFilter(this);
+    connect(&renderForm_, &RenderForm::alwaysOnTopChosen, this,
+            [this](bool onTop) { gCameraWindowOnTop = onTop; });
     openingSceneFrame_->setFrameShape(QFrame::StyledPanel);
     openingSceneFrame_->setMinimumSize(320, 240);
     openingSceneFrame_->setStyleSheet(

@@ -49,7 +49,6 @@ public:
     ScriptPanel& scriptPanel() { return *scriptPanel_; }
     ScenePanel& scenePanel() { return *scenePanel_; }
     QTextEdit* OutputText() const { return outputText_; }
-    bool gCameraWindowOnTop = true;
 
     // DifferenceView
     void appendOutput(const QString& text, const QColor& color) override;
@@ -100,6 +99,8 @@ private:
     // Keeps the engine stepping while a dialog or an external tool holds the
     // main loop.
     QTimer IdleTimer;
+    // The camera window stays above the others: "Always keep this window on top".
+    bool gCameraWindowOnTop;
     bool cleanedUp_ = false;
 };
 

@@ -9,10 +9,12 @@
 #include "support/scripted_engine.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
 #include <QDialog>
 #include <QKeyEvent>
 #include <QMenuBar>
+#include <QPushButton>
 #include <QTabBar>
 #include <QTest>
 #include <QTextEdit>
@@ -138,4 +140,59 @@ TEST(MainFormWidgets, TheCaptionNamesTheWorldAndSaysModifiedOnceAfterTheFirstCha
     EXPECT_EQ(h.form->windowTitle(), QStringLiteral("Vessa47 [9.9] [modified]"));
     h.world.SetSaveName(QStringLiteral("/worlds/Garden"));
     EXPECT_EQ(h.form->windowTitle(), QStringLiteral("Vessa47 - /worlds/Garden [9.9]"));
+}
+
+namespace {
+
+// An error in the user's code, as the engine's poll brings it.
+QVariant userError() {
+    return QVariantList{QVariant(QVariantList{QStringLiteral("popuperrordialog"),
+                                              QStringLiteral("NameError"), QStringLiteral("-1")})};
+}
+
+// Closes the error box once it is up; remembers whether the camera window was on top
+// while the box was.
+struct ErrorBoxCloser {
+    RenderForm& camera;
+    bool cameraOnTopDuringBox = true;
+    bool closed = false;
+
+    void arm() {
+        QTimer::singleShot(0, [this] {
+            QWidget* box = QApplication::activeModalWidget();
+            if (!box) {
+                arm();
+                return;
+            }
+            cameraOnTopDuringBox = camera.windowFlags().testFlag(Qt::WindowStaysOnTopHint);
+            QTest::mouseClick(box->findChild<QPushButton*>(QStringLiteral("OkButton")),
+                              Qt::LeftButton);
+            closed = true;
+        });
+    }
+};
+
+} // namespace
+
+TEST(CameraWindow, StaysOnTopAfterAnErrorInTheUsersCodeOnlyWhenTheUserTickedTheBox) {
+    MainFormHarness h;
+    h.form->show();
+    h.renderForm.show();
+    auto* check1 = h.renderForm.findChild<QCheckBox*>(QStringLiteral("Check1"));
+    ASSERT_FALSE(check1->isChecked());
+
+    ErrorBoxCloser closer{h.renderForm};
+    closer.arm();
+    h.world.HandleDifferences(userError());
+    EXPECT_TRUE(closer.closed);
+    EXPECT_FALSE(h.renderForm.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+
+    // Ticked: above the others, but not above the error box while it is up.
+    QTest::mouseClick(check1, Qt::LeftButton, {}, QPoint(8, check1->height() / 2));
+    ASSERT_TRUE(check1->isChecked());
+    EXPECT_TRUE(h.renderForm.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    closer.arm();
+    h.world.HandleDifferences(userError());
+    EXPECT_FALSE(closer.cameraOnTopDuringBox);
+    EXPECT_TRUE(h.renderForm.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
 }
