@@ -165,10 +165,38 @@ QWidget* MainForm::buildColumns() {
 QWidget* MainForm::buildOpeningScenePanel() {
     auto* panel = new QWidget(this);
     panel->setObjectName(QStringLiteral("OpeningScenePanel"));
+    undoButton_ = makeUndoButton(QStringLiteral("UndoButton"), panel);
     auto* layout = new QVBoxLayout(panel);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(openingSceneFrame_);
+    layout->addWidget(undoButton_, 0, Qt::AlignLeft);
+    layout->addWidget(openingSceneFrame_, 1);
     return panel;
+}
+
+// The engine's undo, on each tab: disabled while the engine has nothing to undo, which
+// the engine's records tell. The script's own changes are undone from the Edit menu.
+QToolButton* MainForm::makeUndoButton(const QString& control, QWidget* parent) {
+    auto* button = new QToolButton(parent);
+    button->setObjectName(control);
+    button->setIcon(style()->standardIcon(QStyle::SP_ArrowBack));
+    button->setToolTip(QStringLiteral("Undo"));
+    button->setEnabled(false);
+    connect(button, &QToolButton::clicked, this, [this, control] { UndoButton_MouseUp(control); });
+    return button;
+}
+
+void MainForm::UndoButton_MouseUp(const QString& control) {
+    const QString routine = QStringLiteral("MainForm:") + control + QStringLiteral("_MouseUp: ");
+    try {
+        runTool(engine_, reporter_, QStringLiteral("undo()"),
+                routine + QStringLiteral("Error calling undo."));
+        runTool(engine_, reporter_, QStringLiteral("PlaySystemSound('Undo')"),
+                routine + QStringLiteral("Error playing sound."));
+    } catch (const RunTimeError& e) {
+        reporter_.reportAtTop(
+            ReportForm::C,
+            QStringLiteral("VB:MainForm:") + control + QStringLiteral("_MouseUp() Error"), e);
+    }
 }
 
 // The tab bar over the two panels: the opening scene, and the script that the
@@ -185,11 +213,7 @@ QWidget* MainForm::buildScriptTabs() {
     });
 
     scriptPanel_ = new ScriptPanel(world_.script(), area);
-    scriptUndoButton_ = new QToolButton(area);
-    scriptUndoButton_->setObjectName(QStringLiteral("ScriptUndoButton"));
-    scriptUndoButton_->setIcon(style()->standardIcon(QStyle::SP_ArrowBack));
-    scriptUndoButton_->setToolTip(QStringLiteral("Undo Changes to Script"));
-    connect(scriptUndoButton_, &QToolButton::clicked, scriptPanel_, &ScriptPanel::UndoFromLog);
+    scriptUndoButton_ = makeUndoButton(QStringLiteral("ScriptUndoButton"), area);
     auto* scriptTab = new QWidget(area);
     auto* scriptLayout = new QVBoxLayout(scriptTab);
     scriptLayout->setContentsMargins(0, 0, 0, 0);
@@ -452,7 +476,8 @@ void MainForm::LogMessage(const QString& text) {
 }
 
 void MainForm::showUndoAvailable(bool available) {
-    Q_UNUSED(available);
+    undoButton_->setEnabled(available);
+    scriptUndoButton_->setEnabled(available);
 }
 
 void MainForm::showWorldActive(bool active) {

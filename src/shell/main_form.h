@@ -80,6 +80,9 @@ private:
     void enableMenuItems(std::initializer_list<const char*> controls, bool enabled);
     void moveCameraView(QWidget* host);
     QWidget* cameraViewHost() const;
+    QToolButton* makeUndoButton(const QString& control, QWidget* parent);
+    // Undoes the engine's last step; `control` is the button that was clicked.
+    void UndoButton_MouseUp(const QString& control);
     void IdleTimer_Timer();
     // Answers whether the world was saved.
     bool FileSaveMenuButton_Click();
@@ -95,7 +98,8 @@ private:
     QStackedWidget* sceneScriptTab_ = nullptr; // 0 the opening scene, 1 the script
     ScriptPanel* scriptPanel_ = nullptr;
     ScenePanel* scenePanel_ = nullptr;
-    QToolButton* scriptUndoButton_ = nullptr;
+    QToolButton* undoButton_ = nullptr;       // on the opening scene
+    QToolButton* scriptUndoButton_ = nullptr; // on the script's tabs
     // Keeps the engine stepping while a dialog or an external tool holds the
     // main loop.
     QTimer IdleTimer;

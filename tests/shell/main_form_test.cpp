@@ -19,6 +19,7 @@
 #include <QTest>
 #include <QTextEdit>
 #include <QTimer>
+#include <QToolButton>
 #include <gtest/gtest.h>
 
 using namespace vessa;
@@ -195,4 +196,32 @@ TEST(CameraWindow, StaysOnTopAfterAnErrorInTheUsersCodeOnlyWhenTheUserTickedTheB
     h.world.HandleDifferences(userError());
     EXPECT_FALSE(closer.cameraOnTopDuringBox);
     EXPECT_TRUE(h.renderForm.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+}
+
+TEST(UndoButtons, ShowWhetherTheEngineHasAnythingToUndoAndUndoItsLastStep) {
+    MainFormHarness h;
+    h.form->show();
+    auto* scene = h.form->findChild<QToolButton*>(QStringLiteral("UndoButton"));
+    auto* script = h.form->findChild<QToolButton*>(QStringLiteral("ScriptUndoButton"));
+    ASSERT_TRUE(scene && script);
+    const auto undoEmpty = [&](bool empty) {
+        h.world.HandleDifferences(QVariantList{
+            QVariant(QVariantList{QStringLiteral("undoemptychange"), QString(), empty})});
+    };
+    // The engine's undo stack starts empty: nothing to undo, and a click does nothing.
+    EXPECT_FALSE(scene->isEnabled());
+    EXPECT_FALSE(script->isEnabled());
+    QTest::mouseClick(scene, Qt::LeftButton);
+    EXPECT_TRUE(h.statements().isEmpty());
+
+    undoEmpty(false);
+    EXPECT_TRUE(scene->isEnabled());
+    EXPECT_TRUE(script->isEnabled());
+    QTest::mouseClick(scene, Qt::LeftButton);
+    EXPECT_EQ(h.statements(),
+              (QStringList{QStringLiteral("undo()"), QStringLiteral("PlaySystemSound('Undo')")}));
+
+    undoEmpty(true);
+    EXPECT_FALSE(scene->isEnabled());
+    EXPECT_FALSE(script->isEnabled());
 }
