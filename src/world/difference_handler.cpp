@@ -209,10 +209,9 @@ void DifferenceHandler::objectConstruct(Batch& batch, const QVariantList& record
         batch.setCurrent(node);
         return;
     }
-    if (kind == QStringLiteral("junkyard")) {
-        JunkyardKey = id;
+    // The engine's holder of destroyed objects is not shown, and nothing names it.
+    if (kind == QStringLiteral("junkyard"))
         return;
-    }
     if (kind == QStringLiteral("none")) {
         NoParentKey = id;
         return;

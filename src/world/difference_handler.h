@@ -96,7 +96,6 @@ private:
     SceneTrees& trees_;
     const RenameFollowers& followers_;
     ObjectMenu objectMenu_;
-    QString JunkyardKey; // the engine's id of its holder of destroyed objects
     QString NoParentKey; // the engine's id that stands for "no parent"
 };
 
