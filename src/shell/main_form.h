@@ -8,7 +8,6 @@
 
 #include <QMainWindow>
 #include <QTimer>
-#include <memory>
 
 class QFrame;
 class QStackedWidget;

@@ -1,6 +1,7 @@
 #include "shell/program.h"
 
 #include "shell/loop_wait.h"
+#include "world/open_world.h"
 
 #include <QFileInfo>
 #include <cmath>

@@ -5,11 +5,12 @@
 #include "gateway/error_reporter.h"
 #include "gateway/interpreter_registry.h"
 #include "shell/shell.h"
-#include "world/open_world.h"
 
 #include <functional>
 
 namespace vessa {
+
+class OpenWorld;
 
 // The life of the process: start-up in a fixed order of steps, each leaving its
 // number in ErrorLine, then the main loop, which polls the engine and hands the

@@ -49,7 +49,7 @@ private:
 
 // What one call of HandleDifferences changed.
 struct DifferenceResult {
-    bool objectTreeChanged = false;    // a record changed ObjectTree (the copies follow)
+    bool objectTreeChanged = false;    // gUpdateObjectTree2: a record changed ObjectTree
     std::optional<bool> undoAvailable; // the engine's undo stack, as last reported
     std::optional<bool> worldActive;   // whether the world runs, as last reported
 };

@@ -60,7 +60,7 @@ struct Panel : ::testing::Test {
 
 } // namespace
 
-TEST_F(Panel, AClickOnAGlyphOfTheTreeReachesTheDispatcherAsThePieceUnderIt) {
+TEST_F(Panel, AClickOnAGlyphOfTheTreeReachesWhoRegisteredForThePieceUnderIt) {
     Click(Qt::LeftButton, AtCharacter(line, 14));
     ASSERT_EQ(host.requests.size(), 1u);
     EXPECT_EQ(host.requests[0].What, Kind::StarMenuRow);

@@ -2,6 +2,7 @@
 
 #include "shell/recording_shell.h"
 #include "support/scripted_engine.h"
+#include "world/open_world.h"
 
 #include <QDir>
 #include <QFile>
