@@ -1,6 +1,7 @@
 #include "shell/program.h"
 
 #include "shell/recording_shell.h"
+#include "support/recording_view.h"
 #include "support/scripted_engine.h"
 #include "world/open_world.h"
 
@@ -14,24 +15,6 @@ using namespace vessa::testing;
 
 namespace {
 
-// What the main window shows of the records and the world's name: here, the output
-// and the names.
-class WorldView : public DifferenceView, public WorldStatusObserver {
-public:
-    void appendOutput(const QString& text, const QColor&) override { output << text; }
-    void PrintOutput(const QString&) override {}
-    void showUndoAvailable(bool) override {}
-    void showWorldActive(bool) override {}
-    bool cameraWindowOnTop() const override { return false; }
-    void setRenderFormAlwaysOnTop(bool) override {}
-    void pumpEvents() override {}
-    void showUserError(const ErrorFormContent&) override {}
-    void worldNamed(const QString& worldSaveFile) override { names << worldSaveFile; }
-    void worldModified() override {}
-
-    QStringList output, names;
-};
-
 // Start-up and the main loop with scripted windows, a scripted engine and the open
 // world they show.
 struct ProgramHarness {
@@ -44,7 +27,7 @@ struct ProgramHarness {
     ThrowingProcessControl process;
     ErrorReporter reporter{state, display, process};
     OpenWorld world{state, engine, reporter};
-    WorldView view;
+    RecordingView view;
     ScriptedInterpreter::Log log;
     QString createdAs;
     ScriptedInterpreter* scripted = nullptr; // owned by the engine link
@@ -128,7 +111,7 @@ TEST(StartUp, RunsItsStepsInOrderAndEntersTheLoopReady) {
     EXPECT_EQ(h.argumentsOf(QStringLiteral("imagenavigator")), (QVariantList{400, 300, 7}));
     EXPECT_EQ(h.state.ScreenWidthTwips, 1024 * 15);
     EXPECT_EQ(h.shell.caption, QStringLiteral("Vessa47 [9.9]"));
-    EXPECT_EQ(h.view.names, QStringList{QString()}); // the default world has no name
+    EXPECT_EQ(h.view.status, QStringList{QStringLiteral("named ")}); // the default has no name
     EXPECT_LT(h.shell.events.indexOf(QStringLiteral("createMainForm")),
               h.shell.events.indexOf(QStringLiteral("unloadSplash")));
     EXPECT_EQ(h.shell.idleInterval, 1);
@@ -153,8 +136,8 @@ TEST(StartUp, FallsBackToTheSecondProgIdAndEndsWhenNeitherExists) {
     EXPECT_TRUE(none.log.calls.isEmpty());
     ASSERT_EQ(none.display.shown.size(), 1);
     const QString report = none.display.shown[0].labelText;
-    EXPECT_TRUE(report.contains(
-        QStringLiteral("VB:MainModule:Main() Error Creating COM server object")));
+    EXPECT_TRUE(
+        report.contains(QStringLiteral("VB:MainModule:Main() Error Creating COM server object")));
     EXPECT_TRUE(report.contains(kEngineProgId));
     EXPECT_TRUE(report.contains(kFallbackEngineProgId));
 }

@@ -1,5 +1,6 @@
 #include "world/open_world.h"
 
+#include "support/recording_view.h"
 #include "support/scripted_engine.h"
 
 #include <gtest/gtest.h>
@@ -9,28 +10,6 @@ using namespace vessa;
 using namespace vessa::testing;
 
 namespace {
-
-class RecordingView : public DifferenceView {
-public:
-    void appendOutput(const QString& text, const QColor& color) override {
-        output << text;
-        colors << color;
-    }
-    void PrintOutput(const QString& text) override { printed << text; }
-    void showUndoAvailable(bool available) override { undo << available; }
-    void showWorldActive(bool active) override { active_ << active; }
-    bool cameraWindowOnTop() const override { return onTop; }
-    void setRenderFormAlwaysOnTop(bool value) override { onTopCalls << value; }
-    void pumpEvents() override { ++pumps; }
-    void showUserError(const ErrorFormContent& content) override { errors << content; }
-
-    QStringList output, printed;
-    QList<QColor> colors;
-    QList<bool> undo, active_, onTopCalls;
-    QList<ErrorFormContent> errors;
-    bool onTop = false;
-    int pumps = 0;
-};
 
 QVariant batch(std::initializer_list<QVariantList> records) {
     QVariantList list;
@@ -82,7 +61,7 @@ TEST(HandleDifferences, UndoAndTrafficLightFollowTheirFlags) {
                              {QStringLiteral("activechanged"), QVariant(), false}}));
     EXPECT_EQ(result.undoAvailable, false);
     EXPECT_EQ(h.view.undo, (QList<bool>{true, false}));
-    EXPECT_EQ(h.view.active_, (QList<bool>{true, false}));
+    EXPECT_EQ(h.view.active, (QList<bool>{true, false}));
 }
 
 TEST(HandleDifferences, UnknownTagPrintsOneLineAndTheBatchGoesOn) {

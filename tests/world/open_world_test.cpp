@@ -1,5 +1,6 @@
 #include "world/open_world.h"
 
+#include "support/recording_view.h"
 #include "support/scripted_engine.h"
 
 #include <gtest/gtest.h>
@@ -9,24 +10,16 @@ using namespace vessa::testing;
 
 namespace {
 
-// Hears what the main window would show of the world's status.
-class StatusLog : public WorldStatusObserver {
-public:
-    void worldNamed(const QString& folder) override { heard << QStringLiteral("named ") + folder; }
-    void worldModified() override { heard << QStringLiteral("modified"); }
-    QStringList heard;
-};
-
 struct World : ScriptedProgram {
     OpenWorld world{state, engine, reporter};
-    StatusLog status;
+    RecordingView view;
 
     World() {
         state.HomeDir = QStringLiteral("/home/v/");
         scripted->answers[QStringLiteral("getisdirty")] = 1;
-        world.status().addObserver(status);
+        world.status().addObserver(view);
     }
-    ~World() { world.status().removeObserver(status); }
+    ~World() { world.status().removeObserver(view); }
 };
 
 } // namespace
@@ -37,8 +30,8 @@ TEST(WorldStatus, OnlyTheFirstChangeAfterANameIsNewsAndTheDefaultWorldHasNoName)
     w.world.script().AddNewAnimation();
     w.world.script().AddNewAnimation();
     w.world.SetSaveName(QStringLiteral("/home/v/Worlds/Garden"));
-    EXPECT_EQ(w.status.heard, (QStringList{QStringLiteral("named "), QStringLiteral("modified"),
-                                           QStringLiteral("named /home/v/Worlds/Garden")}));
+    EXPECT_EQ(w.view.status, (QStringList{QStringLiteral("named "), QStringLiteral("modified"),
+                                          QStringLiteral("named /home/v/Worlds/Garden")}));
     EXPECT_EQ(w.world.status().worldSaveFile(), QStringLiteral("/home/v/Worlds/Garden"));
     // Naming the world makes the engine's scene clean each time.
     EXPECT_EQ(w.log.calls.count(QStringLiteral("SetIsDirty")), 2);
@@ -61,16 +54,6 @@ TEST(WorldStatus, DirtyByTheScriptAnywhereByTheSceneOnlyOnTheOpeningTabNeverForA
 
 TEST(Requests, ARightClickInTheCameraViewReachesWhoeverRegisteredForTheObjectMenu) {
     World w;
-    class NoView : public DifferenceView {
-        void appendOutput(const QString&, const QColor&) override {}
-        void PrintOutput(const QString&) override {}
-        void showUndoAvailable(bool) override {}
-        void showWorldActive(bool) override {}
-        bool cameraWindowOnTop() const override { return false; }
-        void setRenderFormAlwaysOnTop(bool) override {}
-        void pumpEvents() override {}
-        void showUserError(const ErrorFormContent&) override {}
-    } view;
     const QVariant rightClick = QVariantList{QVariant(
         QVariantList{QStringLiteral("rightmousemenu"), QString(), QStringLiteral("Bunny")})};
     // Before a window shows the world, a record that needs one fails like a bad record,
@@ -80,7 +63,7 @@ TEST(Requests, ARightClickInTheCameraViewReachesWhoeverRegisteredForTheObjectMen
     EXPECT_THROW(w.world.HandleDifferences(output), RunTimeError);
     EXPECT_NO_THROW(w.world.HandleDifferences(QVariantList{QVariant(QVariantList{
         QStringLiteral("objectconstruct"), QStringLiteral("9"), QStringLiteral("sound")})}));
-    w.world.attachView(&view);
+    w.world.attachView(&w.view);
     // Nobody registered: the click is dropped.
     EXPECT_NO_THROW(w.world.HandleDifferences(rightClick));
     QStringList menus;

@@ -2,6 +2,7 @@
 
 #include "gateway/engine_registration.h"
 #include "gateway/interpreter_registry.h"
+#include "support/recording_view.h"
 #include "support/scripted_engine.h"
 
 #include <QDir>
@@ -16,19 +17,6 @@ using namespace vessa::testing;
 
 namespace {
 
-class QuietView : public DifferenceView {
-public:
-    void appendOutput(const QString& text, const QColor&) override { output << text; }
-    void PrintOutput(const QString& text) override { output << text; }
-    void showUndoAvailable(bool) override {}
-    void showWorldActive(bool) override {}
-    bool cameraWindowOnTop() const override { return false; }
-    void setRenderFormAlwaysOnTop(bool) override {}
-    void pumpEvents() override {}
-    void showUserError(const ErrorFormContent& content) override { output << content.typeCaption; }
-    QStringList output;
-};
-
 struct RealEngine {
     AppState state;
     EngineLink engine;
@@ -36,7 +24,7 @@ struct RealEngine {
     ThrowingProcessControl process;
     ErrorReporter reporter{state, display, process};
     OpenWorld world{state, engine, reporter};
-    QuietView view;
+    RecordingView view;
     QTemporaryDir folder;
 
     RealEngine() {
@@ -80,7 +68,8 @@ TEST(WorldsFromTheEngine, AWorldOfOnlyTheSceneComesIntoTheObjectTree) {
     RealEngine e;
     e.load({QStringLiteral("Object(kind='scene', name='Scene', parent=None, firstclass=True)")});
     EXPECT_EQ(e.objectTree(), QStringList{QStringLiteral("Scene")});
-    EXPECT_TRUE(e.view.output.isEmpty()) << e.view.output.join(u'\n').toStdString();
+    EXPECT_TRUE(e.view.errors.isEmpty());
+    EXPECT_TRUE(e.view.printed.isEmpty()) << e.view.printed.join(u'\n').toStdString();
 }
 
 TEST(WorldsFromTheEngine, ObjectsAndPartsComeUnderTheirOwners) {
