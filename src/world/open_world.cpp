@@ -23,7 +23,7 @@ DifferenceResult OpenWorld::HandleDifferences(const QVariant& differences) {
     return result;
 }
 
-DifferenceResult OpenWorld::PollTreeDifferences() {
+DifferenceResult OpenWorld::pollTreeDifferences() {
     return HandleDifferences(engine_.call(QStringLiteral("PollForTreeDifferences")));
 }
 

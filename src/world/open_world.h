@@ -37,7 +37,7 @@ public:
     DifferenceResult HandleDifferences(const QVariant& differences);
     // The object tree's records, out of the rhythm of the main loop, as loading a world
     // must have them before the scene goes away.
-    DifferenceResult PollTreeDifferences();
+    DifferenceResult pollTreeDifferences();
 
     // The right-click menu of an object, from the object tree or the camera view.
     void showObjectMenu(const QString& objectName);

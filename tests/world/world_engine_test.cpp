@@ -45,7 +45,7 @@ struct RealEngine {
         scene.close();
         EXPECT_TRUE(isSuccessResult(engine.call(QStringLiteral("LoadWorld"), {folder.path()})));
         world.HandleDifferences(engine.call(QStringLiteral("PollForMiscDifferences")));
-        world.PollTreeDifferences();
+        world.pollTreeDifferences();
     }
 
     // The object tree as shown, one line per node, indented by depth.
