@@ -1,7 +1,7 @@
 // The engine's speed with a big world, driven through the gateway as the
 // front end drives it: a thousand objects, a thousand running animations.
-#include "core/engine_registration.h"
-#include "core/interpreter_registry.h"
+#include "gateway/engine_registration.h"
+#include "gateway/interpreter_registry.h"
 
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>

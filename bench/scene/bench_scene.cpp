@@ -1,8 +1,8 @@
 // The scene's trees under a big world: a batch of records that builds 3,000
 // objects, and the rebuild of the event tab's copy of the tree.
 #include "controls/tree_item_model.h"
-#include "core/difference_handler.h"
 #include "scene/scene_trees.h"
+#include "world/difference_handler.h"
 
 #include <benchmark/benchmark.h>
 
@@ -20,9 +20,6 @@ public:
     void setRenderFormAlwaysOnTop(bool) override {}
     void pumpEvents() override {}
     void showUserError(const ErrorFormContent&) override {}
-    void showObjectMenu(const QString&) override {}
-    bool eventListHasItems() const override { return false; }
-    void ListviewReplaceString(const QString&, const QString&) override {}
 };
 
 class NoDisplay : public ErrorDisplay {
@@ -77,8 +74,11 @@ struct Handler {
     ErrorReporter reporter{state, display, process};
     SilentView view;
     SceneTrees trees;
-    TreeControl script;
-    DifferenceHandler handler{state, engine, reporter, view, trees, script};
+    RenameFollowers followers;
+    DifferenceHandler handler{state, engine, reporter, trees, followers, [](const QString&) {
+                              }};
+
+    void handle(const QVariant& records) { handler.HandleDifferences(records, &view); }
 };
 
 void BM_HandleDifferences_BigWorld(benchmark::State& state) {
@@ -89,7 +89,7 @@ void BM_HandleDifferences_BigWorld(benchmark::State& state) {
         // What the object tree's view would hear.
         TreeItemModel model(h->trees.ObjectTree);
         state.ResumeTiming();
-        h->handler.HandleDifferences(records);
+        h->handle(records);
         benchmark::DoNotOptimize(h->trees.ObjectTree.Count());
         state.PauseTiming();
         h.reset();
@@ -101,7 +101,7 @@ BENCHMARK(BM_HandleDifferences_BigWorld)->Unit(benchmark::kMillisecond);
 
 void BM_ObjectTree2Update_BigWorld(benchmark::State& state) {
     Handler h;
-    h.handler.HandleDifferences(bigWorldRecords());
+    h.handle(bigWorldRecords());
     TreeItemModel model(h.trees.ObjectTree2);
     for (auto _ : state)
         ObjectTree2_Update(h.trees);

@@ -1,10 +1,11 @@
-#include "core/app_state.h"
-#include "core/engine_link.h"
-#include "core/engine_registration.h"
-#include "core/error_form.h"
-#include "core/error_reporter.h"
-#include "core/program.h"
-#include "core/qt_shell.h"
+#include "gateway/app_state.h"
+#include "gateway/engine_link.h"
+#include "gateway/engine_registration.h"
+#include "gateway/error_reporter.h"
+#include "shell/error_form.h"
+#include "shell/program.h"
+#include "shell/qt_shell.h"
+#include "world/open_world.h"
 
 #include <QApplication>
 
@@ -35,7 +36,8 @@ int main(int argc, char** argv) {
         }
     });
     vessa::ErrorReporter reporter(state, errors, process);
-    vessa::QtShell shell(state, engine, reporter);
-    vessa::Program program(state, engine, registry, shell, reporter, errors, process);
+    vessa::OpenWorld world(state, engine, reporter);
+    vessa::QtShell shell(state, engine, reporter, world);
+    vessa::Program program(state, engine, registry, world, shell, reporter, errors, process);
     return program.Main();
 }

@@ -1,6 +1,6 @@
 #include "controls/tree_control.h"
 
-#include "core/run_time_error.h"
+#include "base/run_time_error.h"
 
 #include <algorithm>
 

@@ -4,8 +4,8 @@
 #include "controls/tree_control_view.h"
 #include "controls/tree_copy.h"
 #include "controls/tree_images.h"
-#include "core/engine_link.h"
-#include "core/error_reporter.h"
+#include "gateway/engine_link.h"
+#include "gateway/error_reporter.h"
 #include "scene/scene_trees.h"
 
 #include <QDrag>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "script/script_line.h"
+#include "controls/node_ref.h"
 
 #include <QWidget>
 #include <functional>

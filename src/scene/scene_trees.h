@@ -18,14 +18,22 @@ constexpr int Model = 8;
 constexpr int Sound = 53;
 } // namespace object_images
 
+// Keys of the scene trees' nodes, from the ids the engine sends as text.
+inline QString objectKey(const QString& id) {
+    return QLatin1Char('k') + id;
+}
+inline QString soundKey(const QString& id) {
+    return QLatin1Char('s') + id;
+}
+
 // The trees that mirror the engine's scene. Only the engine's difference
 // records change ObjectTree, Junkyard, SoundTree and SoundTreeJunkyard; the
 // panels send the engine statements and wait for the records to come back.
 struct SceneTrees {
-    TreeControl ObjectTree;        // objects, parts under their owners; Key "k" + id
+    TreeControl ObjectTree;        // objects, parts under their owners; Key objectKey(id)
     TreeControl ObjectTree2;       // read-only copy for choosing who an event happens to
     TreeControl Junkyard;          // destroyed objects, waiting to be brought back
-    TreeControl SoundTree;         // the scene's sounds; Key "s" + id
+    TreeControl SoundTree;         // the scene's sounds; Key soundKey(id)
     TreeControl SoundTreeJunkyard; // sounds that are not in the scene
     QString SelectedObjectName;    // Tag of the object pressed last in ObjectTree
     QString SelectedSoundName;     // Text of the sound pressed last in SoundTree

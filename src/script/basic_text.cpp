@@ -1,6 +1,6 @@
 #include "script/basic_text.h"
 
-#include "core/run_time_error.h"
+#include "base/run_time_error.h"
 
 namespace vessa::text {
 

@@ -1,8 +1,8 @@
 #include "script/script_clicks.h"
 
+#include "base/run_time_error.h"
 #include "controls/tree_control.h"
 #include "controls/tree_geometry.h"
-#include "core/run_time_error.h"
 #include "script/basic_text.h"
 #include "script/script_model.h"
 

@@ -1,7 +1,7 @@
 #include "script/script_line.h"
 
+#include "base/run_time_error.h"
 #include "controls/tree_control.h"
-#include "core/run_time_error.h"
 #include "script/basic_text.h"
 
 #include <QVarLengthArray>
@@ -129,14 +129,6 @@ QString& SlotValues::operator[](int slot) {
 
 const QString& SlotValues::operator[](int slot) const {
     return values_[CheckedSlot(slot)];
-}
-
-NodeRef NodeRef::To(TreeControl& tree, const TreeNode* node) {
-    return node ? NodeRef{&tree, node->Index()} : NodeRef{};
-}
-
-TreeNode* NodeRef::Get() const {
-    return Tree ? Tree->Node(Index) : nullptr;
 }
 
 void ParseString(ParseState& state, const QString& line, int position) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "controls/node_ref.h"
 #include "script/script_request.h"
 #include "script/vocabulary.h"
 
@@ -28,15 +29,6 @@ private:
 inline const QString UnsetValue = QStringLiteral(" ");
 // The Tag of a Python line: free text that the user types, not parsed.
 inline const QString PythonLineTag = QStringLiteral("1");
-
-// A node held by its tree and Index, so that a removed node reads as none.
-struct NodeRef {
-    TreeControl* Tree = nullptr; // Not owned.
-    int Index = 0;
-
-    static NodeRef To(TreeControl& tree, const TreeNode* node);
-    TreeNode* Get() const;
-};
 
 // What the last click on a line hit, as ParseString leaves it. The menus and editors
 // read and change it, and UpdateNode writes a line from it.

@@ -20,6 +20,8 @@ public:
     ScriptModel& operator=(const ScriptModel&) = delete;
 
     ScriptHost& Host() const { return host_; }
+    // Who answers the menus, editors and commands that clicks ask for.
+    ScriptRequests& requests() { return requests_; }
     // The animations: roots named "<name> = DoInOrder", blocks inside, lines as leaves.
     TreeControl& TreeView1() { return treeView1_; }
     // The palette of blocks to drag: "DoInOrder" and "DoTogether".
@@ -85,6 +87,7 @@ private:
     int animationCounter_ = 1;
     bool undoRecording_ = true;
     TreeUndoLog undo_;
+    ScriptRequests requests_;
 };
 
 } // namespace vessa

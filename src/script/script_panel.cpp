@@ -1,8 +1,8 @@
 #include "script/script_panel.h"
 
+#include "base/run_time_error.h"
 #include "controls/accessible_names.h"
 #include "controls/tree_images.h"
-#include "core/run_time_error.h"
 #include "script/script_host.h"
 #include "script/script_icons.h"
 #include "script/script_model.h"
@@ -109,7 +109,7 @@ void ScriptPanel::Show(ScriptRequest request, TreeControlView& view) {
         });
         return;
     default:
-        model_.Host().Dispatch(request);
+        model_.requests().route(request);
     }
 }
 

@@ -14,11 +14,10 @@ class ScriptModel;
 // The animations tab's script: the block palette (ConstructTree), the script tree
 // (TreeView1) and the one-line command tree, over a ScriptModel. It turns the mouse on
 // them into the script's rules, shows the two right-click menus, and hands every other
-// menu or editor a click asks for to the model's ScriptHost.
+// menu or editor a click asks for to whoever registered for it with the model.
 //
-// From outside it needs only the model's host (caption and dirty flag, the event log's
-// undo, the dispatcher of menus and editors, error reports). The three views may be
-// taken out of its layout and placed elsewhere.
+// From outside it needs only the model's host (the event log's undo, error reports).
+// The three views may be taken out of its layout and placed elsewhere.
 class ScriptPanel : public QWidget {
     Q_OBJECT
 public:

@@ -3,6 +3,8 @@
 #include <QPoint>
 #include <QString>
 
+#include <functional>
+#include <map>
 #include <vector>
 
 namespace vessa {
@@ -14,9 +16,9 @@ struct MenuRow {
     bool Enabled = true;
 };
 
-// What a click on the script asks for. The script decides; whoever shows menus and
-// editors carries it out. Requests of the kinds marked "later" are answered by the
-// menus, editors and commands that other parts of the program add.
+// What a click asks for. The script decides; whoever shows menus and editors carries
+// it out. Requests of the kinds marked "later" are answered by the menus, editors and
+// commands that other parts of the program add.
 struct ScriptRequest {
     enum class Kind {
         None,
@@ -30,6 +32,7 @@ struct ScriptRequest {
         BlankMenu,    // the blank-space menu with Rows
         NodeCommand,  // later: row Number of the node menu (perform, cut, copy, paste, delete)
         BlankCommand, // later: row Number of the blank-space menu (the Python code box)
+        ObjectMenu,   // later: the action menu of the object named Value, at the mouse
     };
 
     Kind What = Kind::None;
@@ -41,6 +44,33 @@ struct ScriptRequest {
     // Where the click fell, in pixels of the tree's viewport, and on the screen.
     QPoint TreePoint;
     QPoint ScreenPoint;
+};
+
+// Who answers which requests: each part of the program that shows a menu or an editor,
+// or carries out a command, registers for its kinds. A request that nobody registered
+// for is dropped, as a click on something not built yet.
+class ScriptRequests {
+public:
+    using Handler = std::function<void(const ScriptRequest&)>;
+
+    // Replaces the handler of kind; an empty handler removes it.
+    void registerHandler(ScriptRequest::Kind kind, Handler handler) {
+        if (handler)
+            handlers_[kind] = std::move(handler);
+        else
+            handlers_.erase(kind);
+    }
+    // Hands request to the handler of its kind; false when there is none.
+    bool route(const ScriptRequest& request) const {
+        const auto handler = handlers_.find(request.What);
+        if (handler == handlers_.end())
+            return false;
+        handler->second(request);
+        return true;
+    }
+
+private:
+    std::map<ScriptRequest::Kind, Handler> handlers_;
 };
 
 } // namespace vessa

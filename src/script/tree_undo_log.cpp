@@ -11,7 +11,6 @@ namespace vessa {
 
 namespace {
 const QString LineEnd = QStringLiteral("\r\n");
-const QString Modified = QStringLiteral(" [modified]");
 } // namespace
 
 TreeUndoLog::TreeUndoLog(TreeControl& tree, TreeControl& junkyard,
@@ -30,16 +29,9 @@ void TreeUndoLog::Clear() {
     records_.clear();
 }
 
-void TreeUndoLog::MarkModified() {
-    if (host_.ScriptDirty())
-        return;
-    host_.SetCaption(host_.Caption() + Modified);
-    host_.SetScriptDirty(true);
-}
-
 void TreeUndoLog::UndoLog(UndoOperation operation, const TreeNode* node, const TreeNode* otherNode,
                           int count) {
-    MarkModified();
+    host_.scriptModified();
     // A move's two paths are each taken as if the other node were not there: undo finds
     // the copy once the original is gone, and the original's place once the copy is.
     const QString paths = operation == UndoOperation::Moved

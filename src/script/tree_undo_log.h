@@ -46,7 +46,6 @@ public:
     void Clear();
 
 private:
-    void MarkModified();
     TreeNode* UndoMe();
     TreeNode* SaveCopy();
     TreeNode* LastCopy() const;

@@ -1,6 +1,6 @@
 #include "script/vocabulary.h"
 
-#include "core/run_time_error.h"
+#include "base/run_time_error.h"
 
 namespace vessa {
 

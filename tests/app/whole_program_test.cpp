@@ -5,44 +5,79 @@
 #include <gtest/gtest.h>
 
 // Starts the built program as a user would, headless, with a home folder and
-// settings of its own, and leaves it through the File menu.
+// settings of its own, driven by the test driver plugin.
 
 namespace {
 
-QProcessEnvironment programEnvironment(const QString& configDir) {
+struct ProgramRun {
+    bool finished = false;
+    int exitCode = -1;
+    QString errors; // standard error, where the driver reports
+};
+
+ProgramRun runProgram(const QString& program, const QString& script) {
+    QTemporaryDir config;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     env.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("vessatestdriver"));
     env.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(VESSA_TEST_PLUGIN_DIR));
     env.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
-    env.insert(QStringLiteral("XDG_CONFIG_HOME"), configDir);
-    env.insert(QStringLiteral("VESSA47_DRIVER_SCRIPT"),
-               QStringLiteral("wait:300;dump:ObjectTree;tab:1;tab:2;tab:0;exit"));
-    env.remove(QStringLiteral("VESSA47_HOME")); // the program finds its home beside itself
-    return env;
+    env.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+    env.insert(QStringLiteral("VESSA47_DRIVER_SCRIPT"), script);
+    // The program finds its home and its engine beside itself.
+    env.remove(QStringLiteral("VESSA47_HOME"));
+    env.remove(QStringLiteral("PYTHONPATH"));
+    QProcess process;
+    process.setProcessEnvironment(env);
+    process.start(program, {});
+    ProgramRun run;
+    if (!process.waitForStarted(10000))
+        return run;
+    run.finished = process.waitForFinished(60000);
+    if (!run.finished)
+        process.kill();
+    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    run.errors = QString::fromLocal8Bit(process.readAllStandardError());
+    return run;
 }
 
 } // namespace
 
 TEST(WholeProgram, ShowsTheDefaultWorldVisitsEachTabAndExitsThroughTheFileMenu) {
-    QTemporaryDir config;
-    QProcess program;
-    program.setProcessEnvironment(programEnvironment(config.path()));
-    program.start(QStringLiteral(VESSA_PROGRAM), {});
-    ASSERT_TRUE(program.waitForStarted(10000));
-    const bool finished = program.waitForFinished(60000);
-    const QString errors = QString::fromLocal8Bit(program.readAllStandardError());
-    if (!finished)
-        program.kill();
-    ASSERT_TRUE(finished) << errors.toStdString();
-    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit) << errors.toStdString();
-    EXPECT_EQ(program.exitCode(), 0) << errors.toStdString();
-    EXPECT_TRUE(errors.contains(QStringLiteral("driver: main window shown")))
-        << errors.toStdString();
-    EXPECT_FALSE(errors.contains(QStringLiteral("did not open"))) << errors.toStdString();
-    EXPECT_FALSE(errors.contains(QStringLiteral("Traceback"))) << errors.toStdString();
+    const ProgramRun run =
+        runProgram(QStringLiteral(VESSA_PROGRAM),
+                   QStringLiteral("wait:300;dump:ObjectTree;tab:1;tab:2;tab:0;exit"));
+    const std::string errors = run.errors.toStdString();
+    ASSERT_TRUE(run.finished) << errors;
+    EXPECT_EQ(run.exitCode, 0) << errors;
+    EXPECT_TRUE(run.errors.contains(QStringLiteral("driver: main window shown"))) << errors;
+    EXPECT_FALSE(run.errors.contains(QStringLiteral("did not open"))) << errors;
+    EXPECT_FALSE(run.errors.contains(QStringLiteral("Traceback"))) << errors;
+    EXPECT_FALSE(run.errors.contains(QStringLiteral("driver: ErrorForm"))) << errors;
     // The default world reached the object tree through the engine's records.
     for (const char* line : {"driver: ObjectTree: Scene\n", "driver: ObjectTree:   Camera\n",
                              "driver: ObjectTree:   Light\n", "driver: ObjectTree:   Ground\n"})
-        EXPECT_TRUE(errors.contains(QString::fromLatin1(line))) << line << errors.toStdString();
+        EXPECT_TRUE(run.errors.contains(QString::fromLatin1(line))) << line << errors;
+}
+
+TEST(WholeProgram, WithoutAnEngineItSaysWhyInABoxAndEnds) {
+    // The program alone in a folder: no engine package beside it under either name.
+    QTemporaryDir alone;
+    const QString program = alone.path() + QStringLiteral("/vessa47");
+    ASSERT_TRUE(QFile::copy(QStringLiteral(VESSA_PROGRAM), program));
+    const ProgramRun run = runProgram(program, QStringLiteral("exit"));
+    const std::string errors = run.errors.toStdString();
+    ASSERT_TRUE(run.finished) << errors;
+    EXPECT_EQ(run.exitCode, 1) << errors;
+    EXPECT_FALSE(run.errors.contains(QStringLiteral("driver: main window shown"))) << errors;
+    const qsizetype box = run.errors.indexOf(QStringLiteral("driver: ErrorForm: "));
+    ASSERT_GE(box, 0) << errors;
+    const QString shown = run.errors.mid(box).section(QLatin1Char('\n'), 0, 0);
+    EXPECT_TRUE(shown.contains(QStringLiteral("Please copy this message to the clipboard (with "
+                                              "the button to the right)")))
+        << shown.toStdString();
+    EXPECT_FALSE(shown.contains(QStringLiteral("Windows"))) << shown.toStdString();
+    EXPECT_TRUE(shown.contains(QStringLiteral("Error Creating COM server object")))
+        << shown.toStdString();
+    EXPECT_TRUE(shown.contains(QStringLiteral("Vessia.Interpreter"))) << shown.toStdString();
 }

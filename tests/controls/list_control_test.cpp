@@ -1,6 +1,6 @@
+#include "base/run_time_error.h"
 #include "controls/list_control.h"
 #include "controls/list_item_model.h"
-#include "core/run_time_error.h"
 
 #include <QAbstractItemModelTester>
 

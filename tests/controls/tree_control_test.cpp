@@ -1,6 +1,6 @@
+#include "base/run_time_error.h"
 #include "controls/tree_control.h"
 #include "controls/tree_item_model.h"
-#include "core/run_time_error.h"
 
 #include <QAbstractItemModelTester>
 #include <QRandomGenerator>

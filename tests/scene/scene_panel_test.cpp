@@ -1,10 +1,10 @@
 #include "scene/scene_panel.h"
 
 #include "controls/tree_control_view.h"
-#include "core/engine_link.h"
-#include "core/error_reporter.h"
-#include "core/fakes.h"
+#include "gateway/engine_link.h"
+#include "gateway/error_reporter.h"
 #include "scene/scene_trees.h"
+#include "support/scripted_engine.h"
 
 #include <QApplication>
 #include <QDropEvent>

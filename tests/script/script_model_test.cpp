@@ -1,4 +1,4 @@
-#include "core/run_time_error.h"
+#include "base/run_time_error.h"
 #include "script/script_icons.h"
 #include "script/script_model.h"
 #include "script_test_support.h"
@@ -30,7 +30,7 @@ TEST_F(Model, AFreshScriptHoldsOneAnimationAndItsHelpers) {
     EXPECT_EQ(script.CommandLineTreeview().FirstRoot()->Text(), "Camera.Move(Forward, 1, more...)");
     EXPECT_EQ(script.junkyard2().FirstRoot()->Text(), "UndoMe");
     EXPECT_TRUE(script.TreeUndoRecords().IsEmpty());
-    EXPECT_FALSE(host.dirty);
+    EXPECT_EQ(host.modifications, 0);
 }
 
 TEST_F(Model, NewAnimationsCountOnAndSkipTakenKeys) {

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "base/run_time_error.h"
 #include "controls/tree_control.h"
 #include "controls/tree_geometry.h"
-#include "core/run_time_error.h"
 #include "script/script_host.h"
+#include "script/script_model.h"
 #include "script/script_request.h"
 
 #include <QFontMetrics>
@@ -12,20 +13,22 @@
 
 namespace vessa::testing {
 
-// The window around the script: remembers the caption, the dirty flag, the event log
-// replays and the requests it was asked to show.
+// The world around the script: counts the changes it was told of and the event log
+// replays, and keeps the requests of every kind once it records a model's.
 class FakeScriptHost : public ScriptHost {
 public:
-    bool ScriptDirty() const override { return dirty; }
-    void SetScriptDirty(bool value) override { dirty = value; }
-    QString Caption() const override { return caption; }
-    void SetCaption(const QString& value) override { caption = value; }
+    void scriptModified() override { ++modifications; }
     void LVUndoFromLog() override { ++eventUndos; }
-    void Dispatch(const ScriptRequest& request) override { requests.push_back(request); }
     void ReportError(const RunTimeError& error) override { errors.push_back(error.number()); }
 
-    bool dirty = false;
-    QString caption = "Vessa47 - Default";
+    void RecordRequestsOf(ScriptModel& model) {
+        for (int kind = 0; kind <= static_cast<int>(ScriptRequest::Kind::ObjectMenu); ++kind)
+            model.requests().registerHandler(
+                static_cast<ScriptRequest::Kind>(kind),
+                [this](const ScriptRequest& request) { requests.push_back(request); });
+    }
+
+    int modifications = 0;
     int eventUndos = 0;
     std::vector<ScriptRequest> requests;
     std::vector<int> errors;

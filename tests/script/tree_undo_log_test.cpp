@@ -1,4 +1,4 @@
-#include "core/run_time_error.h"
+#include "base/run_time_error.h"
 #include "script/script_model.h"
 #include "script/tree_walks.h"
 #include "script_test_support.h"
@@ -56,11 +56,10 @@ struct Undo : ::testing::Test {
 
 } // namespace
 
-TEST_F(Undo, TheFirstChangeMarksTheWorldModifiedOnce) {
+TEST_F(Undo, EveryRecordedChangeTellsTheWorld) {
     AddLine(action1, "Camera.Move(Forward, 1, more...)");
     AddLine(action1, "Camera.Turn(Left, 1/4, more...)");
-    EXPECT_TRUE(host.dirty);
-    EXPECT_EQ(host.caption, "Vessa47 - Default [modified]");
+    EXPECT_EQ(host.modifications, 2);
     EXPECT_EQ(script.TreeUndoRecords().Text(), "1,0:1,0\r\n1,0:0,0\r\n");
 }
 
@@ -166,7 +165,7 @@ TEST_F(Undo, AMoveIsOneStepThatPutsTheWholeSubtreeBack) {
 TEST_F(Undo, AnEmptyLogDoesNothingAndExpansionToggles) {
     script.UndoFromLog();
     EXPECT_EQ(tree.RootCount(), 1);
-    EXPECT_FALSE(host.dirty);
+    EXPECT_EQ(host.modifications, 0);
     script.UndoLog(UndoOperation::Expansion, action1);
     script.UndoFromLog();
     EXPECT_TRUE(action1->Expanded());

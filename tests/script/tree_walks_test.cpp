@@ -1,5 +1,5 @@
+#include "base/run_time_error.h"
 #include "controls/tree_control.h"
-#include "core/run_time_error.h"
 #include "script/tree_walks.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "core/run_time_error.h"
+#include "base/run_time_error.h"
 #include "script/vocabulary.h"
 
 #include <gtest/gtest.h>

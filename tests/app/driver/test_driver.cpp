@@ -12,12 +12,17 @@
 //   "wait:MS"     let the program run for MS milliseconds
 //   "exit"        open the File menu with Alt+F and choose E&xit with X
 // Whatever the script, it reports on standard error when the main window is
-// shown with its final caption: "driver: main window shown".
+// shown with its final caption: "driver: main window shown". An error box that
+// comes up at any time is reported, "driver: ErrorForm: <caption> | <details>"
+// with line ends shown as "/", and closed with its OK button.
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QGenericPlugin>
+#include <QLabel>
 #include <QMenu>
+#include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTabBar>
 #include <QTest>
 #include <QTimer>
@@ -40,9 +45,29 @@ public:
     Driver() {
         connect(&poll_, &QTimer::timeout, this, &Driver::step);
         poll_.start(10);
+        connect(&errorBoxes_, &QTimer::timeout, this, &Driver::closeErrorBox);
+        errorBoxes_.start(10);
     }
 
 private:
+    void closeErrorBox() {
+        QWidget* box = QApplication::activeModalWidget();
+        if (!box || box->objectName() != QStringLiteral("ErrorForm") || !box->isVisible())
+            return;
+        const auto* caption = box->findChild<QLabel*>(QStringLiteral("ErrorTypeLabel"));
+        const auto* details = box->findChild<QPlainTextEdit*>(QStringLiteral("ErrorLabel"));
+        const auto oneLine = [](QString text) {
+            return text.replace(QStringLiteral("\r\n"), QStringLiteral("/"))
+                .replace(QLatin1Char('\n'), QLatin1Char('/'));
+        };
+        std::fprintf(stderr, "driver: ErrorForm: %s | %s\n",
+                     qPrintable(caption ? oneLine(caption->text()) : QString()),
+                     qPrintable(details ? oneLine(details->toPlainText()) : QString()));
+        std::fflush(stderr);
+        if (auto* ok = box->findChild<QPushButton*>(QStringLiteral("OkButton")))
+            QTest::mouseClick(ok, Qt::LeftButton);
+    }
+
     void step() {
         QWidget* main = readyMainWindow();
         if (!main)
@@ -127,6 +152,7 @@ private:
     }
 
     QTimer poll_;
+    QTimer errorBoxes_;
     QStringList steps_;
     QWidget* main_ = nullptr;
 };

@@ -1,0 +1,502 @@
+#include "shell/main_form.h"
+
+#include "controls/accessible_names.h"
+#include "gateway/output_limits.h"
+#include "scene/scene_panel.h"
+#include "script/script_panel.h"
+#include "shell/error_form.h"
+#include "shell/loop_wait.h"
+#include "shell/render_form.h"
+#include "shell/view_hosts.h"
+#include "world/open_world.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFrame>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QStyle>
+#include <QTabBar>
+#include <QTextEdit>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace vessa {
+
+namespace {
+
+// Diagnostics stay in the program but are switched off.
+constexpr bool kLogMessagesOn = false;
+
+// The shares of the window that the scene's column and the output pane start with.
+constexpr double kObjectTreeShare = 0.2;
+constexpr double kOutputShare = 0.08;
+
+struct MenuItemSpec {
+    const char* control;
+    const char* caption; // empty: a separator
+};
+
+struct MenuSpec {
+    const char* control;
+    const char* caption;
+    std::initializer_list<MenuItemSpec> items;
+};
+
+const MenuSpec kMenus[] = {
+    {"FileMenuButton",
+     "&File",
+     {{"FileNewMenuButton", "&New World"},
+      {"FileOpenMenuButton", "&Open World..."},
+      {"mnuImportVES", "&Import VES File..."},
+      {"", ""},
+      {"FileSaveMenuButton", "&Save"},
+      {"FileSaveAsMenuButton", "Save &As..."},
+      {"FileSaveAsWWWMenuButton", "Save As &WWW Page..."},
+      {"mnuSendToFriend", "Send To A &Friend..."},
+      {"", ""},
+      {"FileStartCameraHere", "Make Camera Start Here in Opening Scene"},
+      {"FileOpeningScene", "Make This the Opening Scene"},
+      {"", ""},
+      {"mnuMakeObject", "Make Object..."},
+      {"mnuAddObject", "Add Object..."},
+      {"mnuAddSounds", "Add Sound..."},
+      {"mnuAddText", "Add Text..."},
+      {"", ""},
+      {"FileExitMenuButton", "E&xit"}}},
+    {"EditMenuButton",
+     "&Edit",
+     {{"EditUndoTextMenuButton", "&Undo Changes to Script"},
+      {"", ""},
+      {"EditCutMenuButton", "Cu&t"},
+      {"EditCopyMenuButton", "&Copy"},
+      {"EditPasteMenuButton", "&Paste"},
+      {"EditDeleteMenuButton", "&Delete"},
+      {"", ""},
+      {"EditSelectAllMenuButton", "Select A&ll"},
+      {"", ""},
+      {"EditFindMenuButton", "&Find..."},
+      {"EditReplaceMenuButton", "Replace..."}}},
+    {"HelpMenuButton",
+     "&Help",
+     {{"HelpViewMenuButton", "View Online Help..."},
+      {"HelpExampleMenuButton", "Example Worlds..."},
+      {"HelpPythonMenuButton", "Python Example Worlds..."},
+      {"", ""},
+      {"HelpAboutMenuButton", "About Vessa..."}}},
+    {"SiteSpecificMenuButton", "S&ite Specific", {}},
+    {"ScriptTextMenuButton",
+     "Script Text",
+     {{"ScriptTextOTFButton", "Make \"On The Fly\" &Button"}}},
+};
+
+} // namespace
+
+MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
+                   RenderForm& renderForm, OpenWorld& world)
+    : state_(state), engine_(engine), reporter_(reporter), renderForm_(renderForm), world_(world),
+      outputText_(new QTextEdit(this)), openingSceneFrame_(new QFrame(this)),
+      gCameraWindowOnTop(renderForm.Check1Value()) {
+    setObjectName(QStringLiteral("MainForm"));
+    setWindowTitle(QStringLiteral("Vessa47"));
+    menuBar()->setObjectName(QStringLiteral("menuBar"));
+    buildMenus();
+
+    openingSceneFrame_->setObjectName(QStringLiteral("OpeningSceneFrame"));
+    markViewHost(openingSceneFrame_, OpeningSceneHost);
+    openingSceneFrame_->installEventFilter(this);
+    renderForm_.RenderFrame()->installEventFilter(this);
+    connect(&renderForm_, &RenderForm::alwaysOnTopChosen, this,
+            [this](bool onTop) { gCameraWindowOnTop = onTop; });
+    openingSceneFrame_->setFrameShape(QFrame::StyledPanel);
+    openingSceneFrame_->setMinimumSize(320, 240);
+    openingSceneFrame_->setStyleSheet(
+        QStringLiteral("QFrame#OpeningSceneFrame { background: #20242c; }"));
+
+    outputText_->setObjectName(QStringLiteral("OutputText"));
+    outputText_->setReadOnly(true);
+    outputText_->setAcceptRichText(false);
+    outputText_->setLineWrapMode(QTextEdit::WidgetWidth);
+    outputText_->document()->setMaximumBlockCount(kOutputPaneLines);
+
+    resize(9000 / 15, 9360 / 15);
+    setCentralWidget(buildColumns());
+
+    IdleTimer.setObjectName(QStringLiteral("IdleTimer"));
+    connect(&IdleTimer, &QTimer::timeout, this, &MainForm::IdleTimer_Timer);
+
+    applyAccessibleNames(this);
+    world_.attachView(this);
+    world_.status().addObserver(*this);
+    SwitchToTab(0);
+}
+
+MainForm::~MainForm() {
+    world_.status().removeObserver(*this);
+    world_.attachView(nullptr);
+}
+
+// The scene's column on the left; the tabs over the output pane on the right.
+QWidget* MainForm::buildColumns() {
+    scenePanel_ = new ScenePanel(world_.trees(), engine_, reporter_, world_.script().DragNode,
+                                 {[this] { return world_.status().SceneScriptTab(); },
+                                  [this](const QString& name) {
+                                      world_.showObjectMenu(name);
+                                  }},
+                                 this);
+    auto* right = new QSplitter(Qt::Vertical, this);
+    right->setObjectName(QStringLiteral("SplitterH1"));
+    right->addWidget(buildScriptTabs());
+    right->addWidget(outputText_);
+    const int height = this->height();
+    right->setSizes({qRound(height * (1 - kOutputShare)), qRound(height * kOutputShare)});
+    auto* columns = new QSplitter(Qt::Horizontal, this);
+    columns->setObjectName(QStringLiteral("SplitterV"));
+    columns->addWidget(scenePanel_);
+    columns->addWidget(right);
+    columns->setSizes(
+        {qRound(width() * kObjectTreeShare), qRound(width() * (1 - kObjectTreeShare))});
+    return columns;
+}
+
+QWidget* MainForm::buildOpeningScenePanel() {
+    auto* panel = new QWidget(this);
+    panel->setObjectName(QStringLiteral("OpeningScenePanel"));
+    undoButton_ = makeUndoButton(QStringLiteral("UndoButton"), panel);
+    auto* layout = new QVBoxLayout(panel);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(undoButton_, 0, Qt::AlignLeft);
+    layout->addWidget(openingSceneFrame_, 1);
+    return panel;
+}
+
+// The engine's undo, on each tab: disabled while the engine has nothing to undo, which
+// the engine's records tell. The script's own changes are undone from the Edit menu.
+QToolButton* MainForm::makeUndoButton(const QString& control, QWidget* parent) {
+    auto* button = new QToolButton(parent);
+    button->setObjectName(control);
+    button->setIcon(style()->standardIcon(QStyle::SP_ArrowBack));
+    button->setToolTip(QStringLiteral("Undo"));
+    button->setEnabled(false);
+    connect(button, &QToolButton::clicked, this, [this, control] { UndoButton_MouseUp(control); });
+    return button;
+}
+
+void MainForm::UndoButton_MouseUp(const QString& control) {
+    const QString routine = QStringLiteral("MainForm:") + control + QStringLiteral("_MouseUp: ");
+    try {
+        runTool(engine_, reporter_, QStringLiteral("undo()"),
+                routine + QStringLiteral("Error calling undo."));
+        runTool(engine_, reporter_, QStringLiteral("PlaySystemSound('Undo')"),
+                routine + QStringLiteral("Error playing sound."));
+    } catch (const RunTimeError& e) {
+        reporter_.reportAtTop(
+            ReportForm::C,
+            QStringLiteral("VB:MainForm:") + control + QStringLiteral("_MouseUp() Error"), e);
+    }
+}
+
+// The tab bar over the two panels: the opening scene, and the script that the
+// animation and event tabs share.
+QWidget* MainForm::buildScriptTabs() {
+    auto* area = new QWidget(this);
+    switchTab_ = new QTabBar(area);
+    switchTab_->setObjectName(QStringLiteral("SwitchTab"));
+    for (const char* caption : {"Opening Scene", "Animations", "Events"})
+        switchTab_->addTab(QString::fromUtf8(caption));
+    connect(switchTab_, &QTabBar::tabBarClicked, this, [this](int tab) {
+        if (tab >= 0)
+            SwitchToTab(tab);
+    });
+
+    scriptPanel_ = new ScriptPanel(world_.script(), area);
+    scriptUndoButton_ = makeUndoButton(QStringLiteral("ScriptUndoButton"), area);
+    auto* scriptTab = new QWidget(area);
+    auto* scriptLayout = new QVBoxLayout(scriptTab);
+    scriptLayout->setContentsMargins(0, 0, 0, 0);
+    scriptLayout->addWidget(scriptUndoButton_, 0, Qt::AlignLeft);
+    scriptLayout->addWidget(scriptPanel_, 1);
+
+    sceneScriptTab_ = new QStackedWidget(area);
+    sceneScriptTab_->addWidget(buildOpeningScenePanel());
+    sceneScriptTab_->addWidget(scriptTab);
+
+    auto* layout = new QVBoxLayout(area);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    layout->addWidget(switchTab_);
+    layout->addWidget(sceneScriptTab_, 1);
+    return area;
+}
+
+void MainForm::SwitchToTab(int tab) {
+    const int old = world_.status().SceneScriptTab();
+    if (switchTab_->currentIndex() != tab || old != tab) {
+        try {
+            if (tab == 0) {
+                enableMenuItems({"FileOpeningScene", "FileStartCameraHere", "EditFindMenuButton",
+                                 "EditUndoTextMenuButton", "EditPasteMenuButton",
+                                 "EditCutMenuButton", "EditCopyMenuButton", "EditDeleteMenuButton"},
+                                false);
+                if (old != 0)
+                    runTool(engine_, reporter_, QStringLiteral("RestoreHandbasket()"),
+                            QStringLiteral("MainForm:SwitchToTab: Error restoring handbasket."));
+            } else {
+                if (old == 0)
+                    runTool(engine_, reporter_, QStringLiteral("PreserveHandbasket()"),
+                            QStringLiteral("MainForm:SwitchToTab: Error restoring handbasket."));
+                enableMenuItems({"EditUndoTextMenuButton", "EditCutMenuButton",
+                                 "EditCopyMenuButton", "EditDeleteMenuButton"},
+                                true);
+                scriptPanel_->ConstructTreeView().setVisible(tab == 1);
+            }
+            if (tab == 2)
+                ObjectTree2_Update(world_.trees());
+            world_.status().setSceneScriptTab(tab);
+            switchTab_->setCurrentIndex(tab);
+            scenePanel_->showTab(tab);
+            sceneScriptTab_->setCurrentIndex(tab == 0 ? 0 : 1);
+            if (tab == 0 && engine_.isSet())
+                reporter_.CheckInterpreterResult(
+                    engine_.call(QStringLiteral("SetIsDirty"), {0}),
+                    QStringLiteral("MainForm:SwitchToTab: Error making world clean."));
+        } catch (const RunTimeError& e) {
+            reporter_.reportAtTop(ReportForm::C, QStringLiteral("VB:MainForm:SwitchToTab() Error"),
+                                  e);
+        }
+    }
+    // The camera view lives in the opening-scene panel, and in the camera
+    // window while a script tab shows.
+    if (tab == 0 && old != 0)
+        moveCameraView(openingSceneFrame_);
+    else if (tab != 0 && old == 0)
+        moveCameraView(renderForm_.RenderFrame());
+}
+
+QWidget* MainForm::cameraViewHost() const {
+    return world_.status().SceneScriptTab() == 0 ? openingSceneFrame_ : renderForm_.RenderFrame();
+}
+
+bool MainForm::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Resize && watched == cameraViewHost() && engine_.isSet() &&
+        !renderForm_.isMinimized()) {
+        const QSize size = cameraViewHost()->size();
+        try {
+            reporter_.CheckInterpreterResult(engine_.call(QStringLiteral("setimagenavigatorsize"),
+                                                          {size.width(), size.height()}),
+                                             QStringLiteral("VB:RenderForm:Form_Resize() Error."));
+        } catch (const RunTimeError& e) {
+            reporter_.reportAtTop(ReportForm::A,
+                                  QStringLiteral("VB:RenderForm:Form_Resize() Error."), e);
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void MainForm::enableMenuItems(std::initializer_list<const char*> controls, bool enabled) {
+    for (const char* control : controls)
+        if (QAction* action = findChild<QAction*>(QString::fromUtf8(control)))
+            action->setEnabled(enabled);
+}
+
+void MainForm::moveCameraView(QWidget* host) {
+    if (!engine_.isSet())
+        return;
+    if (host == openingSceneFrame_)
+        renderForm_.hide();
+    try {
+        engine_.call(QStringLiteral("setimagenavigatorsize"), {host->width(), host->height()});
+        engine_.call(QStringLiteral("setimagenavigatorparent"), {viewHostId(host)});
+    } catch (const RunTimeError&) {
+        // A view that can't move stays where it is; the world still runs.
+    }
+    if (host != openingSceneFrame_)
+        renderForm_.show();
+}
+
+void MainForm::buildMenus() {
+    for (const MenuSpec& entry : kMenus) {
+        QMenu* menu = menuBar()->addMenu(QString::fromUtf8(entry.caption));
+        menu->setObjectName(QString::fromUtf8(entry.control));
+        menu->menuAction()->setObjectName(QString::fromUtf8(entry.control));
+        for (const MenuItemSpec& item : entry.items) {
+            if (*item.control == '\0') {
+                menu->addSeparator();
+                continue;
+            }
+            QAction* action = menu->addAction(QString::fromUtf8(item.caption));
+            action->setObjectName(QString::fromUtf8(item.control));
+            // Commands come to life as the subsystems behind them are built.
+            action->setEnabled(false);
+        }
+    }
+    // Shown only when the engine offers site commands.
+    findChild<QMenu*>(QStringLiteral("SiteSpecificMenuButton"))->menuAction()->setVisible(false);
+    QAction* undo = findChild<QAction*>(QStringLiteral("EditUndoTextMenuButton"));
+    undo->setShortcut(QKeySequence::Undo);
+    connect(undo, &QAction::triggered, this, [this] { scriptPanel_->UndoFromLog(); });
+    QAction* exit = findChild<QAction*>(QStringLiteral("FileExitMenuButton"));
+    exit->setEnabled(true);
+    exit->setShortcut(QKeySequence::Quit);
+    connect(exit, &QAction::triggered, this, &QWidget::close);
+}
+
+QWidget* MainForm::OpeningSceneFrame() const {
+    return openingSceneFrame_;
+}
+
+bool MainForm::objectTreeVisible() const {
+    return scenePanel_->objectTreeVisible();
+}
+
+int MainForm::SaveChangesPrompt() {
+    const auto answer = QMessageBox::question(
+        this, QStringLiteral("Vessa47"), QStringLiteral("Save changes to your world first?"),
+        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
+    if (answer == QMessageBox::Yes) {
+        if (!FileSaveMenuButton_Click())
+            return 2; // not saved: keep the world open rather than lose it
+        return 0;
+    }
+    // A box closed without a choice keeps the world open, as Cancel does.
+    return answer == QMessageBox::No ? 1 : 2;
+}
+
+bool MainForm::FileSaveMenuButton_Click() {
+    // Worlds can't be written to a folder yet; say so rather than pretend.
+    QMessageBox::information(this, QStringLiteral("Vessa47"),
+                             QStringLiteral("This version of Vessa47 can't save worlds yet, so "
+                                            "your world stays open."));
+    return false;
+}
+
+void MainForm::worldNamed(const QString& worldSaveFile) {
+    const QString version = engine_.call(QStringLiteral("GetVersionText")).toString();
+    setWindowTitle(worldSaveFile.isEmpty()
+                       ? QStringLiteral("Vessa47 [") + version + QLatin1Char(']')
+                       : QStringLiteral("Vessa47 - ") + worldSaveFile + QStringLiteral(" [") +
+                             version + QLatin1Char(']'));
+}
+
+void MainForm::worldModified() {
+    setWindowTitle(windowTitle() + QStringLiteral(" [modified]"));
+}
+
+void MainForm::closeEvent(QCloseEvent* event) {
+    if (cleanedUp_) {
+        event->accept();
+        return;
+    }
+    try {
+        if (world_.IsWorldDirty() && SaveChangesPrompt() == 2) {
+            event->ignore();
+            return;
+        }
+    } catch (const RunTimeError& e) {
+        reporter_.reportAtTop(ReportForm::C, QStringLiteral("VB:MainForm:Form_QueryUnload() Error"),
+                              e);
+    }
+    event->accept();
+    CleanUpAndExit();
+}
+
+void MainForm::CleanUpAndExit() {
+    cleanedUp_ = true;
+    IdleTimer.stop();
+    // Errors are ignored from here on: the program is on its way out.
+    const auto ignoringErrors = [&](const QString& method, const QString& message) {
+        try {
+            reporter_.CheckInterpreterResult(engine_.call(method), message);
+        } catch (const RunTimeError&) {
+        }
+    };
+    ignoringErrors(
+        QStringLiteral("DestroyImageNavigator"),
+        QStringLiteral("Mainform:CleanUpAndExit() - PyInterpreter.DestroyImageNavigator() failed"));
+    ignoringErrors(QStringLiteral("Close"),
+                   QStringLiteral("MainForm:CleanUpAndExit() - PyInterpreter.Close() failed"));
+    engine_.release();
+    renderForm_.close();
+}
+
+void MainForm::setIdleTimerInterval(int ms) {
+    if (ms <= 0) {
+        IdleTimer.stop();
+        return;
+    }
+    IdleTimer.start(ms);
+}
+
+void MainForm::IdleTimer_Timer() {
+    if (!engine_.isSet())
+        return;
+    try {
+        reporter_.CheckInterpreterResult(
+            engine_.call(QStringLiteral("Loop")),
+            QStringLiteral("MainForm:IdleTimer_Timer() - Error calling PyInterpreter.Loop()"));
+        // Tick as often as the engine has work; rest while it has none. An
+        // external tool that drives the engine through this timer keeps its pace.
+        if (state_.RunEngineLoop)
+            IdleTimer.setInterval(std::max(1, restBeforeNextStepMs(engine_)));
+    } catch (const RunTimeError& e) {
+        IdleTimer.setInterval(kLongestRestMs);
+        reporter_.reportAtTop(ReportForm::C, QStringLiteral("VB:MainForm:IdleTimer_Timer() Error"),
+                              e);
+    }
+}
+
+void MainForm::appendOutput(const QString& text, const QColor& color) {
+    QTextCursor cursor(outputText_->document());
+    cursor.movePosition(QTextCursor::End);
+    QTextCharFormat format;
+    format.setForeground(color);
+    cursor.insertText(cutLongLines(text), format);
+    outputText_->ensureCursorVisible();
+}
+
+void MainForm::PrintOutput(const QString& text) {
+    QTextCursor cursor = outputText_->textCursor();
+    QTextCharFormat format;
+    format.setForeground(QColor(0, 0, 0));
+    cursor.insertText(cutLongLines(text) + QLatin1Char('\n'), format);
+}
+
+void MainForm::LogMessage(const QString& text) {
+    if constexpr (kLogMessagesOn) {
+        QTextCursor cursor = outputText_->textCursor();
+        QTextCharFormat format;
+        format.setForeground(QColor(0, 0, 180));
+        cursor.insertText(text + QLatin1Char('\n'), format);
+    } else {
+        Q_UNUSED(text);
+    }
+}
+
+void MainForm::showUndoAvailable(bool available) {
+    undoButton_->setEnabled(available);
+    scriptUndoButton_->setEnabled(available);
+}
+
+void MainForm::showWorldActive(bool active) {
+    statusBar()->showMessage(active ? QStringLiteral("The world is running")
+                                    : QStringLiteral("The world is stopped"));
+}
+
+void MainForm::setRenderFormAlwaysOnTop(bool onTop) {
+    renderForm_.AlwaysOnTop(onTop);
+}
+
+void MainForm::pumpEvents() {
+    QCoreApplication::processEvents();
+}
+
+void MainForm::showUserError(const ErrorFormContent& content) {
+    ErrorForm form(
+        content, [this] { return state_.VersionText; }, this);
+    form.exec();
+}
+
+} // namespace vessa

@@ -1,0 +1,62 @@
+#include "shell/render_form.h"
+
+#include "controls/accessible_names.h"
+#include "shell/view_hosts.h"
+
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace vessa {
+
+RenderForm::RenderForm(QWidget* parent)
+    : QWidget(parent, Qt::Window), renderFrame_(new QWidget(this)),
+      check1_(new QCheckBox(QStringLiteral("Always keep this window on top"), this)),
+      fpsLabel_(new QLabel(this)) {
+    setObjectName(QStringLiteral("RenderForm"));
+    setWindowTitle(QStringLiteral("Vessa - Camera"));
+    renderFrame_->setObjectName(QStringLiteral("RenderFrame"));
+    markViewHost(renderFrame_, RenderFrameHost);
+    renderFrame_->setMinimumSize(160, 120);
+    check1_->setObjectName(QStringLiteral("Check1"));
+    fpsLabel_->setObjectName(QStringLiteral("FPSLabel"));
+
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(check1_);
+    bottom->addStretch();
+    bottom->addWidget(fpsLabel_);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(renderFrame_, 1);
+    layout->addLayout(bottom);
+
+    connect(check1_, &QCheckBox::clicked, this, [this](bool onTop) {
+        AlwaysOnTop(onTop);
+        Q_EMIT alwaysOnTopChosen(onTop);
+    });
+    // Beside the main window, until the user's own place is remembered.
+    setGeometry(9285 / 15, 0, 4620 / 15, 6570 / 15);
+    applyAccessibleNames(this);
+}
+
+bool RenderForm::Check1Value() const {
+    return check1_->isChecked();
+}
+
+void RenderForm::setCheck1Value(bool onTop) {
+    check1_->setChecked(onTop);
+}
+
+void RenderForm::AlwaysOnTop(bool onTop) {
+    if (testAttribute(Qt::WA_WState_Created) &&
+        windowFlags().testFlag(Qt::WindowStaysOnTopHint) == onTop)
+        return;
+    const bool wasVisible = isVisible();
+    setWindowFlag(Qt::WindowStaysOnTopHint, onTop);
+    // Changing a window's flags hides it; a shown camera window stays shown.
+    if (wasVisible)
+        show();
+}
+
+} // namespace vessa

@@ -1,0 +1,92 @@
+#include "shell/settings_store.h"
+
+#include <QSettings>
+
+namespace vessa {
+
+namespace {
+
+// INI groups nest with "/"; registry keys with "\".
+QString groupOf(const QString& key) {
+    QString group = key;
+    group.replace(QLatin1Char('\\'), QLatin1Char('/'));
+    return group;
+}
+
+QString asRegistryText(const QVariant& value) {
+    switch (value.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+        return QString::number(value.toLongLong());
+    case QMetaType::QString:
+    case QMetaType::QByteArray:
+        return value.toString();
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+RegKeys::RegKeys()
+    : settings_(std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
+                                            QStringLiteral("Halden Institute"),
+                                            QStringLiteral("Vessa47"))) {
+}
+
+RegKeys::RegKeys(const QString& iniPath)
+    : settings_(std::make_unique<QSettings>(iniPath, QSettings::IniFormat)) {
+}
+
+RegKeys::~RegKeys() = default;
+
+QString RegKeys::fileName() const {
+    return settings_->fileName();
+}
+
+QString RegKeys::storedName(const QString& group, const QString& name) const {
+    settings_->beginGroup(group);
+    const QStringList names = settings_->childKeys();
+    settings_->endGroup();
+    for (const QString& existing : names)
+        if (existing.compare(name, Qt::CaseInsensitive) == 0)
+            return existing;
+    return name;
+}
+
+bool RegKeys::SetRegValue(RegistryRoot, const QString& key, const QString& name,
+                          const QString& value) {
+    const QString group = groupOf(key);
+    const QString stored = storedName(group, name);
+    settings_->setValue(group + QLatin1Char('/') + stored,
+                        value.isEmpty() ? QStringLiteral(" ") : value);
+    settings_->sync();
+    return settings_->status() == QSettings::NoError;
+}
+
+QString RegKeys::GetRegValue(RegistryRoot, const QString& key, const QString& name) const {
+    const QString group = groupOf(key);
+    return asRegistryText(settings_->value(group + QLatin1Char('/') + storedName(group, name)));
+}
+
+bool RegKeys::DeleteRegKey(RegistryRoot, const QString& key) {
+    settings_->remove(groupOf(key));
+    settings_->sync();
+    return settings_->status() == QSettings::NoError;
+}
+
+QList<QPair<QString, QString>> ReadRecentFile(const RegKeys& keys) {
+    QList<QPair<QString, QString>> files;
+    for (int i = 1;; ++i) {
+        const QString name = QStringLiteral("RecentFile%1").arg(i);
+        const QString path = keys.GetRegValue(RegistryRoot::LocalMachine, kRecentFilesKey, name);
+        if (path.isEmpty())
+            break;
+        files.append({name, path});
+    }
+    return files;
+}
+
+} // namespace vessa

@@ -1,0 +1,65 @@
+#include "world/open_world.h"
+
+#include "gateway/app_state.h"
+#include "gateway/engine_link.h"
+#include "gateway/error_reporter.h"
+
+namespace vessa {
+
+OpenWorld::OpenWorld(AppState& state, EngineLink& engine, ErrorReporter& reporter)
+    : state_(state), engine_(engine), reporter_(reporter), script_(*this),
+      differences_(state, engine, reporter, trees_, followers_,
+                   [this](const QString& objectName) { showObjectMenu(objectName); }) {
+    InitSoundTree(trees_);
+    followers_.add([this](const QString& oldName, const QString& newName) {
+        script_.ReplaceObjectName(oldName, newName);
+    });
+}
+
+DifferenceResult OpenWorld::HandleDifferences(const QVariant& differences) {
+    const DifferenceResult result = differences_.HandleDifferences(differences, view_);
+    if (result.objectTreeChanged)
+        ObjectTree2_Update(trees_);
+    return result;
+}
+
+DifferenceResult OpenWorld::pollTreeDifferences() {
+    return HandleDifferences(engine_.call(QStringLiteral("PollForTreeDifferences")));
+}
+
+void OpenWorld::showObjectMenu(const QString& objectName) {
+    ScriptRequest menu;
+    menu.What = ScriptRequest::Kind::ObjectMenu;
+    menu.Value = objectName;
+    script_.requests().route(menu);
+}
+
+bool OpenWorld::IsWorldDirty() {
+    return status_.IsWorldDirty(state_.HomeDir, [this] {
+        return engine_.isSet() && engine_.call(QStringLiteral("getisdirty")).toInt() != 0;
+    });
+}
+
+void OpenWorld::SetSaveName(const QString& name) {
+    const bool isDefault =
+        name.toLower() == (state_.HomeDir + QStringLiteral("worlds/default")).toLower();
+    status_.setWorldSaveFile(isDefault ? QString() : name);
+    reporter_.CheckInterpreterResult(
+        engine_.call(QStringLiteral("SetIsDirty"), {0}),
+        QStringLiteral("MainForm:SetSaveName: Error making world clean."));
+}
+
+void OpenWorld::LVUndoFromLog() {
+    // Only a rename that changed event rows records a count, and there is no event
+    // list yet: a count here means the log is not what it should be.
+    throw RunTimeError(RunTimeError::InternalError,
+                       QStringLiteral("The script's undo record counts event rows, but there is "
+                                      "no event list"),
+                       QStringLiteral("UndoFromLog"));
+}
+
+void OpenWorld::ReportError(const RunTimeError& error) {
+    reporter_.reportHandlerFailure(error);
+}
+
+} // namespace vessa

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "scene/scene_trees.h"
+#include "script/script_host.h"
+#include "script/script_model.h"
+#include "world/difference_handler.h"
+#include "world/world_status.h"
+
+namespace vessa {
+
+struct AppState;
+class EngineLink;
+class ErrorReporter;
+
+// The world the user has open, without a window: the trees that mirror the engine's
+// scene, the script, whether the world holds unsaved work, and what the engine's
+// difference records change. The main window shows it; it owns no data of its own.
+// The event list joins the script here when it is built.
+//
+// Records that need the window (output, dialogs, pictures) go to the view attached;
+// a record of that kind while none is attached fails like any other bad record.
+class OpenWorld : public ScriptHost {
+public:
+    OpenWorld(AppState& state, EngineLink& engine, ErrorReporter& reporter);
+    OpenWorld(const OpenWorld&) = delete;
+    OpenWorld& operator=(const OpenWorld&) = delete;
+
+    SceneTrees& trees() { return trees_; }
+    ScriptModel& script() { return script_; }
+    WorldStatus& status() { return status_; }
+    // Whoever holds names of objects and sounds registers here to follow renames.
+    RenameFollowers& renameFollowers() { return followers_; }
+
+    // The window side of the records; nullptr detaches it.
+    void attachView(DifferenceView* view) { view_ = view; }
+    // Applies a poll's records; a changed ObjectTree is copied again into ObjectTree2.
+    DifferenceResult HandleDifferences(const QVariant& differences);
+    // The object tree's records, out of the rhythm of the main loop, as loading a world
+    // must have them before the scene goes away.
+    DifferenceResult pollTreeDifferences();
+
+    // The right-click menu of an object, from the object tree or the camera view.
+    void showObjectMenu(const QString& objectName);
+
+    // Whether closing or replacing the world would lose work worth saving.
+    bool IsWorldDirty();
+    // Names the world after its folder ("" and the default world's folder: unnamed),
+    // and makes the engine's scene clean.
+    void SetSaveName(const QString& name);
+
+    // ScriptHost
+    void scriptModified() override { status_.markModified(); }
+    void LVUndoFromLog() override;
+    void ReportError(const RunTimeError& error) override;
+
+private:
+    AppState& state_;         // Not owned.
+    EngineLink& engine_;      // Not owned.
+    ErrorReporter& reporter_; // Not owned.
+    SceneTrees trees_;
+    ScriptModel script_;
+    WorldStatus status_;
+    RenameFollowers followers_;
+    DifferenceHandler differences_;
+    DifferenceView* view_ = nullptr; // Not owned.
+};
+
+} // namespace vessa

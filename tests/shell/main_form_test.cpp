@@ -1,0 +1,227 @@
+#include "controls/accessible_names.h"
+#include "controls/tree_control_view.h"
+#include "script/script_panel.h"
+#include "shell/error_form.h"
+#include "shell/main_form.h"
+#include "shell/render_form.h"
+#include "world/open_world.h"
+
+#include "support/scripted_engine.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QDialog>
+#include <QKeyEvent>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTest>
+#include <QTextEdit>
+#include <QTimer>
+#include <QToolButton>
+#include <gtest/gtest.h>
+
+using namespace vessa;
+using namespace vessa::testing;
+
+namespace {
+
+// The main window over a scripted engine.
+struct MainFormHarness : ScriptedProgram {
+    OpenWorld world{state, engine, reporter};
+    RenderForm renderForm;
+    std::unique_ptr<MainForm> form;
+
+    MainFormHarness() {
+        scripted->answers[QStringLiteral("getisdirty")] = 0;
+        scripted->answers[QStringLiteral("GetLoopWait")] = -1;
+        form = std::make_unique<MainForm>(state, engine, reporter, renderForm, world);
+    }
+};
+
+} // namespace
+
+TEST(MainFormWidgets, EveryNamedControlHasAnAccessibleName) {
+    MainFormHarness h;
+    QList<QWidget*> widgets = h.form->findChildren<QWidget*>();
+    widgets << h.form.get() << &h.renderForm << h.renderForm.findChildren<QWidget*>();
+    for (QWidget* w : widgets) {
+        if (w->objectName().isEmpty() || w->objectName().startsWith(QStringLiteral("qt_")) ||
+            qobject_cast<QMenu*>(w))
+            continue;
+        EXPECT_FALSE(w->accessibleName().isEmpty()) << w->objectName().toStdString();
+    }
+    EXPECT_EQ(h.form->OutputText()->accessibleName(), QStringLiteral("Output"));
+}
+
+TEST(MainFormWidgets, OutputAppendsAtTheEndButPrintOutputWritesAtTheInsertionPoint) {
+    MainFormHarness h;
+    h.form->appendOutput(QStringLiteral("one "), Qt::black);
+    h.form->appendOutput(QStringLiteral("two"), QColor(255, 0, 0));
+    EXPECT_EQ(h.form->OutputText()->toPlainText(), QStringLiteral("one two"));
+
+    QTextCursor cursor = h.form->OutputText()->textCursor();
+    cursor.setPosition(0);
+    h.form->OutputText()->setTextCursor(cursor);
+    h.form->PrintOutput(QStringLiteral("first"));
+    EXPECT_EQ(h.form->OutputText()->toPlainText(), QStringLiteral("first\none two"));
+}
+
+TEST(MainFormWidgets, ClosingACleanWorldClosesTheEngineAndReleasesIt) {
+    MainFormHarness h;
+    h.form->show();
+    EXPECT_TRUE(h.form->close());
+    EXPECT_FALSE(h.engine.isSet());
+    EXPECT_TRUE(h.log.calls.contains(QStringLiteral("DestroyImageNavigator")));
+    EXPECT_EQ(h.log.calls.last(), QStringLiteral("Close"));
+}
+
+TEST(MainFormWidgets, CancelOnADirtyWorldKeepsEverythingRunning) {
+    MainFormHarness h;
+    h.world.status().markModified();
+    h.form->show();
+    QTimer::singleShot(0, [] {
+        if (QWidget* box = QApplication::activeModalWidget()) {
+            QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+            QApplication::sendEvent(box, &escape);
+        }
+    });
+    EXPECT_FALSE(h.form->close());
+    EXPECT_TRUE(h.engine.isSet());
+    EXPECT_FALSE(h.log.calls.contains(QStringLiteral("Close")));
+}
+
+TEST(MainFormWidgets, IdleTimerKeepsTheEngineGoingWhileADialogHoldsTheLoop) {
+    MainFormHarness h;
+    h.form->setIdleTimerInterval(1);
+    QDialog dialog;
+    QTimer::singleShot(300, &dialog, &QDialog::accept);
+    dialog.exec();
+    EXPECT_GT(h.log.calls.count(QStringLiteral("Loop")), 0);
+}
+
+TEST(ErrorFormWidget, CopyPutsTheDatedReportOnTheClipboardAndStaysOpen) {
+    ErrorFormContent content;
+    content.typeCaption = QStringLiteral("Something broke");
+    content.labelText = QStringLiteral("Version: 1\r\ndetails");
+    ErrorForm form(content, [] { return QStringLiteral("7.7"); });
+    form.show();
+    form.Command1_Click();
+    const QString report = QApplication::clipboard()->text();
+    EXPECT_TRUE(report.contains(QStringLiteral("Vessa47 Version: 7.7\r\n")));
+    EXPECT_TRUE(report.contains(QStringLiteral("Type: Something broke\r\n")));
+    EXPECT_TRUE(report.contains(QStringLiteral("Label:Version: 1\r\ndetails\r\n")));
+    EXPECT_TRUE(form.isVisible());
+    EXPECT_EQ(form.windowTitle(), QStringLiteral("Vessa"));
+}
+
+TEST(MainFormWidgets, TheCaptionNamesTheWorldAndSaysModifiedOnceAfterTheFirstChange) {
+    MainFormHarness h;
+    h.scripted->answers[QStringLiteral("GetVersionText")] = QStringLiteral("9.9");
+    h.world.SetSaveName(QString());
+    EXPECT_EQ(h.form->windowTitle(), QStringLiteral("Vessa47 [9.9]"));
+    h.form->show();
+    QTest::mouseClick(
+        h.form->findChild<QTabBar*>(QStringLiteral("SwitchTab")), Qt::LeftButton, {},
+        h.form->findChild<QTabBar*>(QStringLiteral("SwitchTab"))->tabRect(1).center());
+
+    // Two changes of the script through its right-click menu: one " [modified]".
+    TreeControlView& view = h.form->scriptPanel().TreeView1View();
+    const TreeNode* action1 = h.world.script().TreeView1().FirstRoot();
+    for (const char* change : {"Change to DoTogether", "Change to DoInOrder"}) {
+        QTest::mouseClick(view.viewport(), Qt::RightButton, {}, view.NodeRect(action1).center());
+        QMenu* menu = h.form->scriptPanel().OpenMenu();
+        ASSERT_TRUE(menu);
+        for (QAction* row : menu->actions())
+            if (row->text() == QString::fromLatin1(change))
+                row->trigger();
+    }
+    EXPECT_EQ(action1->Text(), QStringLiteral("Action1 = DoInOrder"));
+    EXPECT_EQ(h.form->windowTitle(), QStringLiteral("Vessa47 [9.9] [modified]"));
+    h.world.SetSaveName(QStringLiteral("/worlds/Garden"));
+    EXPECT_EQ(h.form->windowTitle(), QStringLiteral("Vessa47 - /worlds/Garden [9.9]"));
+}
+
+namespace {
+
+// An error in the user's code, as the engine's poll brings it.
+QVariant userError() {
+    return QVariantList{QVariant(QVariantList{QStringLiteral("popuperrordialog"),
+                                              QStringLiteral("NameError"), QStringLiteral("-1")})};
+}
+
+// Closes the error box once it is up; remembers whether the camera window was on top
+// while the box was.
+struct ErrorBoxCloser {
+    RenderForm& camera;
+    bool cameraOnTopDuringBox = true;
+    bool closed = false;
+
+    void arm() {
+        QTimer::singleShot(0, [this] {
+            QWidget* box = QApplication::activeModalWidget();
+            if (!box) {
+                arm();
+                return;
+            }
+            cameraOnTopDuringBox = camera.windowFlags().testFlag(Qt::WindowStaysOnTopHint);
+            QTest::mouseClick(box->findChild<QPushButton*>(QStringLiteral("OkButton")),
+                              Qt::LeftButton);
+            closed = true;
+        });
+    }
+};
+
+} // namespace
+
+TEST(CameraWindow, StaysOnTopAfterAnErrorInTheUsersCodeOnlyWhenTheUserTickedTheBox) {
+    MainFormHarness h;
+    h.form->show();
+    h.renderForm.show();
+    auto* check1 = h.renderForm.findChild<QCheckBox*>(QStringLiteral("Check1"));
+    ASSERT_FALSE(check1->isChecked());
+
+    ErrorBoxCloser closer{h.renderForm};
+    closer.arm();
+    h.world.HandleDifferences(userError());
+    EXPECT_TRUE(closer.closed);
+    EXPECT_FALSE(h.renderForm.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+
+    // Ticked: above the others, but not above the error box while it is up.
+    QTest::mouseClick(check1, Qt::LeftButton, {}, QPoint(8, check1->height() / 2));
+    ASSERT_TRUE(check1->isChecked());
+    EXPECT_TRUE(h.renderForm.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    closer.arm();
+    h.world.HandleDifferences(userError());
+    EXPECT_FALSE(closer.cameraOnTopDuringBox);
+    EXPECT_TRUE(h.renderForm.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+}
+
+TEST(UndoButtons, ShowWhetherTheEngineHasAnythingToUndoAndUndoItsLastStep) {
+    MainFormHarness h;
+    h.form->show();
+    auto* scene = h.form->findChild<QToolButton*>(QStringLiteral("UndoButton"));
+    auto* script = h.form->findChild<QToolButton*>(QStringLiteral("ScriptUndoButton"));
+    ASSERT_TRUE(scene && script);
+    const auto undoEmpty = [&](bool empty) {
+        h.world.HandleDifferences(QVariantList{
+            QVariant(QVariantList{QStringLiteral("undoemptychange"), QString(), empty})});
+    };
+    // The engine's undo stack starts empty: nothing to undo, and a click does nothing.
+    EXPECT_FALSE(scene->isEnabled());
+    EXPECT_FALSE(script->isEnabled());
+    QTest::mouseClick(scene, Qt::LeftButton);
+    EXPECT_TRUE(h.statements().isEmpty());
+
+    undoEmpty(false);
+    EXPECT_TRUE(scene->isEnabled());
+    EXPECT_TRUE(script->isEnabled());
+    QTest::mouseClick(scene, Qt::LeftButton);
+    EXPECT_EQ(h.statements(),
+              (QStringList{QStringLiteral("undo()"), QStringLiteral("PlaySystemSound('Undo')")}));
+
+    undoEmpty(true);
+    EXPECT_FALSE(scene->isEnabled());
+    EXPECT_FALSE(script->isEnabled());
+}

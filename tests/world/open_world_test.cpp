@@ -1,0 +1,76 @@
+#include "world/open_world.h"
+
+#include "support/recording_view.h"
+#include "support/scripted_engine.h"
+
+#include <gtest/gtest.h>
+
+using namespace vessa;
+using namespace vessa::testing;
+
+namespace {
+
+struct World : ScriptedProgram {
+    OpenWorld world{state, engine, reporter};
+    RecordingView view;
+
+    World() {
+        state.HomeDir = QStringLiteral("/home/v/");
+        scripted->answers[QStringLiteral("getisdirty")] = 1;
+        world.status().addObserver(view);
+    }
+    ~World() { world.status().removeObserver(view); }
+};
+
+} // namespace
+
+TEST(WorldStatus, OnlyTheFirstChangeAfterANameIsNewsAndTheDefaultWorldHasNoName) {
+    World w;
+    w.world.SetSaveName(QStringLiteral("/home/v/Worlds/DEFAULT"));
+    w.world.script().AddNewAnimation();
+    w.world.script().AddNewAnimation();
+    w.world.SetSaveName(QStringLiteral("/home/v/Worlds/Garden"));
+    EXPECT_EQ(w.view.status, (QStringList{QStringLiteral("named "), QStringLiteral("modified"),
+                                          QStringLiteral("named /home/v/Worlds/Garden")}));
+    EXPECT_EQ(w.world.status().worldSaveFile(), QStringLiteral("/home/v/Worlds/Garden"));
+    // Naming the world makes the engine's scene clean each time.
+    EXPECT_EQ(w.log.calls.count(QStringLiteral("SetIsDirty")), 2);
+}
+
+TEST(WorldStatus, DirtyByTheScriptAnywhereByTheSceneOnlyOnTheOpeningTabNeverForATutorial) {
+    World w;
+    EXPECT_TRUE(w.world.IsWorldDirty()); // the engine's scene changed on tab 0
+    w.world.status().setSceneScriptTab(1);
+    w.log.calls.clear();
+    EXPECT_FALSE(w.world.IsWorldDirty());
+    EXPECT_TRUE(w.log.calls.isEmpty()); // running changes the scene: the engine isn't asked
+    w.world.script().AddNewAnimation();
+    EXPECT_TRUE(w.world.IsWorldDirty());
+    for (const char* folder : {"/home/v/worlds/Tutorial/One", "/home/v/Worlds/examples/Two"}) {
+        w.world.status().setWorldSaveFile(QString::fromLatin1(folder));
+        EXPECT_FALSE(w.world.IsWorldDirty()) << folder;
+    }
+}
+
+TEST(Requests, ARightClickInTheCameraViewReachesWhoeverRegisteredForTheObjectMenu) {
+    World w;
+    const QVariant rightClick = QVariantList{QVariant(
+        QVariantList{QStringLiteral("rightmousemenu"), QString(), QStringLiteral("Bunny")})};
+    // Before a window shows the world, a record that needs one fails like a bad record,
+    // and one that changes only the world's trees does not.
+    const QVariant output =
+        QVariantList{QVariant(QVariantList{QStringLiteral("output"), QStringLiteral("hi")})};
+    EXPECT_THROW(w.world.HandleDifferences(output), RunTimeError);
+    EXPECT_NO_THROW(w.world.HandleDifferences(QVariantList{QVariant(QVariantList{
+        QStringLiteral("objectconstruct"), QStringLiteral("9"), QStringLiteral("sound")})}));
+    w.world.attachView(&w.view);
+    // Nobody registered: the click is dropped.
+    EXPECT_NO_THROW(w.world.HandleDifferences(rightClick));
+    QStringList menus;
+    w.world.script().requests().registerHandler(
+        ScriptRequest::Kind::ObjectMenu,
+        [&](const ScriptRequest& request) { menus << request.Value; });
+    w.world.HandleDifferences(rightClick);
+    w.world.showObjectMenu(QStringLiteral("Sun")); // as from the object tree
+    EXPECT_EQ(menus, (QStringList{QStringLiteral("Bunny"), QStringLiteral("Sun")}));
+}
