@@ -43,13 +43,27 @@ class Commands:
 
     def _animate(self, label, prepare, duration=DEFAULT_DURATION, style=DEFAULT_STYLE,
                  finish=None):
+        self._still_here(label)
         if not _number(duration) or duration < 0:
             raise Mistake("%s.%s: Duration must be a number of seconds, such as 1"
                           % (self.name, label))
+        prepare = prepare and self._when_here(label, self._remembering(prepare))
         animation = Primitive(self.scene.animator, "%s.%s" % (self.name, label),
-                              duration, style, prepare and self._remembering(prepare), finish)
+                              duration, style, prepare, finish and self._when_here(label, finish))
         self.scene.animator.made(animation)
         return animation
+
+    def _still_here(self, label):
+        if not self.alive:
+            raise Mistake("%s has been destroyed, so it can't %s any more" % (self.name, label))
+
+    def _when_here(self, label, act):
+        """act, once the object is known to be still there: a command made
+        before its object was destroyed may run after."""
+        def checked():
+            self._still_here(label)
+            return act()
+        return checked
 
     def _remembering(self, prepare):
         """prepare, and an undo step that puts the changed values back."""
