@@ -15,6 +15,11 @@ Interface (ids are the engine's integer object ids; vectors are tuples):
     get(node_id, channel) -> tuple
     set(node_id, channel, value)
     set_parent(node_id, parent_id)   None takes the node out of the world
+    bounds(node_id) -> ((x, y, z), (x, y, z)) or None
+        The lowest and highest corner of the box around the node's own
+        shape (not its children's), in the node's frame: its position is the
+        origin, its axes the box's, its size included. None for a node
+        without a shape (a scene, camera or light).
     get_style(node_id, style) / set_style(node_id, style, value)
         How the node's own shape is drawn (STYLES has the defaults):
         "visible", "texture" and "shadow" (it casts one on the high-quality
@@ -180,6 +185,13 @@ class PythonBackend:
             raise KeyError(parent_id)
         self._nodes[node_id]    # an unknown node is an error, as in _backend
         self._parents[node_id] = parent_id
+
+    def bounds(self, node_id):
+        """Every shape is taken for the box its size stretches."""
+        if self._kinds[node_id] != "model":
+            return None
+        half = tuple(abs(x) / 2.0 for x in self._nodes[node_id]["size"])
+        return tuple(-x for x in half), half
 
     def get_style(self, node_id, style):
         return self._styles[node_id][style]
