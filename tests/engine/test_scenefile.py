@@ -1,6 +1,7 @@
 """World_Scene.py: saved worlds load back equal; strangers' files run nothing."""
 
 import os
+import struct
 
 import pytest
 
@@ -73,6 +74,31 @@ def test_loading_replaces_the_old_world_and_its_names(interp, tmp_path):
     interp.LoadWorld(DEFAULT_WORLD)
     assert "NameError" in interp.ExecuteCode("Old", "<Tool>", "exec")
     assert interp.ExecuteCode("Camera", "<Tool>", "exec") is None
+
+
+def bmp_pixel(path, x, y):
+    """(red, green, blue) at x, y from the top left of a 24- or 32-bit BMP file."""
+    data = path.read_bytes()
+    start, width, height, bits = (struct.unpack_from("<I", data, 10)[0],
+                                  *struct.unpack_from("<iixxH", data, 18))
+    stride = (width * bits // 8 + 3) & ~3
+    row = height - 1 - y if height > 0 else y       # rows are kept bottom up
+    blue, green, red = data[start + row * stride + x * bits // 8:][:3]
+    return red, green, blue
+
+
+def test_a_world_saved_without_a_view_gets_its_picture(interp, tmp_path, backend_kind):
+    interp.LoadWorld(DEFAULT_WORLD)
+    assert interp.SaveScene(str(tmp_path)) is None
+    picture = tmp_path / "world_thumbnail.bmp"
+    if backend_kind == "python":
+        assert not picture.exists()     # nothing is drawn there: the world is saved all the same
+        return
+    assert struct.unpack_from("<ii", picture.read_bytes(), 18) == (320, 240)
+    red, green, blue = bmp_pixel(picture, 160, 2)
+    assert blue > red + 40                                  # sky above
+    red, green, blue = bmp_pixel(picture, 160, 236)
+    assert green > red + 30 and green > blue + 30           # the ground below
 
 
 SCENE = "Object(kind='scene', name='Scene', parent=None)\n"

@@ -50,7 +50,8 @@ changed. Where nothing can be drawn (no window system) these succeed idle.
     hardware_accelerated() -> bool
     set_acceleration(on)             the high-quality (True) or light path
     frames_per_second() -> float     frames drawn in the last second
-    save_picture(path)               the view's picture as a BMP file
+    save_picture(path)               the view's picture as a BMP file; drawn
+        offscreen, through the first camera, where there is no view
     screen_size() -> (width, height) of the screen in pixels
     poll_input() -> [event, ...]     mouse and keys in the view since the
         last call, each a dict: kind ("LeftMouseDown", "LeftMouseUp",
@@ -231,7 +232,7 @@ class PythonBackend:
         return 0.0
 
     def save_picture(self, path):
-        return None
+        return "%s is not written: pictures of the world need the compiled backend" % path
 
     def screen_size(self):
         return SCREEN_SIZE
