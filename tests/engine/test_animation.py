@@ -174,6 +174,22 @@ def test_events_fire_functions_and_animations(world):
     assert where(world) == pytest.approx([0, 1, 1])
 
 
+def test_event_names_are_the_same_in_any_case(world):
+    run(world, "\n".join([
+        "heard = []",
+        "def seen(ev):",
+        "    heard.append(ev.kind)",
+        "Camera._Window.addresponse('keydown', seen)",
+        "Camera.addresponse('LEFTMOUSEDOWN', seen)",
+        "Camera._Window.addresponse(KeyUp, seen)",
+        "Camera._Window.removeresponse('keyUP', seen)",
+    ]))
+    world.KeyEvent("KeyDown", "A", 65)
+    world.KeyEvent("KeyUp", "A", 65)
+    world.MouseEvent("LeftMouseDown", "camera")
+    assert world.scene.namespace["heard"] == ["KeyDown", "LeftMouseDown"]
+
+
 def test_a_failing_response_is_reported_with_its_line(world):
     world.ExecuteCode("def oops(ev):\n    return ev.nothing\nCamera._Window.addresponse(KeyUp, oops)\n",
                       "<Script Text>", "exec")
