@@ -353,7 +353,8 @@ def _shape_corners(thing):
             continue
         turn = g.quat_mul(frame, member.world_orientation())
         place = g.rotate(frame, g.sub(member.world_position(), origin))
-        corners += [g.add(place, g.rotate(turn, corner)) for corner in itertools.product(*zip(*box))]
+        own = itertools.product(*zip(*box))      # the eight corners of the box
+        corners += [g.add(place, g.rotate(turn, corner)) for corner in own]
     return corners or [(0.0, 0.0, 0.0)]
 
 

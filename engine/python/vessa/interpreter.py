@@ -46,8 +46,9 @@ class Interpreter:
         self._home = places.home_dir()
         self._dirty = False
         self.undo = UndoStack(lambda empty: self._queue.add_misc(records.undo_empty_change(empty)))
-        self.animator = Animator(backend or backends.create(), clock or WallClock(), self.undo,
-                                 lambda active: self._queue.add_misc(records.active_changed(active)))
+        self.animator = Animator(
+            backend or backends.create(), clock or WallClock(), self.undo,
+            lambda active: self._queue.add_misc(records.active_changed(active)))
         self.scene = Scene(self._queue, self.animator.backend, self.animator, self._mark_dirty)
         self.scene.remember = lambda step: self.undo.push(step)
         self.sounds = sounds.SoundShelf(self.scene, self._queue, lambda: self._home)

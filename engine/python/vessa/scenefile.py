@@ -38,6 +38,7 @@ MOST_STATEMENTS = 20000             # objects and sounds
 LONGEST_TEXT = 4096                 # characters of one text value
 FARTHEST = 1e6                      # meters from the middle, and the largest size
 DEEPEST = 2                         # brackets: Object( and a value's (
+AT_A_GLANCE = 24                    # brackets and signs a line may have unread
 LARGEST_COUNT = 2 ** 31 - 1
 # How many numbers each value holds, and the range of each.
 VALUE_RANGES = {"position": (3, -FARTHEST, FARTHEST), "orientation": (4, -1.0, 1.0),
@@ -157,7 +158,7 @@ def _check_nesting(line, source):
     before the parser has to follow them down. Most lines are seen at a
     glance; one with many brackets or signs (which a text may hold) is read
     token by token."""
-    if sum(source.count(mark) for mark in "([{-+~") <= 24:
+    if sum(source.count(mark) for mark in "([{-+~") <= AT_A_GLANCE:
         return
     depth, signs, before = 0, 0, "("
     try:
@@ -243,8 +244,11 @@ def read(folder):
             objects.append((line, _checked(line, fields)))
         else:
             sounds.append((line, _checked_sound(line, fields)))
-    if not objects or objects[0][1]["kind"] != "scene" or objects[0][1].get("parent") is not None:
-        raise SceneFileError("%s: the first object must be the scene" % FILE_NAME)
+    if not objects:
+        raise SceneFileError("%s: there is no scene in it" % FILE_NAME)
+    line, first = objects[0]
+    if first["kind"] != "scene" or first.get("parent") is not None:
+        _fail(line, "the first object must be the scene")
     _check_names(objects, sounds)
     return [fields for _, fields in objects], [sound for _, sound in sounds]
 
