@@ -40,14 +40,6 @@ def facing(engine, name):
     return g.rotate(turn, g.FORWARD), g.rotate(turn, g.UP)
 
 
-def test_the_rolled_box_has_the_axes_the_tests_count_on(world):
-    front, top = facing(world, "Box")
-    assert front == pytest.approx([0, 0, 1], abs=1e-9)
-    assert top == pytest.approx([-1, 0, 0], abs=1e-9)
-    right = g.rotate(thing(world, "Box").world_orientation(), g.RIGHT)
-    assert right == pytest.approx([0, 1, 0], abs=1e-9)
-
-
 def test_a_turn_seen_by_a_turned_object_turns_about_its_axes(world):
     # Left as the box sees it swings the front toward the box's left: down
     run(world, "Camera.Turn(Left, 1/4, AsSeenBy=Box)")

@@ -67,14 +67,3 @@ def test_one_coarse_step_over_nested_blocks_keeps_their_timing(world):
     at(world, 3.5)      # every part of the together block ends within this one step
     assert where(world) == pytest.approx([0, 1, 0.5])
 
-
-def test_a_sequence_inside_a_together_block_runs_its_parts_one_after_the_other(world):
-    start(world, "DoTogether(DoInOrder(Camera.Move(Up, 1, Duration=2, Style=abruptly),"
-                 " Camera.Move(Forward, 1, Duration=2, Style=abruptly)), Wait(1))")
-    at(world, 1.0)
-    assert where(world) == pytest.approx([0, 0.5, 0])
-    at(world, 3.0)
-    assert where(world) == pytest.approx([0, 1, 0.5])
-    at(world, 4.0)
-    assert where(world) == pytest.approx([0, 1, 1])
-    assert world.GetLoopWait() == -1
