@@ -10,7 +10,7 @@ packages=(
     pybind11-dev python3.11-dev python3-pytest
     libgtest-dev libgmock-dev libbenchmark-dev
     libopenal-dev libsndfile1-dev libzip-dev libassimp-dev
-    xvfb xauth libgl1-mesa-dri mesa-utils
+    xvfb xauth libgl1-mesa-dri mesa-utils libegl-dev libegl-mesa0
 )
 
 missing=()

@@ -196,6 +196,15 @@ PYBIND11_MODULE(_backend, m) {
              })
         .def("input_waiting", &Backend::inputWaiting)
         .def(
+            "bounds",
+            [](const Backend& b, int id) -> py::object {
+                const auto box = b.bounds(id);
+                if (!box)
+                    return py::none();
+                return py::make_tuple(toTuple(box->first, 3), toTuple(box->second, 3));
+            },
+            "node_id"_a)
+        .def(
             "first_hit",
             [](const Backend& b, const py::object& origin, const py::object& direction,
                double maxDistance) {

@@ -154,10 +154,10 @@ def test_place_puts_an_object_against_another_with_the_gap_a_script_line_names(w
     scene.create("model", "Box", scene.root, values={"position": (3, 0, 0), "size": (2, 2, 2)})
     run(world, "Camera.Place(OnTopOf, Box, Distance=1/2, Duration=1)")
     at(world, 1.0)
-    assert where(world) == pytest.approx([3, 2, 0])     # half a meter above the box's top
+    assert where(world) == pytest.approx([3, 1.5, 0])   # the eye half a meter above the box's top
     run(world, "Camera.Place(ToLeftOf, Box, 1, Duration=0)")
     at(world, 1.0)
-    assert where(world) == pytest.approx([0.5, 0, 0])
+    assert where(world) == pytest.approx([1, 0, 0])
 
 
 def test_events_fire_functions_and_animations(world):
@@ -174,6 +174,22 @@ def test_events_fire_functions_and_animations(world):
     world.MouseEvent("LeftMouseDown", "Camera")
     at(world, 2.0)
     assert where(world) == pytest.approx([0, 1, 1])
+
+
+def test_event_names_are_the_same_in_any_case(world):
+    run(world, "\n".join([
+        "heard = []",
+        "def seen(ev):",
+        "    heard.append(ev.kind)",
+        "Camera._Window.addresponse('keydown', seen)",
+        "Camera.addresponse('LEFTMOUSEDOWN', seen)",
+        "Camera._Window.addresponse(KeyUp, seen)",
+        "Camera._Window.removeresponse('keyUP', seen)",
+    ]))
+    world.KeyEvent("KeyDown", "A", 65)
+    world.KeyEvent("KeyUp", "A", 65)
+    world.MouseEvent("LeftMouseDown", "camera")
+    assert world.scene.namespace["heard"] == ["KeyDown", "LeftMouseDown"]
 
 
 def test_a_failing_response_is_reported_with_its_line(world):

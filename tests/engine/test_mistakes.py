@@ -68,6 +68,8 @@ TOLD = [
      "Bunny can't be called pop: Pop has that name already, and capital letters don't make it new."),
     (("bad_sound_name", "why_reserved"), "Pop.rename('wait')",
      "The sound Pop can't be called wait: wait is a word that Vessa or Python uses already."),
+    (("destroyed",), "Gone.Turn(Left, 1/4)",
+     "Ghost has been destroyed, so it can't Turn any more."),
     (("cant_read",), "Bunny.Move(Forward, 1", "Vessa can't read this line: '(' was never closed."),
     (("cant_do",), "Bunny.Move(Forward, [1][2])", "Vessa can't do this line: list index out of range."),
 ]
@@ -85,6 +87,9 @@ def world(tmp_path):
     with engine.undo.quiet():
         bunny = scene.create("model", "Bunny", scene.root)
         scene.create("model", "Head", bunny, False)
+        ghost = scene.create("model", "Ghost", scene.root)
+        scene.destroy(ghost, "objectandparts")
+    engine.scene.namespace["Gone"] = ghost      # a name still held after the object went
     write_tone(tmp_path / "Pop.wav")
     assert engine.AddSound(str(tmp_path / "Pop.wav")) is None
     misc(engine)

@@ -150,6 +150,28 @@ def test_handbasket_puts_back_a_scene_that_a_run_has_wrecked(world):
     assert "objectresurrect" in tree and "objectdestruct" in tree and "objectnamechange" in tree
 
 
+def test_handbasket_puts_back_how_an_object_and_its_parts_looked(world):
+    bunny = make_bunny(world)
+    head = world.scene.find("Bunny.Head")
+    run(world, "Bunny.Head.SetFillingStyle(Points)\nBunny.Head.Turn(Left, 1/8)")
+
+    def looks():
+        return [(t.visible, t.filling, t.lighting, t.texture, t.shadow, t.GetColor(), t.GetSize(),
+                 t.orientation) for t in (bunny, head)]
+    run(world, "PreserveHandbasket()", steps=False)
+    before = looks()
+    world.ExecuteLines("Bunny.Hide()\nBunny.SetFillingStyle(Lines)\nBunny.SetLightingStyle(UnLit)\n"
+                       "Bunny.SetTexture(None)\nBunny.StopCastingShadow()\nBunny.SetColor(Red)\n"
+                       "Bunny.Flatten()\nBunny.Head.Turn(Right, 1/3)\n", 0, 7, "<treeview>", "exec")
+    run(world, "")
+    wrecked = looks()
+    for look, was in zip(wrecked[0][:-1], before[0][:-1]):
+        assert look != was      # the run changed every look of the bunny but its turn
+    assert wrecked[1][-1] != before[1][-1]
+    run(world, "RestoreHandbasket()", steps=False)
+    assert looks() == before
+
+
 def test_the_python_2_statistics_statement_runs_from_the_front_end(world):
     make_bunny(world)
     o = "Bunny"

@@ -1,6 +1,7 @@
 """World_Scene.py: saved worlds load back equal; strangers' files run nothing."""
 
 import os
+import struct
 
 import pytest
 
@@ -75,6 +76,31 @@ def test_loading_replaces_the_old_world_and_its_names(interp, tmp_path):
     assert interp.ExecuteCode("Camera", "<Tool>", "exec") is None
 
 
+def bmp_pixel(path, x, y):
+    """(red, green, blue) at x, y from the top left of a 24- or 32-bit BMP file."""
+    data = path.read_bytes()
+    start, width, height, bits = (struct.unpack_from("<I", data, 10)[0],
+                                  *struct.unpack_from("<iixxH", data, 18))
+    stride = (width * bits // 8 + 3) & ~3
+    row = height - 1 - y if height > 0 else y       # rows are kept bottom up
+    blue, green, red = data[start + row * stride + x * bits // 8:][:3]
+    return red, green, blue
+
+
+def test_a_world_saved_without_a_view_gets_its_picture(interp, tmp_path, backend_kind):
+    interp.LoadWorld(DEFAULT_WORLD)
+    assert interp.SaveScene(str(tmp_path)) is None
+    picture = tmp_path / "world_thumbnail.bmp"
+    if backend_kind == "python":
+        assert not picture.exists()     # nothing is drawn there: the world is saved all the same
+        return
+    assert struct.unpack_from("<ii", picture.read_bytes(), 18) == (320, 240)
+    red, green, blue = bmp_pixel(picture, 160, 2)
+    assert blue > red + 40                                  # sky above
+    red, green, blue = bmp_pixel(picture, 160, 236)
+    assert green > red + 30 and green > blue + 30           # the ground below
+
+
 SCENE = "Object(kind='scene', name='Scene', parent=None)\n"
 HOSTILE = {
     "import": "import os\nObject(kind='scene', name='Scene', parent=None)\n",
@@ -144,3 +170,67 @@ def test_the_file_name_is_found_whatever_its_case(interp, tmp_path):
     interp.SaveScene(str(tmp_path))
     os.rename(tmp_path / "World_Scene.py", tmp_path / "world_scene.py")
     assert interp.LoadWorld(str(tmp_path)) is None
+
+
+GOOD = SCENE + "Object(kind='model', name='Bunny', parent='Scene')\n"
+NUMBER = GOOD + "Object(kind='model', name='Hat', parent='Bunny', position=(%s, 0, 0))\n"
+NESTED = "values may not be nested, nor have more than one sign"
+STATEMENT = "each line must be Object(name=value, ...) or Sound(name=..., file=...)"
+PLACE = "position must be 3 numbers"
+# what line 3 holds, and what the refusal says of it
+REFUSED_AT_LINE_3 = {
+    "5,000 signs": (NUMBER % ("-" * 5000 + "1"), NESTED),
+    "200,000 signs": (NUMBER % ("-" * 200000 + "1"), NESTED),
+    "two signs": (NUMBER % "--1", "only plain values may stand here"),
+    "deep parentheses": (NUMBER % ("(" * 5000 + "1" + ")" * 5000), NESTED),
+    "deep lists": (GOOD + "Object(kind='model', name='Hat', size=" + "[" * 300 + "]" * 300 + ")\n",
+                   NESTED),
+    "infinity": (NUMBER % "1e999", PLACE),
+    "a number too big for a float": (NUMBER % ("9" * 4000), PLACE),
+    "a place out of the world": (NUMBER % "-2e6", PLACE),
+    "a colour beyond white": (GOOD + "Object(kind='model', name='Hat', color=(2, 0, 0))\n",
+                              "color must be 3 numbers from 0 to 1"),
+    "no turn at all": (GOOD + "Object(kind='model', name='Hat', orientation=(0, 0, 0, 0))\n",
+                       "orientation must be a turn"),
+    "an object by another name": (GOOD + "Objekt(kind='model', name='Hat', parent='Bunny')\n",
+                                  STATEMENT),
+    "a sound by another name": (GOOD + "Play(name='Pop', file='Pop.wav')\n", STATEMENT),
+    "two statements": (GOOD + "Object(kind='model', name='Hat', parent='Bunny'); "
+                              "Sound(name='Pop', file='Pop.wav')\n", STATEMENT),
+    "a NUL": (GOOD + "Object(kind='model', name='Hat', parent='Bunny')\0\n", STATEMENT),
+    "not text": (GOOD.encode() + b"Object(kind='model', name='Hat\xff')\n", "this is not text"),
+    "a parent below": (GOOD + "Object(kind='model', name='Hat', parent='Nowhere')\n",
+                       "Hat comes before its parent Nowhere"),
+    "a name twice": (GOOD + "Sound(name='bunny', file='Pop.wav')\n", "two things are called bunny"),
+}
+
+
+@pytest.mark.parametrize("text, says", REFUSED_AT_LINE_3.values(), ids=REFUSED_AT_LINE_3.keys())
+def test_a_broken_line_is_refused_with_its_number_and_the_scene_stays(interp, tmp_path, text, says):
+    (tmp_path / "World_Scene.py").write_bytes(text if isinstance(text, bytes) else text.encode())
+    before = describe(interp)
+    result = interp.LoadWorld(str(tmp_path))
+    assert result.startswith("World_Scene.py line 3: " + says)
+    assert describe(interp) == before
+
+
+def test_too_many_objects_or_too_big_a_file_is_refused(interp, tmp_path):
+    many = SCENE + "".join("Object(kind='model', name='B%d', parent='Scene')\n" % n
+                           for n in range(20001))
+    (tmp_path / "World_Scene.py").write_text(many)
+    assert interp.LoadWorld(str(tmp_path)).startswith("World_Scene.py line 20001: ")
+    with open(tmp_path / "World_Scene.py", "r+b") as big:
+        big.truncate(33 * 1024 * 1024)      # zeros, without writing them to the disk
+    assert "larger than 32 MB" in interp.LoadWorld(str(tmp_path))
+    assert sorted(describe(interp)) == ["Camera", "Scene"]
+
+
+def test_texts_may_hold_brackets_and_signs_and_a_turn_is_made_whole(interp, tmp_path):
+    words = "((--[{~+" * 10
+    (tmp_path / "World_Scene.py").write_text(
+        GOOD + "Object(kind='model', name='Sign', parent='Scene', model=%r, "
+               "orientation=(1, 0, 1, 0))\n" % ("text:" + words))
+    assert interp.LoadWorld(str(tmp_path)) is None
+    sign = interp.scene.find("Sign")
+    assert sign.model == "text:" + words
+    assert sign.orientation == pytest.approx((0.5 ** 0.5, 0, 0.5 ** 0.5, 0))

@@ -4,6 +4,8 @@
 #include "scene/engine_frame.h"
 
 #include <gtest/gtest.h>
+#include <osg/Geode>
+#include <osg/ShapeDrawable>
 
 #include <cmath>
 #include <numbers>
@@ -94,6 +96,28 @@ TEST_F(SceneGraphTest, EveryChangeIsToldSoThatAViewCanRedraw) {
     EXPECT_EQ(told, 1);
     backend.setStyle(2, "filling", std::string("points"));
     EXPECT_EQ(told, 2);
+}
+
+TEST_F(SceneGraphTest, ABoundsBoxIsTheShapesOwnInTheEnginesAxesWithTheSize) {
+    // A shape standing on its base, off to the engine's right (OSG's -x).
+    auto* shape = new osg::Geode;
+    shape->addDrawable(new osg::ShapeDrawable(new osg::Box(osg::Vec3(-1.0f, 0.5f, 0.0f), 1.0f)));
+    backend.scene().setModel(2, "a shape of a test", shape);
+    backend.set(2, "size", {2, 1, 3, 0});
+    backend.set(2, "orientation", quatFromAxisAngle(0, 1, 0, 1.0)); // its own frame: no change
+    const auto box = backend.bounds(2);
+    ASSERT_TRUE(box.has_value());
+    const ChannelValue low = box->first;
+    const ChannelValue high = box->second;
+    EXPECT_NEAR(low[0], 1.0, 1e-6);
+    EXPECT_NEAR(high[0], 3.0, 1e-6);
+    EXPECT_NEAR(low[1], 0.0, 1e-6);
+    EXPECT_NEAR(high[1], 1.0, 1e-6);
+    EXPECT_NEAR(low[2], -1.5, 1e-6);
+    EXPECT_NEAR(high[2], 1.5, 1e-6);
+    // the node with the shape is measured, not its children, and a scene has none
+    EXPECT_NEAR(backend.bounds(3)->second[1], 0.5, 1e-6);
+    EXPECT_EQ(backend.bounds(1), std::nullopt);
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 #include "facade/backend.h"
 
 #include "models/model_library.h"
+#include "scene/engine_frame.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace vessa::core {
@@ -76,6 +78,22 @@ void Backend::setStyle(int id, const std::string& style, const StyleValue& value
         scene_.setModel(id, *word, shapeFor(id, *word));
     else
         throw std::invalid_argument("unknown style " + style + " or a value of the wrong kind");
+}
+
+std::optional<std::pair<ChannelValue, ChannelValue>> Backend::bounds(int id) const {
+    const osg::BoundingBox& box = scene_.shapeBox(id);
+    if (!box.valid())
+        return std::nullopt;
+    const ChannelValue size = scene_.get(id, Channel::Size);
+    const ChannelValue a = fromOsgPoint(osg::Vec3d(box._min));
+    const ChannelValue b = fromOsgPoint(osg::Vec3d(box._max));
+    ChannelValue low{};
+    ChannelValue high{};
+    for (size_t i = 0; i < 3; ++i) {
+        low[i] = std::min(a[i] * size[i], b[i] * size[i]);
+        high[i] = std::max(a[i] * size[i], b[i] * size[i]);
+    }
+    return std::pair(low, high);
 }
 
 osg::Node* Backend::shapeFor(int id, const std::string& model) {

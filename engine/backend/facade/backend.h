@@ -10,6 +10,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -50,6 +51,11 @@ public:
     const ViewHost& view() const { return view_; }
     std::vector<InputEvent> takeInput() { return input_.takeAll(); }
     bool inputWaiting() const { return !input_.empty(); }
+
+    // The box around a node's own shape (not its children's), in the node's
+    // frame in the engine's axes, its size included: the lowest corner and
+    // the highest. None when the node has no shape.
+    std::optional<std::pair<ChannelValue, ChannelValue>> bounds(int id) const;
 
     std::optional<double> firstHit(const ChannelValue& origin, const ChannelValue& direction,
                                    double maxDistance) const {

@@ -2,6 +2,7 @@
 
 #include "scene/engine_frame.h"
 
+#include <osg/ComputeBoundsVisitor>
 #include <osg/Image>
 #include <osg/LightSource>
 #include <osg/Point>
@@ -247,6 +248,7 @@ void SceneGraph::setModel(int id, const std::string& model, osg::Node* shape) {
     if (n.shape)
         n.size->removeChild(n.shape);
     n.shape = shape;
+    n.shapeBox.reset();
     if (shape)
         n.size->addChild(shape);
     changed();
@@ -254,6 +256,17 @@ void SceneGraph::setModel(int id, const std::string& model, osg::Node* shape) {
 
 osg::Node* SceneGraph::shape(int id) const {
     return node(id).shape.get();
+}
+
+const osg::BoundingBox& SceneGraph::shapeBox(int id) const {
+    Node& n = const_cast<SceneGraph*>(this)->node(id);
+    if (!n.shapeBox) {
+        osg::ComputeBoundsVisitor measure;
+        if (n.shape)
+            n.shape->accept(measure);
+        n.shapeBox = measure.getBoundingBox();
+    }
+    return *n.shapeBox;
 }
 
 void SceneGraph::updatePlace(Node& n) {

@@ -2,6 +2,7 @@
 
 #include "scene/channels.h"
 
+#include <osg/BoundingBox>
 #include <osg/Group>
 #include <osg/LightSource>
 #include <osg/MatrixTransform>
@@ -73,6 +74,10 @@ public:
     void setCastsShadow(int id, bool casts);
     void setModel(int id, const std::string& model, osg::Node* shape);
     osg::Node* shape(int id) const;
+    // The box around a node's own shape in the shape's coordinates, without
+    // its size; invalid when the node has no shape. Shapes never change once
+    // made, so the box is measured once.
+    const osg::BoundingBox& shapeBox(int id) const;
 
     // Where a node is, in OpenSceneGraph's frame, with and without its size.
     osg::Matrixd placeToWorld(int id) const;
@@ -99,6 +104,7 @@ private:
         osg::ref_ptr<osg::MatrixTransform> place = new osg::MatrixTransform;
         osg::ref_ptr<osg::MatrixTransform> size = new osg::MatrixTransform;
         osg::ref_ptr<osg::Node> shape;
+        std::optional<osg::BoundingBox> shapeBox; // measured when first asked for
         osg::ref_ptr<osg::TexEnvCombine> tint;
         osg::ref_ptr<osg::LightSource> light;
     };

@@ -1,6 +1,7 @@
 #include "view/view_host.h"
 
 #include "scene/scene_graph.h"
+#include "view/offscreen_picture.h"
 #include "view/view_widget.h"
 
 #include <QApplication>
@@ -16,6 +17,7 @@ namespace {
 
 constexpr const char* kHostIdProperty = "vessaHostId";
 constexpr QSize kScreenWithout(1920, 1080);
+constexpr QSize kPictureWithoutView(320, 240);
 
 // A context made only to learn what OpenGL this machine offers.
 struct ProbeContext {
@@ -139,10 +141,19 @@ std::string ViewHost::setHighQuality(bool high) {
     return "";
 }
 
+// Without a view (a world saved by a script, a test, the command line) the
+// picture is drawn offscreen, as large as a view of a usual window would be.
 std::string ViewHost::savePicture(const std::string& path) {
-    if (!widget_)
-        return "";
-    const QImage picture = widget_->grabFramebuffer();
+    QImage picture;
+    if (widget_) {
+        picture = widget_->grabFramebuffer();
+    } else {
+        OffscreenPicture drawn = drawOffscreen(scene_, kPictureWithoutView.width(),
+                                               kPictureWithoutView.height(), highQuality_);
+        if (drawn.image.isNull())
+            return "The picture of the world could not be drawn: " + drawn.failure;
+        picture = std::move(drawn.image);
+    }
     if (picture.isNull() || !picture.save(QString::fromStdString(path), "BMP"))
         return "The picture of the world could not be written to " + path;
     return "";

@@ -41,6 +41,7 @@ public:
     void close();
     std::string focus();
     std::string setHighQuality(bool high);
+    // The view's picture as a BMP file; drawn offscreen when there is no view.
     std::string savePicture(const std::string& path);
 
     // "" when an OpenGL context can be made, else why not.

@@ -4,7 +4,6 @@
 #include "scene/scene_graph.h"
 
 #include <osg/BlendFunc>
-#include <osg/ComputeBoundsVisitor>
 #include <osg/Depth>
 #include <osg/Geometry>
 #include <osg/LightModel>
@@ -262,21 +261,11 @@ void WorldView::placeShadows() {
         const ChannelValue size = scene_.get(id, Channel::Size);
         const osg::Matrixd toWorld =
             osg::Matrixd::scale(size[0], size[1], size[2]) * scene_.placeToWorld(id);
-        if (lowestPoint(boundsOf(shape), toWorld) < -kSunk)
+        if (lowestPoint(scene_.shapeBox(id), toWorld) < -kSunk)
             continue;
         shadows_->addChild(new osg::MatrixTransform(toWorld));
         shadows_->getChild(shadows_->getNumChildren() - 1)->asGroup()->addChild(shape);
     }
-}
-
-const osg::BoundingBox& WorldView::boundsOf(osg::Node* shape) {
-    auto found = bounds_.find(shape);
-    if (found == bounds_.end()) {
-        osg::ComputeBoundsVisitor measure;
-        shape->accept(measure);
-        found = bounds_.emplace(shape, std::pair(shape, measure.getBoundingBox())).first;
-    }
-    return found->second.second;
 }
 
 void WorldView::draw(unsigned int fbo) {

@@ -2,14 +2,12 @@
 
 #include "scene/channels.h"
 
-#include <osg/BoundingBox>
 #include <osg/Group>
 #include <osg/MatrixTransform>
 #include <osg/ref_ptr>
 #include <osgViewer/Viewer>
 
 #include <optional>
-#include <unordered_map>
 
 namespace vessa::core {
 
@@ -61,7 +59,6 @@ private:
     // The viewer's camera as the scene's camera node and the picture's size say.
     void placeCamera() const;
     void placeShadows();
-    const osg::BoundingBox& boundsOf(osg::Node* shape);
     osg::Matrixd viewMatrix() const;
 
     SceneGraph& scene_;
@@ -70,10 +67,6 @@ private:
     osg::ref_ptr<osg::Group> root_;
     osg::ref_ptr<osg::Group> world_; // the scene graph's world, as this view draws it
     osg::ref_ptr<osg::MatrixTransform> shadows_;
-    // Shapes are shared and never change once made, so their bounds keep;
-    // the entry holds its shape so that no other can take its address.
-    std::unordered_map<const osg::Node*, std::pair<osg::ref_ptr<osg::Node>, osg::BoundingBox>>
-        bounds_;
     int width_ = 1;
     int height_ = 1;
     bool highQuality_ = false;

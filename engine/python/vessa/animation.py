@@ -10,6 +10,9 @@ time, however coarse the steps of Loop() are.
 A mistake that shows only when a step begins or ends (an object to see by
 that is gone, a parent that would become its own child) is told through the
 animator, and that step is passed over: the rest of the world goes on.
+
+What an animation changes belongs to the undo step of the action that made
+or started it (undo_step), however much later it runs.
 """
 
 STOPPED, RUNNING, DONE = "stopped", "running", "done"
@@ -21,6 +24,7 @@ class Animation:
     def __init__(self, animator):
         self._animator = animator
         self.state = STOPPED
+        self.undo_step = None
 
     def stop(self):
         """Stops the animation where it is (and keeps it from starting)."""
@@ -78,7 +82,8 @@ class Primitive(Animation):
     def begin(self, when, on_done):
         self.state, self._on_done, self._end = RUNNING, on_done, when + self.duration
         try:
-            changes = self._prepare() if self._prepare else []
+            with self._animator.changing(self):
+                changes = self._prepare() if self._prepare else []
         except Exception as exc:
             self._animator.failed(self, exc)
             self.state, self._end = DONE, when
@@ -93,7 +98,8 @@ class Primitive(Animation):
         self.state = DONE
         if self._finish:
             try:
-                self._finish()
+                with self._animator.changing(self):
+                    self._finish()
             except Exception as exc:
                 self._animator.failed(self, exc)
         self._on_done(self, self._end)
@@ -128,6 +134,10 @@ class Block(Animation):
             if child.state == RUNNING:
                 child.stop()
 
+    def _begin_child(self, child, when):
+        child.undo_step = self.undo_step
+        child.begin(when, self._child_done)
+
 
 class DoInOrder(Block):
     """Its animations one after the other: as long as all of them together."""
@@ -145,7 +155,7 @@ class DoInOrder(Block):
             return
         child = self.children[self._next]
         self._next += 1
-        child.begin(when, self._child_done)
+        self._begin_child(child, when)
 
 
 class DoTogether(Block):
@@ -157,7 +167,7 @@ class DoTogether(Block):
         if not self.children:
             self._child_done(None, when)
         for child in self.children:
-            child.begin(when, self._child_done)
+            self._begin_child(child, when)
 
     def _child_done(self, child, when):
         if self.state != RUNNING:
@@ -170,11 +180,12 @@ class DoTogether(Block):
 
 
 class Animator:
-    def __init__(self, backend, clock, on_activity):
-        """on_activity(bool) is told when animations start running and when
-        the last one has ended."""
+    def __init__(self, backend, clock, undo, on_activity):
+        """undo: the engine's UndoStack. on_activity(bool) is told when
+        animations start running and when the last one has ended."""
         self.backend = backend
         self.clock = clock
+        self._undo = undo
         self._on_activity = on_activity
         self.where = lambda: None                   # the line of the world's code now running
         self.on_mistake = lambda exc, where: None   # hears of a step that failed
@@ -188,6 +199,7 @@ class Animator:
 
     def made(self, animation):
         animation.where = self.where()
+        animation.undo_step = self._undo.current()
         self._pending[animation] = self.now()
 
     def failed(self, animation, exc):
@@ -203,12 +215,21 @@ class Animator:
         self._pending.pop(animation, None)
         self._running.discard(animation)
 
-    def start(self, animation, when=None):
+    def start(self, animation):
+        """Starts animation now, as a part of the action going on."""
+        animation.undo_step = self._undo.current()
+        self._launch(animation, self.now())
+
+    def _launch(self, animation, when):
         self.forget(animation)
         if animation.state == RUNNING:
             animation.stop()
         self._running.add(animation)
-        animation.begin(self.now() if when is None else when, self._ended)
+        animation.begin(when, self._ended)
+
+    def changing(self, animation):
+        """Where what animation changes is undone: with its action."""
+        return self._undo.joining(animation.undo_step)
 
     def _ended(self, animation, when):
         self._running.discard(animation)
@@ -240,7 +261,7 @@ class Animator:
         now = self.now()
         pending, self._pending = self._pending, {}
         for animation, made_at in pending.items():
-            self.start(animation, made_at)
+            self._launch(animation, made_at)
         finished = self.backend.step(now)
         while finished:
             for tween_id in finished:

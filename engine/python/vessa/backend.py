@@ -15,6 +15,11 @@ Interface (ids are the engine's integer object ids; vectors are tuples):
     get(node_id, channel) -> tuple
     set(node_id, channel, value)
     set_parent(node_id, parent_id)   None takes the node out of the world
+    bounds(node_id) -> ((x, y, z), (x, y, z)) or None
+        The lowest and highest corner of the box around the node's own
+        shape (not its children's), in the node's frame: its position is the
+        origin, its axes the box's, its size included. None for a node
+        without a shape (a scene, camera or light).
     get_style(node_id, style) / set_style(node_id, style, value)
         How the node's own shape is drawn (STYLES has the defaults):
         "visible", "texture" and "shadow" (it casts one on the high-quality
@@ -45,7 +50,8 @@ changed. Where nothing can be drawn (no window system) these succeed idle.
     hardware_accelerated() -> bool
     set_acceleration(on)             the high-quality (True) or light path
     frames_per_second() -> float     frames drawn in the last second
-    save_picture(path)               the view's picture as a BMP file
+    save_picture(path)               the view's picture as a BMP file; drawn
+        offscreen, through the first camera, where there is no view
     screen_size() -> (width, height) of the screen in pixels
     poll_input() -> [event, ...]     mouse and keys in the view since the
         last call, each a dict: kind ("LeftMouseDown", "LeftMouseUp",
@@ -181,6 +187,13 @@ class PythonBackend:
         self._nodes[node_id]    # an unknown node is an error, as in _backend
         self._parents[node_id] = parent_id
 
+    def bounds(self, node_id):
+        """Every shape is taken for the box its size stretches."""
+        if self._kinds[node_id] != "model":
+            return None
+        half = tuple(abs(x) / 2.0 for x in self._nodes[node_id]["size"])
+        return tuple(-x for x in half), half
+
     def get_style(self, node_id, style):
         return self._styles[node_id][style]
 
@@ -219,7 +232,7 @@ class PythonBackend:
         return 0.0
 
     def save_picture(self, path):
-        return None
+        return "%s is not written: pictures of the world need the compiled backend" % path
 
     def screen_size(self):
         return SCREEN_SIZE

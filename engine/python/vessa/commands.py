@@ -7,6 +7,7 @@ Duration, Style, Speed, Volume); the flags HowMuch, LikeRubber and
 Yes/No/Toggle come bare, after the essential values.
 """
 
+import itertools
 import math
 from numbers import Real
 
@@ -57,14 +58,28 @@ class Commands:
 
     def _animate(self, label, prepare, duration=DEFAULT_DURATION, style=DEFAULT_STYLE,
                  finish=None):
+        self._still_here(label)
         if not _number(duration) or duration < 0:
             raise Mistake("duration", object=self.name, command=label)
         if not v.is_word(style, "style"):
             raise not_a_word(style, "style")
+        prepare = prepare and self._when_here(label, self._remembering(prepare))
         animation = Primitive(self.scene.animator, "%s.%s" % (self.name, label),
-                              duration, style, prepare and self._remembering(prepare), finish)
+                              duration, style, prepare, finish and self._when_here(label, finish))
         self.scene.animator.made(animation)
         return animation
+
+    def _still_here(self, label):
+        if not self.alive:
+            raise Mistake("destroyed", object=self.name, command=label)
+
+    def _when_here(self, label, act):
+        """act, once the object is known to be still there: a command made
+        before its object was destroyed may run after."""
+        def checked():
+            self._still_here(label)
+            return act()
+        return checked
 
     def _remembering(self, prepare):
         """prepare, and an undo step that puts the changed values back."""
@@ -319,17 +334,53 @@ def _times(factors, vector):
     return tuple(f * x for f, x in zip(factors, vector))
 
 
+# Place: the axis of the other object, the side of it (+1 or -1), and
+# whether the object goes inside it.
+PLACES = {
+    "ontopof": (1, 1, False), "above": (1, 1, False), "onbottomof": (1, -1, False),
+    "below": (1, -1, False), "beneath": (1, -1, False), "infrontof": (2, 1, False),
+    "inbackof": (2, -1, False), "behind": (2, -1, False), "torightof": (0, 1, False),
+    "toleftof": (0, -1, False), "onfloorof": (1, -1, True), "onceilingof": (1, 1, True),
+}
+
+
 def _placed(thing, surface, other, distance):
-    """Where thing's centre goes for Place(surface, other, distance)."""
-    half_mine, half_other = g.scale(thing.size, 0.5), g.scale(other.size, 0.5)
-    axis, sign, inside = {
-        "ontopof": (1, 1, False), "above": (1, 1, False), "onbottomof": (1, -1, False),
-        "below": (1, -1, False), "beneath": (1, -1, False), "infrontof": (2, 1, False),
-        "inbackof": (2, -1, False), "behind": (2, -1, False), "torightof": (0, 1, False),
-        "toleftof": (0, -1, False), "onfloorof": (1, -1, True), "onceilingof": (1, 1, True),
-    }[surface]
-    gap = half_other[axis] + (-half_mine[axis] if inside else half_mine[axis]) + distance
-    offset = [0.0, 0.0, 0.0]
-    offset[axis] = sign * gap
+    """Where thing's position goes for Place(surface, other, distance): its
+    shape against the side of other's shape that surface names (inside it
+    for a floor or a ceiling), distance away, and the middles of the two in
+    line along the other axes. Shapes count with their parts, each turned
+    as it is; along other's axes."""
+    axis, sign, inside = PLACES[surface]
+    frame = g.quat_conj(other.world_orientation())
+    turn = g.quat_mul(frame, thing.world_orientation())
+    low, high = _box(_shape_corners(other))
+    my_low, my_high = _box([g.rotate(turn, corner) for corner in _shape_corners(thing)])
+    offset = [(a + b - c - d) / 2.0 for a, b, c, d in zip(low, high, my_low, my_high)]
+    face = high[axis] if sign > 0 else low[axis]
+    near_side = (my_high if (sign > 0) == inside else my_low)[axis]
+    offset[axis] = face + sign * (-distance if inside else distance) - near_side
     return g.add(other.world_position(), g.rotate(other.world_orientation(), tuple(offset)))
 
+
+def _shape_corners(thing):
+    """The corners of the boxes around thing's shape and its parts' shapes,
+    in thing's frame (from its position, along its axes); its position
+    alone when none of them has a shape."""
+    backend = thing.scene.backend
+    frame = g.quat_conj(thing.world_orientation())
+    origin = thing.world_position()
+    corners = []
+    for member in thing.family():
+        box = backend.bounds(member.id)
+        if box is None:
+            continue
+        turn = g.quat_mul(frame, member.world_orientation())
+        place = g.rotate(frame, g.sub(member.world_position(), origin))
+        own = itertools.product(*zip(*box))      # the eight corners of the box
+        corners += [g.add(place, g.rotate(turn, corner)) for corner in own]
+    return corners or [(0.0, 0.0, 0.0)]
+
+
+def _box(points):
+    """The lowest and highest corner of the box around points."""
+    return tuple(map(min, zip(*points))), tuple(map(max, zip(*points)))

@@ -5,7 +5,6 @@ lists. A call that can fail answers None on success and the failure text
 otherwise; user code never fails a call: its errors go out as records.
 """
 
-import contextlib
 import os
 
 from . import backend as backends
@@ -48,9 +47,10 @@ class Interpreter:
         self._recent = RecentFiles()
         self._home = places.home_dir()
         self._dirty = False
-        self.animator = Animator(backend or backends.create(), clock or WallClock(),
-                                 lambda active: self._queue.add_misc(records.active_changed(active)))
         self.undo = UndoStack(lambda empty: self._queue.add_misc(records.undo_empty_change(empty)))
+        self.animator = Animator(
+            backend or backends.create(), clock or WallClock(), self.undo,
+            lambda active: self._queue.add_misc(records.active_changed(active)))
         self.scene = Scene(self._queue, self.animator.backend, self.animator, self._mark_dirty)
         self.scene.remember = lambda step: self.undo.push(step)
         self.sounds = sounds.SoundShelf(self.scene, self._queue, lambda: self._home)
@@ -152,7 +152,8 @@ class Interpreter:
         everyone = [t.responses for t in self.scene.living()]
         everyone += [t._Window.responses for t in self.scene.cameras()]
         event = events.Event(str(kind), str(key), int(rawkey))
-        self._respond(everyone, event)
+        with self.undo.action():
+            self._respond(everyone, event)
 
     def MouseEvent(self, kind, objectName):
         """A mouse button went down or up on an object ("" for none)."""
@@ -164,7 +165,8 @@ class Interpreter:
         while thing is not None:
             listeners.append(thing.responses)
             thing = thing.parent
-        self._respond(listeners, event)
+        with self.undo.action():
+            self._respond(listeners, event)
 
     def _mouse_tool(self):
         return getattr(self.scene.namespace.get("Vessa"), "respond_to_mouse", 0)
@@ -185,11 +187,14 @@ class Interpreter:
         return self._queue.poll_tree()
 
     def ExecuteCode(self, text, sourceTag, mode):
-        return self._runner.execute(str(text), str(sourceTag), str(mode))
+        """Whatever the text changes, now or by the animations it makes, is one undo step."""
+        with self.undo.action():
+            return self._runner.execute(str(text), str(sourceTag), str(mode))
 
     def ExecuteLines(self, text, firstLine, lastLine, sourceTag, mode):
-        return self._runner.execute_lines(str(text), firstLine, lastLine,
-                                          str(sourceTag), str(mode))
+        with self.undo.action():
+            return self._runner.execute_lines(str(text), firstLine, lastLine,
+                                              str(sourceTag), str(mode))
 
     def SetWatchdogSeconds(self, seconds):
         """How long user code may run inside one call before it is stopped."""
@@ -258,14 +263,6 @@ class Interpreter:
         a failure is answered, never raised."""
         return backups.back_up(self.scene, self.sounds, str(folder), str(scriptText))
 
-    @contextlib.contextmanager
-    def _one_undo_step(self):
-        self.undo.push(None, "[")
-        try:
-            yield
-        finally:
-            self.undo.push(None, "]")
-
     def _facing_the_camera(self, where):
         """The orientation that turns a new object's front to the camera."""
         camera = self.default_camera()
@@ -276,7 +273,7 @@ class Interpreter:
     def addobject(self, path):
         """An object (with its parts) from a model file: .mdl, .obj, .3ds. It
         stands in the middle of the world with its front to the camera."""
-        with self._one_undo_step():
+        with self.undo.action():
             return models.add_object(self.scene, path, NEW_OBJECT_PLACE,
                                      self._facing_the_camera(NEW_OBJECT_PLACE))
 
@@ -295,7 +292,7 @@ class Interpreter:
     def AddText(self, text):
         """Solid letters standing in the middle of the world, facing the camera."""
         if str(text):
-            with self._one_undo_step():
+            with self.undo.action():
                 models.add_text(self.scene, str(text), NEW_OBJECT_PLACE,
                                 self._facing_the_camera(NEW_OBJECT_PLACE))
         return None
@@ -306,7 +303,7 @@ class Interpreter:
 
     def AddSound(self, path):
         """A sound of the scene from a .wav file."""
-        with self._one_undo_step():
+        with self.undo.action():
             return self.sounds.add(path)
 
     def isvalidname(self, text):

@@ -36,6 +36,7 @@ MESSAGES = {
     "volume": "{object}.PlaySound: Volume must be a number, such as 0.5.",
     "look_style": "{object}: the style must be {styles}.",
     "own_parent": "{object} can't become a child of {other}.",
+    "destroyed": "{object} has been destroyed, so it can't {command} any more.",
     "response_event": "addresponse needs an event, such as LeftMouseDown or KeyDown, "
                       "and then what to do.",
     "response_what": "addresponse needs an animation or a function to run.",

@@ -178,7 +178,10 @@ class Thing(Commands):
         self.set_on_family("texture", not texture or texture[0] is not None)
 
     def set_on_family(self, attribute, value, how_much="objectandparts"):
-        for thing in self.family(how_much):
+        members = self.family(how_much)
+        saved = [(thing, getattr(thing, attribute)) for thing in members]
+        self.scene.remember(lambda: [setattr(thing, attribute, old) for thing, old in saved])
+        for thing in members:
             setattr(thing, attribute, value)
         self.scene.changed()
 

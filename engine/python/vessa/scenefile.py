@@ -6,17 +6,21 @@ then one per sound.
     Sound(name="Pop", file="Pop.wav")
 
 The file looks like Python so that a person can read it, but it is never run:
-the reader parses it and accepts only statements of exactly these forms, with
-literal values, so a world from a stranger can't execute anything. Parents
+the reader parses it line by line and accepts only statements of exactly
+these forms, with literal values in their ranges, so a world from a stranger
+can't execute anything, nor make the reader recurse or grow without end. Parents
 come before their children; a parent is named by its full name. Model and
 sound files are named by their names in the world's folder, never by a path:
 a stranger's world can't reach other files, which a later save would copy.
 """
 
 import ast
+import io
 import keyword
 import os
+import tokenize
 
+from . import geometry as g
 from . import models, namespace
 from .scene import DEFAULT_VALUES, STYLE_DEFAULTS
 
@@ -26,7 +30,20 @@ KINDS = ("scene", "camera", "light", "model")
 FORMS = ("Object", "Sound")
 STYLE_TYPES = {"visible": bool, "filling": str, "lighting": str, "texture": bool,
                "model": str, "shadow": bool, "vertex_count": int, "face_count": int}
-VALUE_LENGTHS = {"position": 3, "orientation": 4, "size": 3, "color": 3}
+
+# What a hostile file may not make the reader do: read a file without end,
+# make a world that could never be drawn, recurse into nested values.
+LARGEST_FILE = 32 * 1024 * 1024     # bytes; a world of the most objects is a few MB
+MOST_STATEMENTS = 20000             # objects and sounds
+LONGEST_TEXT = 4096                 # characters of one text value
+FARTHEST = 1e6                      # meters from the middle, and the largest size
+DEEPEST = 2                         # brackets: Object( and a value's (
+AT_A_GLANCE = 24                    # brackets and signs a line may have unread
+LARGEST_COUNT = 2 ** 31 - 1
+# How many numbers each value holds, and the range of each.
+VALUE_RANGES = {"position": (3, -FARTHEST, FARTHEST), "orientation": (4, -1.0, 1.0),
+                "size": (3, 0.0, FARTHEST), "color": (3, 0.0, 1.0)}
+NOT_A_STATEMENT = "each line must be Object(name=value, ...) or Sound(name=..., file=...)"
 
 
 class SceneFileError(Exception):
@@ -88,11 +105,12 @@ def _fail(line, message):
 
 
 def _number(node):
-    if isinstance(node, ast.UnaryOp) and isinstance(node.op, ast.USub):
-        value = _number(node.operand)
-        return None if value is None else -value
+    """A number, with one minus sign at most, or None."""
+    negative = isinstance(node, ast.UnaryOp) and isinstance(node.op, ast.USub)
+    if negative:
+        node = node.operand
     if isinstance(node, ast.Constant) and type(node.value) in (int, float):
-        return node.value
+        return -node.value if negative else node.value
     return None
 
 
@@ -110,19 +128,52 @@ def _literal(node, line):
     return value
 
 
-def _fields(statement):
-    """The line, the form (Object or Sound) and the values of a statement."""
-    line = statement.lineno
-    call = statement.value if isinstance(statement, ast.Expr) else None
+def _fields(line, source):
+    """The form (Object or Sound) and the values of the statement on a line."""
+    _check_nesting(line, source)
+    try:
+        body = ast.parse(source.strip(), FILE_NAME).body
+    except (SyntaxError, ValueError, RecursionError, MemoryError):
+        _fail(line, NOT_A_STATEMENT)
+    call = body[0].value if len(body) == 1 and isinstance(body[0], ast.Expr) else None
     if not (isinstance(call, ast.Call) and isinstance(call.func, ast.Name)
             and call.func.id in FORMS and not call.args):
-        _fail(line, "each line must be Object(name=value, ...) or Sound(name=..., file=...)")
+        _fail(line, NOT_A_STATEMENT)
     fields = {}
     for given in call.keywords:
         if given.arg is None or given.arg in fields:
             _fail(line, "each value is given once, by its name")
         fields[given.arg] = _literal(given.value, line)
-    return line, call.func.id, fields
+        if isinstance(fields[given.arg], str) and len(fields[given.arg]) > LONGEST_TEXT:
+            _fail(line, "%s is longer than %d letters" % (given.arg, LONGEST_TEXT))
+    return call.func.id, fields
+
+
+OPENING, CLOSING = {"(", "[", "{"}, {")", "]", "}"}
+SIGNS = {"-", "+", "~"}
+
+
+def _check_nesting(line, source):
+    """Refuses values nested in values, and a run of signs before a number,
+    before the parser has to follow them down. Most lines are seen at a
+    glance; one with many brackets or signs (which a text may hold) is read
+    token by token."""
+    if sum(source.count(mark) for mark in "([{-+~") <= AT_A_GLANCE:
+        return
+    depth, signs, before = 0, 0, "("
+    try:
+        for token in tokenize.generate_tokens(io.StringIO(source).readline):
+            if token.type == tokenize.ERRORTOKEN:
+                _fail(line, NOT_A_STATEMENT)
+            text = token.string if token.type == tokenize.OP else ""
+            depth += (text in OPENING) - (text in CLOSING)
+            signs = signs + 1 if text in SIGNS and before in OPENING | SIGNS | {",", "="} else 0
+            if depth > DEEPEST or signs > 1:
+                _fail(line, "values may not be nested, nor have more than one sign")
+            if token.type not in (tokenize.NL, tokenize.NEWLINE, tokenize.COMMENT):
+                before = text
+    except (tokenize.TokenError, SyntaxError):
+        _fail(line, NOT_A_STATEMENT)
 
 
 def _is_name(value):
@@ -153,6 +204,15 @@ def _checked_sound(line, fields):
     return fields["name"], fields["file"]
 
 
+def _in_range(number, low, high):
+    if not isinstance(number, (int, float)) or isinstance(number, bool):
+        return False
+    try:
+        return low <= float(number) <= high      # never infinity, nor too big for a float
+    except OverflowError:
+        return False
+
+
 def _checked(line, fields):
     known = {"kind", "name", "parent", "firstclass"} | set(DEFAULT_VALUES) | set(STYLE_DEFAULTS)
     unknown = set(fields) - known
@@ -166,14 +226,18 @@ def _checked(line, fields):
         _check_world_name(line, fields["name"])
     if not (fields.get("parent") is None or isinstance(fields["parent"], str)):
         _fail(line, "parent must be the name of an object above it, or None")
-    for channel, size in VALUE_LENGTHS.items():
+    for channel, (count, low, high) in VALUE_RANGES.items():
         value = fields.get(channel, DEFAULT_VALUES[channel])
-        if not (isinstance(value, (tuple, list)) and len(value) == size
-                and all(isinstance(x, (int, float)) and not isinstance(x, bool) for x in value)):
-            _fail(line, "%s must be %d numbers" % (channel, size))
+        if not (isinstance(value, tuple) and len(value) == count
+                and all(_in_range(x, low, high) for x in value)):
+            _fail(line, "%s must be %d numbers from %g to %g" % (channel, count, low, high))
+    if not any(fields.get("orientation", DEFAULT_VALUES["orientation"])):
+        _fail(line, "orientation must be a turn: four numbers, not all 0")
     for attribute, kind in STYLE_TYPES.items():
         if attribute in fields and type(fields[attribute]) is not kind:
             _fail(line, "%s must be a %s" % (attribute, kind.__name__))
+        if kind is int and not _in_range(fields.get(attribute, 0), 0, LARGEST_COUNT):
+            _fail(line, "%s must be a count from 0 to %d" % (attribute, LARGEST_COUNT))
     model_file = models.file_of(fields.get("model"))
     if model_file is not None and not _is_file_name(model_file):
         _fail(line, "a model's file must be the name of a file in the world's folder")
@@ -183,61 +247,87 @@ def _checked(line, fields):
 def read(folder):
     """The objects and sounds of the folder's scene file, checked: a list of
     field dicts, and a list of (name, file name)."""
-    path = path_in(folder)
+    objects, sounds = [], []
+    for line, source in _statements(_text(path_in(folder))):
+        form, fields = _fields(line, source)
+        if form == "Object":
+            objects.append((line, _checked(line, fields)))
+        else:
+            sounds.append((line, _checked_sound(line, fields)))
+    if not objects:
+        raise SceneFileError("%s: there is no scene in it" % FILE_NAME)
+    line, first = objects[0]
+    if first["kind"] != "scene" or first.get("parent") is not None:
+        _fail(line, "the first object must be the scene")
+    _check_names(objects, sounds)
+    return [fields for _, fields in objects], [sound for _, sound in sounds]
+
+
+def _text(path):
     try:
-        with open(path, encoding="utf-8") as f:
-            text = f.read()
+        with open(path, "rb") as f:
+            data = f.read(LARGEST_FILE + 1)
     except OSError as exc:
         raise SceneFileError("%s can't be read: %s" % (path, exc.strerror)) from None
+    if len(data) > LARGEST_FILE:
+        raise SceneFileError("%s is not a scene file: it is larger than %d MB"
+                             % (path, LARGEST_FILE // (1024 * 1024)))
     try:
-        tree = ast.parse(text, FILE_NAME)
-    except (SyntaxError, ValueError) as exc:
-        raise SceneFileError("%s is not a scene file: %s" % (path, exc)) from None
-    objects, sounds = [], []
-    for statement in tree.body:
-        line, form, fields = _fields(statement)
-        if form == "Object":
-            objects.append(_checked(line, fields))
-        else:
-            sounds.append(_checked_sound(line, fields))
-    if not objects or objects[0]["kind"] != "scene" or objects[0].get("parent") is not None:
-        raise SceneFileError("%s: the first object must be the scene" % FILE_NAME)
-    _check_names(objects, [name for name, _ in sounds])
-    return objects, sounds
+        text = data.decode("utf-8")
+    except UnicodeDecodeError as exc:
+        line = data.count(b"\n", 0, exc.start) + 1
+        raise SceneFileError("%s line %d: this is not text" % (FILE_NAME, line)) from None
+    return text.replace("\r\n", "\n").replace("\r", "\n")
 
 
-def _check_names(objects, sound_names):
+def _statements(text):
+    """(line, text) of each statement: one a line, blank lines and comments left out."""
+    count = 0
+    for line, source in enumerate(text.split("\n"), 1):
+        if not source.strip() or source.lstrip().startswith("#"):
+            continue
+        count += 1
+        if count > MOST_STATEMENTS:
+            _fail(line, "a scene holds at most %d objects and sounds" % MOST_STATEMENTS)
+        yield line, source
+
+
+def _check_names(objects, sounds):
     """Every parent comes first and every full name, of an object or a
     sound, is used once."""
-    seen = {objects[0]["name"].lower()}
-    for fields in objects[1:]:
+    seen = {objects[0][1]["name"].lower()}
+    for line, fields in objects[1:]:
         parent = str(fields.get("parent"))
         if parent.lower() not in seen:
-            raise SceneFileError("%s: %s comes before its parent %s"
-                                 % (FILE_NAME, fields["name"], parent))
+            _fail(line, "%s comes before its parent %s" % (fields["name"], parent))
         first_class = fields.get("firstclass", True)
         full = fields["name"] if first_class else parent + "." + fields["name"]
         if full.lower() in seen:
-            raise SceneFileError("%s: two objects are called %s" % (FILE_NAME, full))
+            _fail(line, "two objects are called %s" % full)
         seen.add(full.lower())
-    for name in sound_names:
+    for line, (name, _) in sounds:
         if name.lower() in seen:
-            raise SceneFileError("%s: two things are called %s" % (FILE_NAME, name))
+            _fail(line, "two things are called %s" % name)
         seen.add(name.lower())
 
 
 def load(scene, objects, folder):
     """Replaces the scene's objects with those read from the file of folder."""
     scene.start_afresh()
-    root_fields = objects[0]
-    for channel in DEFAULT_VALUES:
-        scene.backend.set(scene.root.id, channel, root_fields.get(channel, DEFAULT_VALUES[channel]))
+    for channel, value in _values(objects[0]).items():
+        scene.backend.set(scene.root.id, channel, value)
     by_name = {scene.root.name.lower(): scene.root}
     for fields in objects[1:]:
         parent = by_name[str(fields["parent"]).lower()]
         thing = scene.create(fields["kind"], fields["name"], parent,
-                             bool(fields.get("firstclass", True)),
-                             {c: tuple(fields[c]) for c in DEFAULT_VALUES if c in fields},
+                             bool(fields.get("firstclass", True)), _values(fields),
                              {a: models.within(fields[a], folder) if a == "model" else fields[a]
                               for a in STYLE_DEFAULTS if a in fields})
         by_name[thing.name.lower()] = thing
+
+
+def _values(fields):
+    """The channels of an object, its orientation made a true turn."""
+    values = dict(DEFAULT_VALUES, **{c: tuple(fields[c]) for c in DEFAULT_VALUES if c in fields})
+    values["orientation"] = g.quat_normalized(values["orientation"])
+    return values
