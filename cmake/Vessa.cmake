@@ -42,7 +42,7 @@ function(vessa_test name)
     # Every test, and its listing at build time, runs headless with a settings
     # folder, home folder and engine package of the build's own.
     set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR
-        "${CMAKE_COMMAND};-E;env;QT_QPA_PLATFORM=offscreen;XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-config;PYTHONPATH=${VESSA_PYTHON_DIR};VESSA47_HOME=${VESSA_HOME_DIR}/;ALSOFT_DRIVERS=null")
+        "${CMAKE_COMMAND};-E;env;QT_QPA_PLATFORM=offscreen;XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-config;PYTHONPATH=${VESSA_PYTHON_DIR};VESSA47_HOME=${VESSA_HOME_DIR}/;ALSOFT_DRIVERS=null;${VESSA_TEST_ENVIRONMENT}")
     include(GoogleTest)
     set(labels ${ARG_LABELS})
     if(NOT labels)
