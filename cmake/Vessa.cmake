@@ -12,7 +12,10 @@ function(vessa_target_defaults target)
     endif()
     # Qt's `slots` keyword clashes with a member name in Python's headers.
     target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS)
-    set_target_properties(${target} PROPERTIES AUTOMOC ON)
+    # The sanitized build of the readers goes without Qt.
+    if(TARGET Qt6::moc)
+        set_target_properties(${target} PROPERTIES AUTOMOC ON)
+    endif()
 endfunction()
 
 # vessa_library(name SOURCES ... LIBS ...)
