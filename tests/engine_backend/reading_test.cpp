@@ -255,6 +255,24 @@ TEST_F(ReaderProcessTest, AReadingThatStallsIsStoppedAtItsTimeLimitAndTheNextFil
     EXPECT_EQ(refusal(library, folder.file("Waiting.obj")), "");
 }
 
+TEST_F(ReaderProcessTest, APictureIsReadOnlyFromBesideItsModel) {
+    std::filesystem::create_directory(folder.file("World"));
+    samples::writeObjFile(folder.file("World"), "Lamp");
+    std::filesystem::copy_file(folder.file("World/Lamp.png"), folder.file("Outside.png"));
+    const auto wearsAPicture = [](const std::string& obj) {
+        const auto lamp = ModelLibrary().load(obj);
+        const osg::StateSet* look =
+            fullDetail(lamp->parts[1].shape.get())->asGeode()->getDrawable(0)->getStateSet();
+        return look->getTextureAttribute(0, osg::StateAttribute::TEXTURE) != nullptr;
+    };
+    EXPECT_TRUE(wearsAPicture(folder.file("World/Lamp.obj")));
+    for (const std::string& elsewhere :
+         {std::string("../Outside.png"), folder.file("Outside.png")}) {
+        std::ofstream(folder.file("World/Lamp.mtl")) << "newmtl skin\nmap_Kd " << elsewhere << "\n";
+        EXPECT_FALSE(wearsAPicture(folder.file("World/Lamp.obj"))) << elsewhere;
+    }
+}
+
 TEST_F(ReaderProcessTest, AReadingThatCrashesCostsOnlyItsFile) {
     ReaderProcess reader(ReaderProcess::defaultProgram());
     const samples::Bytes good = samples::readBytes(modelFile());

@@ -1,6 +1,7 @@
 #include "reading/budgeted_buffer.h"
 #include "reading/description.h"
 #include "reading/file_describers.h"
+#include "reading/named_files.h"
 
 #include <osg/ComputeBoundsVisitor>
 #include <osg/Geode>
@@ -26,20 +27,6 @@ namespace vessa::core {
 
 namespace {
 
-// Objects come as these; their pictures as the others.
-constexpr std::array kModelFormats = {"mdl", "obj", "3ds"};
-constexpr std::array kPictureFormats = {"png", "jpg",  "jpeg", "bmp", "tga",  "gif",
-                                        "rgb", "rgba", "sgi",  "tif", "tiff", "dds"};
-
-std::string lowerExtension(const std::string& path) {
-    std::string ext = std::filesystem::path(path).extension().string();
-    if (!ext.empty())
-        ext.erase(0, 1);
-    std::transform(ext.begin(), ext.end(), ext.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return ext;
-}
-
 // Reading a well-formed file takes each byte about once; this is plenty.
 constexpr std::size_t kReadsPerByte = 16;
 constexpr std::size_t kReadsAtLeast = std::size_t{1} << 16;
@@ -63,48 +50,6 @@ osg::ref_ptr<osg::Node> readNode(const std::string& path, const std::string& ext
     options->setDatabasePath(std::filesystem::path(path).parent_path().string());
     return reader->readNode(in, options.get()).getNode();
 }
-
-template <size_t N> bool oneOf(const std::array<const char*, N>& formats, const std::string& ext) {
-    return std::find(formats.begin(), formats.end(), ext) != formats.end();
-}
-
-// What a model file names is read only from this computer, and only as an
-// object or a picture: no addresses on the network, no archives, none of
-// OpenSceneGraph's other formats (some of which start programs).
-class LocalFilesOnly : public osgDB::ReadFileCallback {
-public:
-    using Result = osgDB::ReaderWriter::ReadResult;
-
-    Result readNode(const std::string& name, const osgDB::Options* options) override {
-        if (!local(name) || !oneOf(kModelFormats, lowerExtension(name)))
-            return Result::FILE_NOT_HANDLED;
-        return ReadFileCallback::readNode(name, options);
-    }
-    Result readImage(const std::string& name, const osgDB::Options* options) override {
-        if (!local(name) || !oneOf(kPictureFormats, lowerExtension(name)))
-            return Result::FILE_NOT_HANDLED;
-        return ReadFileCallback::readImage(name, options);
-    }
-    Result openArchive(const std::string&, osgDB::ReaderWriter::ArchiveStatus, unsigned int,
-                       const osgDB::Options*) override {
-        return Result::FILE_NOT_HANDLED;
-    }
-    Result readObject(const std::string&, const osgDB::Options*) override {
-        return Result::FILE_NOT_HANDLED;
-    }
-    Result readHeightField(const std::string&, const osgDB::Options*) override {
-        return Result::FILE_NOT_HANDLED;
-    }
-    Result readShader(const std::string&, const osgDB::Options*) override {
-        return Result::FILE_NOT_HANDLED;
-    }
-    Result readScript(const std::string&, const osgDB::Options*) override {
-        return Result::FILE_NOT_HANDLED;
-    }
-
-private:
-    static bool local(const std::string& name) { return name.find("://") == std::string::npos; }
-};
 
 bool isPlainGroup(osg::Node* node) {
     return node->asGroup() && !node->asTransform() && !node->asGeode() && !node->getStateSet() &&
@@ -471,7 +416,6 @@ ModelDescription describe(osg::Node& root, const std::string& ext) {
 
 void prepareReaders() {
     osgDB::Registry* registry = osgDB::Registry::instance();
-    registry->setReadFileCallback(new LocalFilesOnly);
     registry->getReaderWriterForExtension("osgb");
     for (const char* ext : kModelFormats)
         registry->getReaderWriterForExtension(ext);
@@ -485,6 +429,8 @@ std::string describeModelFile(const std::string& path) {
     const std::string ext = lowerExtension(path);
     if (!oneOf(kModelFormats, ext))
         return refusalAnswer(Answer::NoReader);
+    osgDB::Registry::instance()->setReadFileCallback(
+        new FilesBesideTheModel(std::filesystem::path(path).parent_path()));
     osg::ref_ptr<osg::Node> root = readNode(path, ext);
     if (!root)
         return refusalAnswer(Answer::NotRead);
