@@ -56,7 +56,11 @@ std::filesystem::path ReaderProcess::defaultProgram() {
 
 ReaderProcess::Reply ReaderProcess::read(FileKind kind, const std::string& path) {
     std::lock_guard<std::mutex> one(busy_);
-    const Request request{kind, limits_, path};
+    // The reader program keeps the folder it was started in.
+    std::error_code failed;
+    const Request request{kind, limits_, std::filesystem::absolute(path, failed).string()};
+    if (failed || request.path.size() > kMaxPathBytes)
+        return {Outcome::Failed, {}};
     // A reader program lost between two files is started once more.
     for (int attempt = 0; attempt < 2; ++attempt) {
         if (socket_ < 0 && !start())
