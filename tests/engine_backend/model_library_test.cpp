@@ -105,7 +105,7 @@ TEST_F(ModelLibraryTest, BrokenUnknownAndMissingFilesSayWhatIsWrong) {
         }
         return std::string();
     };
-    EXPECT_NE(failure("Broken.mdl").find("broken"), std::string::npos);
+    EXPECT_NE(failure("Broken.mdl").find("is damaged"), std::string::npos);
     EXPECT_NE(failure("Thing.xyz").find(".xyz"), std::string::npos);
     EXPECT_NE(failure("Nothing.obj").find("There is no object file"), std::string::npos);
     EXPECT_EQ(library.shapeFor(file("Broken.mdl") + "#0"), nullptr);

@@ -19,23 +19,24 @@ constexpr char kPartMark = '#';
 
 } // namespace
 
-ModelLibrary::ModelLibrary() = default;
+ModelLibrary::ModelLibrary(ReaderProcess& reader) : reader_(reader) {
+}
 
 std::shared_ptr<const Model> ModelLibrary::load(const std::string& path) {
-    std::error_code failed;
-    const auto written = std::filesystem::last_write_time(path, failed);
-    const auto size = failed ? 0 : std::filesystem::file_size(path, failed);
+    const auto stamp = stampOf(path);
     auto found = read_.find(path);
-    if (!failed && found != read_.end() && found->second.written == written &&
-        found->second.size == size)
-        return found->second.model;
-    osg::ref_ptr<osg::Node> root = readModelFile(path);
-    auto model = std::make_shared<Model>(
-        partsOf(root.get(), std::filesystem::path(path).stem().string(), path));
-    for (ModelPart& part : model->parts)
-        prepareShape(part);
-    read_[path] = Entry{written, size, model};
-    return model;
+    if (!stamp || found == read_.end() || !(found->second.stamp == *stamp)) {
+        Entry entry{stamp.value_or(FileStamp{}), nullptr, {}};
+        try {
+            entry.model = std::make_shared<const Model>(readModel(path, reader_));
+        } catch (const ModelError& refused) {
+            entry.failure = refused.what();
+        }
+        found = read_.insert_or_assign(path, std::move(entry)).first;
+    }
+    if (!found->second.model)
+        throw ModelError(found->second.failure);
+    return found->second.model;
 }
 
 osg::Node* ModelLibrary::shapeFor(const std::string& model) {

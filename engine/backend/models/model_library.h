@@ -1,5 +1,6 @@
 #pragma once
 
+#include "reading/reader_process.h"
 #include "scene/channels.h"
 
 #include <osg/Node>
@@ -48,17 +49,18 @@ struct StoredPart {
     int parent;
 };
 
-// Reads model files into shapes that every object made from the same file
-// shares, and writes objects as the engine's own files (.mdl: OpenSceneGraph's
-// binary format, one object with its parts as named transforms, textures
-// inside). A file read once is read again only when it changed.
+// Reads model files (through the reader program: see ReaderProcess) into
+// shapes that every object made from the same file shares, and writes
+// objects as the engine's own files (.mdl: OpenSceneGraph's binary format,
+// one object with its parts as named transforms, textures inside). A file
+// read once, or refused once, is read again only when it changed.
 //
 // Shapes are named by the engine's model references: "" a box one meter on
 // each side, "text:<words>" solid letters, "<file>#<part index>" a part of a
 // model file ("#0" the object itself).
 class ModelLibrary {
 public:
-    ModelLibrary();
+    explicit ModelLibrary(ReaderProcess& reader = ReaderProcess::shared());
 
     std::shared_ptr<const Model> load(const std::string& path); // throws ModelError
     osg::Node* shapeFor(const std::string& model);              // nullptr: draws nothing
@@ -67,10 +69,11 @@ public:
 
 private:
     struct Entry {
-        std::filesystem::file_time_type written;
-        std::uintmax_t size;
-        std::shared_ptr<const Model> model;
+        FileStamp stamp;
+        std::shared_ptr<const Model> model; // null when refused
+        std::string failure;
     };
+    ReaderProcess& reader_;
     std::unordered_map<std::string, Entry> read_;
 };
 

@@ -1,24 +1,20 @@
 #include "models/model_reading.h"
 
 #include "models/lighter_shape.h"
+#include "reading/reader_process.h"
 #include "scene/engine_frame.h"
 
-#include <osg/ComputeBoundsVisitor>
+#include <osg/BlendFunc>
 #include <osg/Geode>
 #include <osg/Geometry>
+#include <osg/Image>
 #include <osg/LOD>
 #include <osg/Material>
-#include <osg/MatrixTransform>
-#include <osg/NodeVisitor>
-#include <osg/Texture>
-#include <osg/TriangleFunctor>
-#include <osgDB/ReadFile>
-#include <osgDB/Registry>
+#include <osg/Texture2D>
 
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <vector>
+#include <limits>
+#include <map>
 
 namespace vessa::core {
 
@@ -31,100 +27,111 @@ constexpr int kLightCells = 10;
 constexpr float kFullDetailPixels = 120.0f;
 constexpr const char* kDetailName = "detail levels";
 
-std::string lowerExtension(const std::string& path) {
-    std::string ext = std::filesystem::path(path).extension().string();
-    if (!ext.empty())
-        ext.erase(0, 1);
-    std::transform(ext.begin(), ext.end(), ext.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return ext;
+std::string damaged(const std::string& path) {
+    return path + " is damaged, or is not an object Vessa47 can read";
 }
 
-// The engine's own files are OpenSceneGraph's binary format under another
-// name (and OpenSceneGraph knows an unrelated .mdl format), so they go to
-// the osgb reader directly.
-osg::ref_ptr<osg::Node> readEngineFile(const std::string& path) {
-    osgDB::ReaderWriter* osgb = osgDB::Registry::instance()->getReaderWriterForExtension("osgb");
-    std::ifstream in(path, std::ios::binary);
-    if (!osgb || !in)
-        return nullptr;
-    return osgb->readNode(in).getNode();
+osg::Vec4 vec4(const std::array<float, 4>& c) {
+    return {c[0], c[1], c[2], c[3]};
 }
 
-struct TriangleCount {
-    int triangles = 0;
-    void operator()(const osg::Vec3&, const osg::Vec3&, const osg::Vec3&) { ++triangles; }
-};
+osg::ref_ptr<osg::Texture2D> textureFrom(const TextureDescription& picture) {
+    osg::ref_ptr<osg::Image> image = new osg::Image;
+    image->allocateImage(static_cast<int>(picture.width), static_cast<int>(picture.height), 1,
+                         GL_RGBA, GL_UNSIGNED_BYTE);
+    std::copy(picture.rgba.begin(), picture.rgba.end(), image->data());
+    osg::ref_ptr<osg::Texture2D> texture = new osg::Texture2D(image.get());
+    texture->setWrap(osg::Texture::WRAP_S, osg::Texture::REPEAT);
+    texture->setWrap(osg::Texture::WRAP_T, osg::Texture::REPEAT);
+    return texture;
+}
 
-// Counts vertices and faces, gives every geometry a colour of its own for
-// when it is drawn unlit (its material's, else white), and drops textures
-// whose picture could not be read, so such shapes draw untextured.
-class ShapePreparer : public osg::NodeVisitor {
+// One state set per look, shared by every mesh of the model that has it.
+class Looks {
 public:
-    ShapePreparer() : osg::NodeVisitor(TRAVERSE_ALL_CHILDREN) {}
-
-    void apply(osg::Node& node) override {
-        const bool pushed = enter(node.getStateSet());
-        traverse(node);
-        if (pushed)
-            materials_.pop_back();
+    explicit Looks(const std::vector<TextureDescription>& pictures) {
+        for (const TextureDescription& picture : pictures)
+            textures_.push_back(textureFrom(picture));
     }
 
-    void apply(osg::Drawable& drawable) override {
-        const bool pushed = enter(drawable.getStateSet());
-        if (osg::Geometry* geometry = drawable.asGeometry())
-            prepare(*geometry);
-        if (pushed)
-            materials_.pop_back();
+    osg::StateSet* of(const LookDescription& look) {
+        osg::ref_ptr<osg::StateSet>& state = states_[look];
+        if (state)
+            return state.get();
+        state = new osg::StateSet;
+        if (look.hasMaterial) {
+            auto* material = new osg::Material;
+            material->setDiffuse(osg::Material::FRONT_AND_BACK, vec4(look.diffuse));
+            material->setAmbient(osg::Material::FRONT_AND_BACK, vec4(look.ambient));
+            material->setSpecular(osg::Material::FRONT_AND_BACK, vec4(look.specular));
+            material->setEmission(osg::Material::FRONT_AND_BACK, vec4(look.emission));
+            material->setShininess(osg::Material::FRONT_AND_BACK, look.shininess);
+            if (look.litVertexColors)
+                material->setColorMode(osg::Material::AMBIENT_AND_DIFFUSE);
+            state->setAttribute(material);
+        }
+        if (look.texture >= 0)
+            state->setTextureAttributeAndModes(0,
+                                               textures_[static_cast<size_t>(look.texture)].get());
+        if (look.blended) {
+            state->setAttributeAndModes(new osg::BlendFunc);
+            state->setRenderingHint(osg::StateSet::TRANSPARENT_BIN);
+        }
+        return state.get();
     }
-
-    int vertices = 0;
-    int faces = 0;
 
 private:
-    bool enter(osg::StateSet* look) {
-        if (!look)
-            return false;
-        for (unsigned int unit = 0; unit < look->getTextureAttributeList().size(); ++unit) {
-            auto* texture = dynamic_cast<osg::Texture*>(
-                look->getTextureAttribute(unit, osg::StateAttribute::TEXTURE));
-            if (texture && texture->getNumImages() > 0 && !texture->getImage(0)) {
-                look->removeTextureAttribute(unit, texture);
-                look->removeTextureMode(unit, GL_TEXTURE_2D);
-            }
-        }
-        auto* material =
-            dynamic_cast<osg::Material*>(look->getAttribute(osg::StateAttribute::MATERIAL));
-        if (!material)
-            return false;
-        materials_.push_back(material);
-        return true;
-    }
-
-    void prepare(osg::Geometry& geometry) {
-        if (const osg::Array* points = geometry.getVertexArray())
-            vertices += static_cast<int>(points->getNumElements());
-        osg::TriangleFunctor<TriangleCount> count;
-        geometry.accept(count);
-        faces += count.triangles;
-        if (!geometry.getColorArray()) {
-            const osg::Vec4 color = materials_.empty()
-                                        ? osg::Vec4(1, 1, 1, 1)
-                                        : materials_.back()->getDiffuse(osg::Material::FRONT);
-            geometry.setColorArray(new osg::Vec4Array(1, &color), osg::Array::BIND_OVERALL);
-        }
-    }
-
-    std::vector<osg::Material*> materials_;
+    std::vector<osg::ref_ptr<osg::Texture2D>> textures_;
+    std::map<LookDescription, osg::ref_ptr<osg::StateSet>> states_;
 };
+
+template <typename Array, size_t Width>
+osg::ref_ptr<Array> arrayOf(const std::vector<float>& numbers) {
+    osg::ref_ptr<Array> array = new Array(static_cast<unsigned int>(numbers.size() / Width));
+    for (size_t i = 0; i < array->size(); ++i) {
+        for (size_t k = 0; k < Width; ++k)
+            (*array)[i][static_cast<int>(k)] = numbers[i * Width + k];
+    }
+    return array;
+}
+
+osg::Array::Binding bindingOf(size_t numbers, size_t width) {
+    return numbers == width ? osg::Array::BIND_OVERALL : osg::Array::BIND_PER_VERTEX;
+}
+
+// A mesh without colours of its own gets its material's (else white), so
+// that it keeps its colour when drawn unlit.
+osg::ref_ptr<osg::Geometry> geometryFrom(const MeshDescription& mesh, Looks& looks) {
+    osg::ref_ptr<osg::Geometry> geometry = new osg::Geometry;
+    geometry->setVertexArray(arrayOf<osg::Vec3Array, 3>(mesh.positions));
+    if (!mesh.normals.empty())
+        geometry->setNormalArray(arrayOf<osg::Vec3Array, 3>(mesh.normals),
+                                 bindingOf(mesh.normals.size(), 3));
+    if (!mesh.colors.empty()) {
+        geometry->setColorArray(arrayOf<osg::Vec4Array, 4>(mesh.colors),
+                                bindingOf(mesh.colors.size(), 4));
+    } else {
+        const osg::Vec4 color =
+            mesh.look.hasMaterial ? vec4(mesh.look.diffuse) : osg::Vec4(1, 1, 1, 1);
+        geometry->setColorArray(new osg::Vec4Array(1, &color), osg::Array::BIND_OVERALL);
+    }
+    if (!mesh.texCoords.empty())
+        geometry->setTexCoordArray(0, arrayOf<osg::Vec2Array, 2>(mesh.texCoords),
+                                   osg::Array::BIND_PER_VERTEX);
+    if (!mesh.triangles.empty())
+        geometry->addPrimitiveSet(
+            new osg::DrawElementsUInt(GL_TRIANGLES, mesh.triangles.begin(), mesh.triangles.end()));
+    geometry->setStateSet(looks.of(mesh.look));
+    return geometry;
+}
 
 // The lighter copy is drawn while the shape covers fewer pixels than
 // kFullDetailPixels, which is how a crowd of objects stays quick to draw.
-osg::Node* withDetailLevels(osg::Node* shape, int faces) {
+osg::ref_ptr<osg::Node> withDetailLevels(osg::Node* shape, int faces) {
     if (faces <= kSimplifyAbove)
         return shape;
     osg::ref_ptr<osg::Node> light = lighterShape(shape, kLightCells);
-    auto* levels = new osg::LOD;
+    osg::ref_ptr<osg::LOD> levels = new osg::LOD;
     levels->setName(kDetailName);
     levels->setRangeMode(osg::LOD::PIXEL_SIZE_ON_SCREEN);
     levels->addChild(shape, kFullDetailPixels, std::numeric_limits<float>::max());
@@ -132,137 +139,67 @@ osg::Node* withDetailLevels(osg::Node* shape, int faces) {
     return levels;
 }
 
-bool isPlainGroup(osg::Node* node) {
-    return node->asGroup() && !node->asTransform() && !node->asGeode() && !node->getStateSet() &&
-           std::string(node->className()) == "Group";
+ModelPart partFrom(const PartDescription& description, Looks& looks) {
+    ModelPart part;
+    part.name = description.name;
+    part.parent = description.parent;
+    const auto& [x, y, z] = description.position;
+    part.position = fromOsgPoint({x, y, z});
+    const auto& r = description.rotation;
+    part.orientation = quatNormalized(fromOsgRotation(osg::Quat(r[0], r[1], r[2], r[3])));
+    osg::ref_ptr<osg::Geode> shape = new osg::Geode;
+    for (const MeshDescription& mesh : description.meshes) {
+        shape->addDrawable(geometryFrom(mesh, looks));
+        part.vertices += static_cast<int>(mesh.positions.size() / 3);
+        part.faces += static_cast<int>(mesh.triangles.size() / 3);
+    }
+    shape->setDataVariance(osg::Object::STATIC);
+    part.shape = withDetailLevels(shape.get(), part.faces);
+    return part;
 }
-
-osg::MatrixTransform* namedTransform(osg::Node* node) {
-    osg::Transform* transform = node->asTransform();
-    osg::MatrixTransform* matrix = transform ? transform->asMatrixTransform() : nullptr;
-    return matrix && !matrix->getName().empty() ? matrix : nullptr;
-}
-
-// Takes a graph apart at its named transforms. Every part's shape and place
-// are given in the engine's standing frame, which differs from the file's by
-// the rotation frame (.3ds files stand on z, the engine stands on y): with
-// geometry g, a part matrix M and the frame R, g M R = (g R)(R^-1 M R).
-class Splitter {
-public:
-    Splitter(Model& model, bool geodesAreParts, const osg::Matrixd& frame)
-        : model_(model), geodesAreParts_(geodesAreParts), frame_(frame),
-          unframe_(osg::Matrixd::inverse(frame)) {}
-
-    int addPart(const std::string& name, int parent, const osg::Matrixd& place,
-                osg::StateSet* look) {
-        osg::Vec3d translation, scale;
-        osg::Quat rotation, scaleOrientation;
-        (unframe_ * place * frame_).decompose(translation, rotation, scale, scaleOrientation);
-        ModelPart part;
-        part.name = name;
-        part.parent = parent;
-        part.position = fromOsgPoint(translation);
-        part.orientation = fromOsgRotation(rotation);
-        const osg::Matrixd shaping = frame_ * osg::Matrixd::scale(scale);
-        osg::ref_ptr<osg::Group> shape;
-        if (shaping.isIdentity())
-            shape = new osg::Group;
-        else
-            shape = new osg::MatrixTransform(shaping);
-        // A part's state (its material, say) reaches its sub-parts, as in the file.
-        shape->setStateSet(look ? look : parent >= 0 ? shapeOf(parent)->getStateSet() : nullptr);
-        part.shape = shape;
-        model_.parts.push_back(part);
-        return static_cast<int>(model_.parts.size()) - 1;
-    }
-
-    void collect(osg::Group& group, int part) {
-        for (unsigned int i = 0; i < group.getNumChildren(); ++i) {
-            osg::Node* child = group.getChild(i);
-            if (osg::MatrixTransform* transform = namedTransform(child)) {
-                const int added = addPart(transform->getName(), part, transform->getMatrix(),
-                                          transform->getStateSet());
-                collect(*transform, added);
-            } else if (geodesAreParts_ && child->asGeode() && !child->getName().empty()) {
-                addPivotedGeode(*child->asGeode(), part);
-            } else if (isPlainGroup(child)) {
-                collect(*child->asGroup(), part);
-            } else {
-                shapeOf(part)->addChild(child);
-            }
-        }
-    }
-
-private:
-    osg::Group* shapeOf(int part) {
-        return model_.parts[static_cast<size_t>(part)].shape->asGroup();
-    }
-
-    // A named piece of a file without transforms turns about its middle.
-    void addPivotedGeode(osg::Geode& geode, int parent) {
-        osg::ComputeBoundsVisitor measure;
-        geode.accept(measure);
-        const osg::Vec3d center = measure.getBoundingBox().valid()
-                                      ? osg::Vec3d(measure.getBoundingBox().center())
-                                      : osg::Vec3d();
-        const int part = addPart(geode.getName(), parent, osg::Matrixd::translate(center), nullptr);
-        auto* back = new osg::MatrixTransform(osg::Matrixd::translate(-center));
-        back->addChild(&geode);
-        shapeOf(part)->addChild(back);
-    }
-
-    Model& model_;
-    bool geodesAreParts_;
-    osg::Matrixd frame_;
-    osg::Matrixd unframe_;
-};
 
 } // namespace
 
-osg::ref_ptr<osg::Node> readModelFile(const std::string& path) {
-    if (!std::filesystem::is_regular_file(path))
-        throw ModelError("There is no object file " + path);
-    const std::string ext = lowerExtension(path);
-    osg::ref_ptr<osg::Node> node;
-    if (ext == "mdl") {
-        node = readEngineFile(path);
-    } else {
-        if (!osgDB::Registry::instance()->getReaderWriterForExtension(ext))
-            throw ModelError("Vessa47 can't read ." + ext +
-                             " files; objects come as .mdl, .obj or .3ds files");
-        // The OBJ reader would turn y-up models onto their backs.
-        osg::ref_ptr<osgDB::Options> options = new osgDB::Options("noRotation");
-        node = osgDB::readRefNodeFile(path, options.get());
-    }
-    if (!node)
-        throw ModelError(path + " is not an object Vessa47 can read: the file is broken or of "
-                                "another kind");
-    return node;
-}
-
-Model partsOf(osg::Node* root, const std::string& fallbackName, const std::string& path) {
+Model modelFrom(const ModelDescription& description, const std::string& fallbackName) {
     Model model;
-    model.name = root->getName().empty() ? fallbackName : root->getName();
-    const std::string ext = lowerExtension(path);
-    const osg::Matrixd frame = ext == "3ds" ? osg::Matrixd::rotate(-osg::PI_2, osg::Vec3d(1, 0, 0))
-                                            : osg::Matrixd::identity();
-    // Files of other programs name their pieces but seldom give them pivots.
-    Splitter splitter(model, ext != "mdl", frame);
-    splitter.addPart(model.name, -1, osg::Matrixd::identity(), root->getStateSet());
-    if (root->asGroup() && std::string(root->className()) == "Group")
-        splitter.collect(*root->asGroup(), 0);
-    else
-        model.parts[0].shape->asGroup()->addChild(root);
+    model.name = description.name.empty() ? fallbackName : description.name;
+    Looks looks(description.textures);
+    for (const PartDescription& part : description.parts)
+        model.parts.push_back(partFrom(part, looks));
+    model.parts.front().name = model.name;
     return model;
 }
 
-void prepareShape(ModelPart& part) {
-    ShapePreparer preparer;
-    part.shape->accept(preparer);
-    part.vertices = preparer.vertices;
-    part.faces = preparer.faces;
-    part.shape->setDataVariance(osg::Object::STATIC);
-    part.shape = withDetailLevels(part.shape.get(), part.faces);
+Model readModel(const std::string& path, ReaderProcess& reader) {
+    if (!stampOf(path))
+        throw ModelError("There is no object file " + path);
+    const ReaderProcess::Reply reply = reader.read(FileKind::Model, path);
+    const auto answer = answerKind(reply.answer);
+    switch (reply.outcome) {
+    case Outcome::Lost:
+        throw ModelError("Vessa47 can't read object files: its file reader is missing or "
+                         "could not start");
+    case Outcome::TookTooLong:
+        throw ModelError(path + " took too long to read: it is damaged, or is not an object "
+                                "Vessa47 can read");
+    case Outcome::TooBig:
+        throw ModelError(path + " is too big for Vessa47 to read");
+    case Outcome::Failed:
+        throw ModelError(damaged(path));
+    case Outcome::Answered:
+        break;
+    }
+    if (answer == Answer::NoReader) {
+        const std::string ext = std::filesystem::path(path).extension().string();
+        throw ModelError("Vessa47 can't read " + (ext.empty() ? path : ext) +
+                         " files; objects come as .mdl, .obj or .3ds files");
+    }
+    if (answer == Answer::TooBig)
+        throw ModelError(path + " is too big for Vessa47 to read");
+    const auto description = decodeModel(reply.answer);
+    if (!description)
+        throw ModelError(damaged(path));
+    return modelFrom(*description, std::filesystem::path(path).stem().string());
 }
 
 osg::Node* fullDetail(osg::Node* shape) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "models/model_library.h"
+#include "reading/description.h"
 
 #include <osg/Node>
 
@@ -8,14 +9,18 @@
 
 namespace vessa::core {
 
-// The steps of reading a model: the file into OpenSceneGraph, the graph
-// into parts, each part's shape made ready to be drawn by the view.
-osg::ref_ptr<osg::Node> readModelFile(const std::string& path); // throws ModelError
-// path says what kind of file the graph came from.
-Model partsOf(osg::Node* root, const std::string& fallbackName, const std::string& path);
-void prepareShape(ModelPart& part);
+class ReaderProcess;
 
-// The full-detail shape inside what prepareShape made of it.
+// A model file read by the reader program (reading/), its description
+// checked and made into parts whose shapes are ready to be drawn.
+Model readModel(const std::string& path, ReaderProcess& reader); // throws ModelError
+
+// The parts of a checked description, each with a shape made of its meshes
+// (and a lighter copy of a big shape for when it is small on screen).
+// fallbackName names a model whose file gives it no name.
+Model modelFrom(const ModelDescription& description, const std::string& fallbackName);
+
+// The full-detail shape inside what modelFrom made of it.
 osg::Node* fullDetail(osg::Node* shape);
 
 } // namespace vessa::core

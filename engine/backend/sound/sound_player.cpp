@@ -2,10 +2,10 @@
 
 #include <AL/al.h>
 #include <AL/alext.h>
-#include <sndfile.h>
+
+#include "reading/description.h"
 
 #include <algorithm>
-#include <filesystem>
 
 namespace vessa::core {
 
@@ -21,7 +21,7 @@ ALCdevice* openLoopback() {
 
 } // namespace
 
-SoundPlayer::SoundPlayer(Output output) {
+SoundPlayer::SoundPlayer(Output output, ReaderProcess& reader) : reader_(reader) {
     device_ = output == Output::Loopback ? openLoopback() : alcOpenDevice(nullptr);
     if (!device_)
         return;
@@ -66,37 +66,48 @@ SoundPlayer& SoundPlayer::shared() {
 
 SoundPlayer::Clip SoundPlayer::read(const std::string& path) {
     Clip clip;
-    if (!std::filesystem::is_regular_file(path)) {
+    clip.stamp = stampOf(path);
+    if (!clip.stamp) {
         clip.failure = "There is no sound file " + path;
         return clip;
     }
-    SF_INFO info{};
-    SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
-    if (!file || info.channels < 1 || info.channels > 2) {
-        if (file)
-            sf_close(file);
-        clip.failure = path + " is not a sound Vessa47 can play: the file is broken, of another "
-                              "kind, or has more than two channels";
+    const ReaderProcess::Reply reply = reader_.read(FileKind::Sound, path);
+    const auto sound =
+        reply.outcome == Outcome::Answered ? decodeSound(reply.answer) : std::nullopt;
+    if (!sound) {
+        clip.failure = refusal(path, reply);
         return clip;
     }
-    std::vector<short> samples(static_cast<size_t>(info.frames * info.channels));
-    const sf_count_t frames = sf_readf_short(file, samples.data(), info.frames);
-    sf_close(file);
-    clip.seconds = static_cast<double>(frames) / info.samplerate;
+    clip.seconds = static_cast<double>(sound->samples.size() / sound->channels) / sound->rate;
     if (context_) {
         alcMakeContextCurrent(context_);
         alGenBuffers(1, &clip.buffer);
-        alBufferData(
-            clip.buffer, info.channels == 1 ? AL_FORMAT_MONO16 : AL_FORMAT_STEREO16, samples.data(),
-            static_cast<ALsizei>(frames * info.channels * static_cast<sf_count_t>(sizeof(short))),
-            info.samplerate);
+        alBufferData(clip.buffer, sound->channels == 1 ? AL_FORMAT_MONO16 : AL_FORMAT_STEREO16,
+                     sound->samples.data(),
+                     static_cast<ALsizei>(sound->samples.size() * sizeof(std::int16_t)),
+                     static_cast<ALsizei>(sound->rate));
     }
     return clip;
 }
 
+std::string SoundPlayer::refusal(const std::string& path, const ReaderProcess::Reply& reply) const {
+    const auto answer = answerKind(reply.answer);
+    if (reply.outcome == Outcome::Lost)
+        return "Vessa47 can't play sounds: its file reader is missing or could not start";
+    if (reply.outcome == Outcome::TookTooLong)
+        return path + " took too long to read: it is damaged, or is not a sound Vessa47 can play";
+    if (reply.outcome == Outcome::TooBig || answer == Answer::TooBig)
+        return path + " is too long for Vessa47 to play";
+    if (answer == Answer::TooManyChannels)
+        return path + " has more than two channels: Vessa47 plays sounds of one or two channels";
+    return path + " is damaged, or is not a sound Vessa47 can play";
+}
+
+// A sound that was refused is read again once its file has changed.
 const SoundPlayer::Clip& SoundPlayer::clip(const std::string& path) {
     auto found = clips_.find(path);
-    if (found == clips_.end() || !found->second.failure.empty())
+    if (found == clips_.end() || (!found->second.failure.empty() &&
+                                  (!found->second.stamp || found->second.stamp != stampOf(path))))
         found = clips_.insert_or_assign(path, read(path)).first;
     return found->second;
 }

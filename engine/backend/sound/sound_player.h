@@ -1,16 +1,21 @@
 #pragma once
 
+#include "reading/reader_process.h"
+
 #include <AL/alc.h>
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace vessa::core {
 
-// Plays sound files (.wav and what else libsndfile reads) through OpenAL.
-// Without a sound device (no card, ALSOFT_DRIVERS=null in CI) it still
-// reads and checks files, and plays nothing. A loopback player mixes into
+// Plays sound files (.wav and what else libsndfile reads, read by the
+// reader program: see ReaderProcess) through OpenAL. Without a sound device
+// (no card, ALSOFT_DRIVERS=null in CI) it still reads and checks files, and
+// plays nothing. A file read once, or refused once, is read again only when
+// it changed. A loopback player mixes into
 // memory instead of a device, so that tests can hear what was played.
 //
 // The player owns its device, context, sources and the buffers of every
@@ -20,7 +25,7 @@ class SoundPlayer {
 public:
     enum class Output { Device, Loopback };
 
-    explicit SoundPlayer(Output output);
+    explicit SoundPlayer(Output output, ReaderProcess& reader = ReaderProcess::shared());
     ~SoundPlayer();
     SoundPlayer(const SoundPlayer&) = delete;
     SoundPlayer& operator=(const SoundPlayer&) = delete;
@@ -44,11 +49,14 @@ private:
         unsigned int buffer = 0; // 0 when nothing can be heard
         double seconds = 0.0;
         std::string failure;
+        std::optional<FileStamp> stamp;
     };
     const Clip& clip(const std::string& path);
     Clip read(const std::string& path);
+    std::string refusal(const std::string& path, const ReaderProcess::Reply& reply) const;
     unsigned int freeSource();
 
+    ReaderProcess& reader_;
     ALCdevice* device_ = nullptr;
     ALCcontext* context_ = nullptr;
     std::vector<unsigned int> sources_;

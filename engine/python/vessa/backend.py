@@ -310,11 +310,14 @@ class PythonBackend:
     def load_sound(self, path):
         try:
             with wave.open(path, "rb") as sound:
-                sound.getnframes()
+                channels = sound.getnchannels()
         except FileNotFoundError:
             return "There is no sound file %s" % path
-        except (OSError, EOFError, wave.Error):
-            return "%s is not a sound Vessa47 can play: the file is broken or of another kind" % path
+        except Exception:   # whatever the reader makes of bytes it can't follow
+            return "%s is damaged, or is not a sound Vessa47 can play" % path
+        if channels > 2:
+            return ("%s has more than two channels: Vessa47 plays sounds of one or two channels"
+                    % path)
         return None
 
     def play_sound(self, path, volume=1.0):

@@ -212,7 +212,9 @@ class Interpreter:
 
     def LoadWorld(self, folder):
         """Replaces the scene with the folder's World_Scene.py. A file that is
-        not a scene file changes nothing and is reported as an error."""
+        not a scene file changes nothing and is reported as an error; model
+        and sound files that can't be read are reported as output, and what
+        uses them stays, unseen or silent."""
         folder = str(folder)
         try:
             objects, sounds = scenefile.read(folder)
@@ -224,6 +226,8 @@ class Interpreter:
         with self.undo.quiet():
             scenefile.load(self.scene, objects, folder)
             self.sounds.load(sounds, folder)
+        for failure in models.unreadable(self.scene.living(), self.backend):
+            self._queue.write("output", failure + "\n")
         self.undo.truncate(0)
         self.handbasket.forget()
         self.scene.root.responses.restore({})

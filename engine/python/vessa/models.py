@@ -70,6 +70,18 @@ def add_object(scene, path, where, facing):
     return None
 
 
+def unreadable(things, backend):
+    """Why each model file that things are drawn with can't be read, once
+    per file: such things stay in the scene, drawn with nothing."""
+    failures = []
+    for path in sorted({file_of(thing.model) for thing in things} - {None}):
+        try:
+            backend.load_model(path)
+        except ValueError as exc:
+            failures.append(str(exc))
+    return failures
+
+
 def add_text(scene, words, where, facing):
     """Solid letters on the front of an object named after the words."""
     name = valid_name(words, "Text")[:24] or "Text"
