@@ -80,4 +80,8 @@ TEST(WorldsFromTheEngine, ObjectsAndPartsComeUnderTheirOwners) {
          QStringLiteral("Object(kind='light', name='Lamp', parent='Camera', firstclass=False)")});
     EXPECT_EQ(e.objectTree(), (QStringList{QStringLiteral("Scene"), QStringLiteral("  Camera"),
                                            QStringLiteral("    Lamp")}));
+    // An object wears its kind's image, a part the part form of it.
+    const TreeNode* camera = e.world.trees().ObjectTree.FirstRoot()->Child();
+    EXPECT_EQ(camera->Image(), object_images::Camera);
+    EXPECT_EQ(camera->Child()->Image(), object_images::Light - 1);
 }

@@ -337,6 +337,10 @@ class Scene:
             self._queue.add_tree(records.object_parent_change(thing.id, self.none_id,
                                                               thing.parent.id))
         self._queue.add_tree(records.object_name_change(thing.id, "", thing.name))
+        # A part is drawn in the tree with its kind's part image.
+        if not thing.first_class and thing.parent is not None:
+            self._queue.add_tree(records.object_first_class_or_part_change(
+                thing.id, thing.name, False))
 
     def start_afresh(self):
         """Forgets every object but the scene itself, with no record for
