@@ -17,7 +17,7 @@ from .clock import WallClock
 from .handbasket import Handbasket
 from .recent import RecentFiles
 from .records import DifferenceQueue
-from .runner import CodeRunner, is_user_code
+from .runner import CodeRunner
 from .scene import Scene
 from .undo import UndoStack
 from .viewinput import ViewInput
@@ -41,12 +41,13 @@ class Interpreter:
         """clock and backend are for tests; the backend is otherwise the
         compiled one when it can be imported (backend.create())."""
         compat.install()
+        clock = clock or WallClock()
         self._queue = DifferenceQueue()
-        self._watchdog = Watchdog(is_user_code)
+        self._watchdog = Watchdog(clock)
         self._recent = RecentFiles()
         self._home = places.home_dir()
         self._dirty = False
-        self.animator = Animator(backend or backends.create(), clock or WallClock(),
+        self.animator = Animator(backend or backends.create(), clock,
                                  lambda active: self._queue.add_misc(records.active_changed(active)))
         self.undo = UndoStack(lambda empty: self._queue.add_misc(records.undo_empty_change(empty)))
         self.scene = Scene(self._queue, self.animator.backend, self.animator, self._mark_dirty)

@@ -4,7 +4,7 @@ import linecache
 import traceback
 
 from .mistakes import Mistake
-from .watchdog import CodeTookTooLong
+from .watchdog import CodeStopped
 
 NO_LINE = "-1"
 
@@ -17,7 +17,7 @@ def remember_source(tag, text):
 
 def novice_message(exc):
     """One line a beginner can read, e.g. "NameError: name 'Bunyy' is not defined"."""
-    if isinstance(exc, (CodeTookTooLong, Mistake)):
+    if isinstance(exc, (CodeStopped, Mistake)):
         return str(exc)
     text = exc.msg if isinstance(exc, SyntaxError) else str(exc)
     name = type(exc).__name__

@@ -1,70 +1,107 @@
-"""Stops user code that runs too long inside one engine call.
+"""Stops the user's code that runs too long or takes too much memory inside one
+engine call, so that it is told to the user like any error in their code.
 
-One persistent thread looks every POLL_SECONDS at the run in progress; arming
-and disarming a run is a few assignments, so engine calls stay cheap.
+A run is the user's code called by the engine (the CodeRunner enters the
+watchdog around it); arming and disarming one is a few assignments, so engine
+calls stay cheap. One thread waits for the deadline of the run in progress; a
+ManualClock instead tells the watchdog each time it is advanced, so a test
+knows exactly when the limit passes. At the limit the stopper (stopper.py)
+makes every line and instruction of the user's frames raise CodeTookTooLong.
+Going past the memory budget (budget.py) stops the run the same way, with
+CodeTookTooMuchMemory, and a MemoryError that ends a run is told in the same
+words.
 
-How a run is stopped: while user code runs, a global trace function is
-installed that does nothing until a stop is requested (new frames get no local
-tracer). When the limit passes, the watchdog thread gives every user frame of
-the running thread a local tracer with opcode events on. At its next
-instruction a user frame raises CodeTookTooLong. That exception derives from
-BaseException so `except Exception:` lets it through, and it is only ever
-raised inside user frames (frames compiled from one of the user's source
-tags), never in the engine's own code.
+Both derive from BaseException, so `except Exception:` lets them through, and
+whatever else catches them, the next instruction of the user's code raises
+again. They are raised only in the user's frames, never in the engine's own
+code. While a run is being stopped, the recursion limit has some room more, so
+that the tracers never meet it.
 
-Python removes the trace function when a tracer raises. User code with a bare
-`except:` would then swallow the stop and carry on untraced, so when the
-swallowed exception is freed (its __del__ runs in the running thread) it puts
-the tracers back, and the next instruction raises again, until the exception
-leaves the user's code. A user who keeps the exception object alive inside a
-loop defeats this; such code must be stopped by closing the program.
-
-Blocking calls (time.sleep, input) are not interrupted. Where no thread can be
-started (a browser build of Python) the watchdog is off.
+Blocking calls (time.sleep, input) are not interrupted: the stop comes when
+they return. Where no thread can be started (a browser build of Python) the
+watchdog is off.
 """
 
 import sys
-import time
+
+from . import budget, stopper
 
 try:
     import threading
 except ImportError:     # a Python built without thread support
     threading = None
 
-POLL_SECONDS = 0.1
 DEFAULT_SECONDS = 5.0
+REPEAT_SECONDS = 0.1        # a pure-Python stop is asked for again this often
+RECURSION_HEADROOM = 200
+TIME, MEMORY = "time", "memory"
+MEMORY_MESSAGE = "your code asked for too much memory"
 
 
-class CodeTookTooLong(BaseException):
+class CodeStopped(BaseException):
+    """The engine stopped the user's code; the message says why."""
+
+
+class CodeTookTooLong(CodeStopped):
     """Raised in user code that ran longer than the watchdog's limit."""
 
-    watchdog = None
 
-    def __del__(self):
-        if self.watchdog is not None:
-            self.watchdog.rearm_after_swallow()
+class CodeTookTooMuchMemory(CodeStopped):
+    """Raised in user code that asked for more memory than its budget."""
+
+
+def _first_stop(exc):
+    """Code that catches a stop is stopped again in its handler; the first stop
+    is where the code was when it was stopped: the line the user is told.
+    None when exc is no stop."""
+    if not isinstance(exc, CodeStopped):
+        return None
+    while isinstance(exc.__context__, CodeStopped):
+        exc = exc.__context__
+    return exc
+
+
+def _drop_repeated_entries(traceback):
+    """CPython notes a frame twice when a Python trace function raises in it."""
+    while traceback is not None and traceback.tb_next is not None:
+        following = traceback.tb_next
+        if following.tb_frame is traceback.tb_frame and following.tb_lasti == traceback.tb_lasti:
+            traceback.tb_next = following.tb_next
+        else:
+            traceback = following
 
 
 class _Run:
-    __slots__ = ("thread_id", "deadline", "previous_tracer")
+    __slots__ = ("thread_id", "deadline", "counted", "stopping", "tracer", "recursion_limit")
 
-    def __init__(self, thread_id, deadline, previous_tracer):
+    def __init__(self, thread_id, deadline, counted):
         self.thread_id = thread_id
         self.deadline = deadline
-        self.previous_tracer = previous_tracer
+        self.counted = counted
+        self.stopping = None        # TIME or MEMORY once a stop was asked for
+        self.tracer = sys.gettrace()
+        self.recursion_limit = None
 
 
 class Watchdog:
-    def __init__(self, is_user_code, seconds=DEFAULT_SECONDS):
-        """is_user_code(code) tells whether a code object is the user's."""
+    def __init__(self, clock, after_run=None, seconds=DEFAULT_SECONDS,
+                 budget_bytes=budget.DEFAULT_BYTES):
+        """after_run() is called when the user's code has finished, whatever
+        its end. budget_bytes 0 means no memory budget."""
         self.seconds = seconds
-        self._is_user_code = is_user_code
+        self.budget_bytes = budget_bytes
+        self._clock = clock
+        self._after_run = after_run
+        self._stopper = stopper.create()
+        self._budget = budget.create()
         self._run = None
-        self._stopping = False
-        self._lock = threading.Lock() if threading else None
-        self._closed = None
+        self._closed = False
         self._thread = None
-        self._start_thread()
+        if threading is not None:
+            self._lock = threading.Lock()
+            self._wake = threading.Event()
+            self._start_thread()
+        clock.on_advance(self._check)
 
     @property
     def enabled(self):
@@ -76,60 +113,71 @@ class Watchdog:
     # -- the running thread -------------------------------------------------
 
     def __enter__(self):
-        if self.enabled and self._run is None:
-            self._run = _Run(threading.get_ident(), time.monotonic() + self.seconds,
-                             sys.gettrace())
-            sys.settrace(self._on_call)
-            return True
-        return False    # off, or nested inside a run that is already guarded
+        if not self.enabled or self._run is not None:
+            return False    # off, or nested inside a run that is already watched
+        thread_id = threading.get_ident()
+        if not self._stopper.can_stop(thread_id):
+            return False
+        self._stopper.prepare()
+        run = _Run(thread_id, self._clock.now() + self.seconds, self.budget_bytes > 0)
+        if run.counted:
+            self._budget.begin(self.budget_bytes, self._over_budget)
+        self._run = run
+        self._wake.set()
+        return True
 
-    def __exit__(self, *exc_info):
+    def __exit__(self, exc_type, exc, traceback):
         run = self._run
         if run is None or run.thread_id != threading.get_ident():
             return False
         with self._lock:
             self._run = None
-            self._stopping = False
-        sys.settrace(run.previous_tracer)
+            stopping = run.stopping
+        if run.counted:
+            self._budget.end()
+        if stopping:
+            self._stopper.release()
+            sys.settrace(run.tracer)
+            sys.setrecursionlimit(run.recursion_limit)
+        if self._after_run is not None:
+            self._after_run()
+        if isinstance(exc, MemoryError):
+            raise CodeTookTooMuchMemory(MEMORY_MESSAGE).with_traceback(traceback) from None
+        first = _first_stop(exc)
+        if first is not None:
+            _drop_repeated_entries(first.__traceback__)
+        if first is not None and first is not exc:
+            raise first from None
         return False
 
-    def rearm_after_swallow(self):
+    def _over_budget(self):
+        """Called at the next instruction after the budget refused a block."""
         run = self._run
-        if self._stopping and run is not None and run.thread_id == threading.get_ident():
-            sys.settrace(self._on_call)
-            self._trap_user_frames(sys._getframe(1))
+        if run is not None:
+            self._request_stop(run, MEMORY)
 
-    def _on_call(self, frame, event, arg):
-        if self._stopping and self._is_user_code(frame.f_code):
-            frame.f_trace_opcodes = True
-            return self._on_event
-        return None
+    # -- deciding and asking for a stop -----------------------------------
 
-    def _on_event(self, frame, event, arg):
-        if self._stopping:
-            # No local names the exception: the traceback keeps this frame,
-            # and a cycle would delay the __del__ that re-arms the stop.
-            raise self._stop_exception()
-        return self._on_event
+    def _check(self, now):
+        run = self._run
+        if run is not None and run.stopping is None and now >= run.deadline:
+            self._request_stop(run, TIME)
 
-    def _stop_exception(self):
-        stop = CodeTookTooLong(self.message())
-        stop.watchdog = self
-        return stop
-
-    def _trap_user_frames(self, frame):
-        while frame is not None:
-            if self._is_user_code(frame.f_code):
-                frame.f_trace = self._on_event
-                frame.f_trace_opcodes = True
-            frame = frame.f_back
+    def _request_stop(self, run, reason):
+        with self._lock:
+            if run is not self._run or run.stopping is not None:
+                return
+            run.stopping = reason
+            run.recursion_limit = sys.getrecursionlimit()
+            sys.setrecursionlimit(run.recursion_limit + RECURSION_HEADROOM)
+            if reason == TIME:
+                self._stopper.stop(run.thread_id, CodeTookTooLong, self.message())
+            else:
+                self._stopper.stop(run.thread_id, CodeTookTooMuchMemory, MEMORY_MESSAGE)
 
     # -- the watchdog thread ------------------------------------------------
 
     def _start_thread(self):
-        if threading is None:
-            return
-        self._closed = threading.Event()
         thread = threading.Thread(target=self._watch, name="vessa-watchdog", daemon=True)
         try:
             thread.start()
@@ -138,16 +186,19 @@ class Watchdog:
         self._thread = thread
 
     def _watch(self):
-        while not self._closed.wait(POLL_SECONDS):
-            with self._lock:
-                run = self._run
-                if run is None or self._stopping or time.monotonic() < run.deadline:
-                    continue
-                self._stopping = True
-                self._trap_user_frames(sys._current_frames().get(run.thread_id))
+        while not self._closed:
+            self._wake.clear()
+            run = self._run
+            if run is not None and run.stopping is not None:
+                if not self._wake.wait(REPEAT_SECONDS) and run is self._run:
+                    self._stopper.repeat()
+            else:
+                self._clock.wait_until(run.deadline if run is not None else None, self._wake)
+                self._check(self._clock.now())
 
     def close(self):
         if self._thread is not None:
-            self._closed.set()
+            self._closed = True
+            self._wake.set()
             self._thread.join(1.0)
             self._thread = None
