@@ -7,10 +7,11 @@ otherwise; user code never fails a call: its errors go out as records.
 
 import contextlib
 import os
+import tempfile
 
 from . import backend as backends
 from . import geometry as g
-from . import backups, compat, events, models, namespace, places, records, scenefile, sounds
+from . import backups, compat, events, models, namespace, places, policy, records, scenefile, sounds
 from .animation import Animator
 from .capture import Capture
 from .clock import WallClock
@@ -43,11 +44,13 @@ class Interpreter:
         compat.install()
         clock = clock or WallClock()
         self._queue = DifferenceQueue()
-        self._watchdog = Watchdog(clock)
+        self._watchdog = Watchdog(clock, after_run=policy.restore_builtins)
         self._recent = RecentFiles()
         self._home = places.home_dir()
         self._dirty = False
-        self.animator = Animator(backend or backends.create(), clock,
+        policy.install()
+        policy.configure(trusted=False, world=None, home=self._home, temp=tempfile.gettempdir())
+        self.animator = Animator(policy.AnnouncedFiles(backend or backends.create()), clock,
                                  lambda active: self._queue.add_misc(records.active_changed(active)))
         self.undo = UndoStack(lambda empty: self._queue.add_misc(records.undo_empty_change(empty)))
         self.scene = Scene(self._queue, self.animator.backend, self.animator, self._mark_dirty)
@@ -102,6 +105,7 @@ class Interpreter:
         if not os.path.isdir(str(directory)):
             return "The home folder %s does not exist." % directory
         self._home = places.with_slash(str(directory))
+        policy.configure(home=self._home)
         return None
 
     def GetHomeDirectory(self):
@@ -188,6 +192,17 @@ class Interpreter:
         self._watchdog.seconds = float(seconds)
         return None
 
+    def SetMemoryBudgetMegabytes(self, megabytes):
+        """How much memory user code may take in one call (MiB; 0: no limit)."""
+        self._watchdog.budget_bytes = max(0, int(float(megabytes) * (1 << 20)))
+        return None
+
+    def SetWorldTrusted(self, trusted):
+        """1 lifts the policy on what the world's code may do (policy.py), 0
+        puts it back. Loading a world puts it back."""
+        policy.configure(trusted=bool(int(trusted)))
+        return None
+
     def getisdirty(self):
         return self._dirty
 
@@ -213,6 +228,7 @@ class Interpreter:
             self.sounds.load(sounds, folder)
         self.undo.truncate(0)
         self.handbasket.forget()
+        policy.configure(world=folder, trusted=False)
         self.scene.root.responses.restore({})
         names = self.scene.namespace
         names.clear()
@@ -230,6 +246,7 @@ class Interpreter:
             scenefile.write(self.scene, folder, self.sounds.keep_in_folder(folder))
         except OSError as exc:
             return "SaveScene: %s can't be written: %s" % (folder, exc.strerror)
+        policy.configure(world=folder)
         # The world is saved; a picture that can't be written costs it nothing.
         self.backend.save_picture(os.path.join(folder, THUMBNAIL))
         return None

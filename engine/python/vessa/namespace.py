@@ -1,8 +1,6 @@
 """The names that the world's Python code finds in the engine's namespace."""
 
-import builtins
-
-from . import vocabulary
+from . import policy, vocabulary
 from .animation import DoInOrder, DoTogether
 
 
@@ -38,7 +36,7 @@ class VessaNames:
 def build(engine):
     """engine offers scene, animator, undo, handbasket and sounds."""
     scene, animator = engine.scene, engine.animator
-    names = {"__name__": "__main__", "__builtins__": builtins}
+    names = {"__name__": "__main__", "__builtins__": policy.user_builtins()}
     names.update(vocabulary.WORDS)
     names.update({
         "Vessa": VessaNames(engine),

@@ -77,12 +77,13 @@ class _Tracer:
             # `self` in it, the tracer dies as CPython drops it, and __del__
             # puts a new one in place.
             del self
+            stop.raised_in = frame
             raise stop.exception()
         return self
 
     def __del__(self):
         if self._stop.active:
-            self._stop.rearm(sys._getframe().f_back)
+            self._stop.rearm()
 
 
 class PythonStopper:
@@ -94,6 +95,7 @@ class PythonStopper:
         self._is_users = is_users
         self.active = False
         self._exception = None
+        self.raised_in = None       # the frame the last stop was raised in
 
     @staticmethod
     def can_stop(thread_id):
@@ -116,6 +118,7 @@ class PythonStopper:
     def release(self):
         self.active = False
         self._exception = None
+        self.raised_in = None
 
     def exception(self):
         exception_type, message = self._exception
@@ -128,10 +131,11 @@ class PythonStopper:
                 self._trace(frame)
                 frame = frame.f_back
 
-    def rearm(self, frame):
+    def rearm(self):
+        """The thread's trace function and the last frame's tracer, back."""
         sys.settrace(self._on_call)
-        if frame is not None:
-            self._trace(frame)
+        if self.raised_in is not None:
+            self._trace(self.raised_in)
 
     def _trace(self, frame):
         if self._is_users(frame.f_code) and not isinstance(frame.f_trace, _Tracer):

@@ -50,13 +50,13 @@ class CodeTookTooMuchMemory(CodeStopped):
     """Raised in user code that asked for more memory than its budget."""
 
 
-def _first_stop(exc):
+def _first_stop(exc, stop_type):
     """Code that catches a stop is stopped again in its handler; the first stop
     is where the code was when it was stopped: the line the user is told.
-    None when exc is no stop."""
+    Each stopped run raises a class of its own. None when exc is no stop."""
     if not isinstance(exc, CodeStopped):
         return None
-    while isinstance(exc.__context__, CodeStopped):
+    while type(exc.__context__) is stop_type:
         exc = exc.__context__
     return exc
 
@@ -72,13 +72,15 @@ def _drop_repeated_entries(traceback):
 
 
 class _Run:
-    __slots__ = ("thread_id", "deadline", "counted", "stopping", "tracer", "recursion_limit")
+    __slots__ = ("thread_id", "deadline", "counted", "stopping", "stop_type", "tracer",
+                 "recursion_limit")
 
     def __init__(self, thread_id, deadline, counted):
         self.thread_id = thread_id
         self.deadline = deadline
         self.counted = counted
         self.stopping = None        # TIME or MEMORY once a stop was asked for
+        self.stop_type = None       # the class of its own that the run's stops raise
         self.tracer = sys.gettrace()
         self.recursion_limit = None
 
@@ -143,7 +145,7 @@ class Watchdog:
             self._after_run()
         if isinstance(exc, MemoryError):
             raise CodeTookTooMuchMemory(MEMORY_MESSAGE).with_traceback(traceback) from None
-        first = _first_stop(exc)
+        first = _first_stop(exc, run.stop_type)
         if first is not None:
             _drop_repeated_entries(first.__traceback__)
         if first is not None and first is not exc:
@@ -170,10 +172,10 @@ class Watchdog:
             run.stopping = reason
             run.recursion_limit = sys.getrecursionlimit()
             sys.setrecursionlimit(run.recursion_limit + RECURSION_HEADROOM)
-            if reason == TIME:
-                self._stopper.stop(run.thread_id, CodeTookTooLong, self.message())
-            else:
-                self._stopper.stop(run.thread_id, CodeTookTooMuchMemory, MEMORY_MESSAGE)
+            base, message = ((CodeTookTooLong, self.message()) if reason == TIME
+                             else (CodeTookTooMuchMemory, MEMORY_MESSAGE))
+            run.stop_type = type(base.__name__, (base,), {"__module__": base.__module__})
+            self._stopper.stop(run.thread_id, run.stop_type, message)
 
     # -- the watchdog thread ------------------------------------------------
 

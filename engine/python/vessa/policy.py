@@ -1,0 +1,383 @@
+"""What the user's code may do in a world the user does not trust.
+
+A world from someone else runs its hand-written Python when the user presses
+Perform. Unless the user trusts the world, that code may not start other
+programs, use the network, reach code outside Python (ctypes, cffi, extension
+modules from outside Python's library), look inside the running program (gc,
+frames, code objects, audit hooks), change the current folder
+or the environment, change files outside the world's folder and the program's
+temporary folder, or read files outside those, the program's home folder and
+its installed folders (Python's library among them).
+
+A CPython audit hook (sys.addaudithook: code can't take it away) checks these
+whenever the user's code is running: when a frame of code that was not read
+from the engine's or Python's files (trust.py) stands above a frame of the
+engine. So what the engine does for a line of the world (a gallery object
+added, a model file read) is checked too, and what the front end asks of the
+engine is not. Starting programs, the network and native code are refused
+during any of the engine's work while the policy is on: the engine needs none
+of them, so code that changed the engine's objects can't make it do them
+later. Paths are taken with every link followed and every ".." resolved.
+
+The hook keeps its state in its own closure and uses only what it took when it
+was made, so code that rebinds names in modules can't change its answers. The
+engine changes its state through audit events ("vessa.policy", configure()),
+which the hook refuses while the user's code runs.
+
+The import guard (the __import__ of the user's builtins) asks the hook about
+every module the user's code imports, loaded or not, and hands it a copy of
+builtins for `import builtins`. The user's code reaches the real builtins only
+by digging, and whatever it changed there is put back after each run
+(restore_builtins).
+
+A refusal raises NotAllowed, a Mistake: the user is told the line and why.
+"""
+
+import builtins
+import os
+import stat
+import sys
+import types
+
+from . import trust
+from .mistakes import Mistake
+
+CONFIGURE = "vessa.policy"
+IMPORT = "vessa.import"
+TRUSTED_ONLY = " Only a world you trust may do that."
+
+
+class NotAllowed(Mistake):
+    """The policy refused what the user's code asked for."""
+
+
+# Why a module is refused, by what it is for.
+_PROGRAMS = "it starts other programs"
+_NETWORK = "it uses the network"
+_NATIVE = "it runs code outside Python"
+_INSIDE = "it looks inside the running program"
+REFUSED_MODULES = {
+    **dict.fromkeys(("subprocess", "_posixsubprocess", "multiprocessing", "_multiprocessing",
+                     "pty", "concurrent"), _PROGRAMS),
+    **dict.fromkeys(("socket", "_socket", "ssl", "_ssl", "select", "selectors", "asyncio",
+                     "http", "urllib", "ftplib", "smtplib", "poplib", "imaplib", "nntplib",
+                     "telnetlib", "socketserver", "xmlrpc", "webbrowser"), _NETWORK),
+    **dict.fromkeys(("ctypes", "_ctypes", "cffi", "_cffi_backend", "mmap"), _NATIVE),
+    **dict.fromkeys(("gc", "inspect", "importlib", "_imp", "_frozen_importlib",
+                     "_frozen_importlib_external", "zipimport", "runpy", "pkgutil", "code",
+                     "codeop", "marshal", "threading", "_thread", "signal", "_signal",
+                     "faulthandler", "atexit", "resource", "tracemalloc", "_testcapi",
+                     "_testinternalcapi", "_xxsubinterpreters", "vessa"), _INSIDE),
+}
+
+_PROGRAM_EVENTS = frozenset({"os.system", "os.exec", "os.posix_spawn", "os.spawn", "os.fork",
+                             "os.forkpty", "os.kill", "os.killpg", "subprocess.Popen",
+                             "pty.spawn", "os.startfile"})
+_NETWORK_FAMILIES = ("socket.", "urllib.", "ftplib.", "smtplib.", "http.client.", "imaplib.",
+                     "poplib.", "nntplib.", "telnetlib.", "webbrowser.")
+# Events that change files: where their paths are, and their folder descriptors.
+_WRITE_EVENTS = {
+    "os.remove": ((0,), (1,)), "os.rmdir": ((0,), (1,)), "os.mkdir": ((0,), (2,)),
+    "os.truncate": ((0,), ()), "os.chmod": ((0,), (2,)), "os.chown": ((0,), (3,)),
+    "os.utime": ((0,), (3,)), "os.chflags": ((0,), ()), "os.lchflags": ((0,), ()),
+    "os.setxattr": ((0,), ()), "os.removexattr": ((0,), ()), "shutil.rmtree": ((0,), (1,)),
+    "os.rename": ((0, 1), (2, 3)), "os.link": ((0, 1), (2, 3)), "os.symlink": ((0, 1), (2,)),
+    "sqlite3.connect": ((0,), ()),
+}
+_READ_EVENTS = frozenset({"os.listdir", "os.scandir", "os.listxattr", "os.getxattr"})
+_INSIDE_EVENTS = frozenset({"sys.addaudithook", "sys._current_frames", "sys._current_exceptions",
+                            "gc.get_objects", "gc.get_referrers", "gc.get_referents"})
+# Fine inside Python's library and the engine, not called by the user's code itself.
+# (sys.settrace is not among them: CPython itself takes away a trace function
+# that raised, announced as if from the frame it was tracing.)
+_INSIDE_WHEN_CALLED = frozenset({"sys._getframe", "object.__getattr__", "object.__setattr__",
+                                 "object.__delattr__", "code.__new__", "marshal.loads",
+                                 "marshal.load"})
+_WRITE_FLAGS = os.O_WRONLY | os.O_RDWR | os.O_APPEND | os.O_CREAT | os.O_TRUNC
+
+
+def _message(what):
+    return "This world's code may not " + what + "." + TRUSTED_ONLY
+
+
+def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
+    """The audit hook. Every name it uses is bound here, when it is made.
+    search_dirs: where imports look, which the import machinery lists."""
+    getframe, get_ident = sys._getframe, __import__("_thread").get_ident
+    fspath, getcwd, lstat, readlink = os.fspath, os.getcwd, os.lstat, os.readlink
+    is_link, sep, fs_encoding = stat.S_ISLNK, os.sep, sys.getfilesystemencoding()
+    str_type, bytes_type, int_type, bool_type = str, bytes, int, bool
+    refused_error, refused_modules, message = NotAllowed, dict(REFUSED_MODULES), _message
+    policed = frozenset(_PROGRAM_EVENTS | set(_WRITE_EVENTS) | _READ_EVENTS | _INSIDE_EVENTS
+                        | _INSIDE_WHEN_CALLED
+                        | {CONFIGURE, IMPORT, "import", "open", "compile", "os.chdir",
+                           "os.putenv", "os.unsetenv"})
+    network_families, write_events, write_flags = _NETWORK_FAMILIES, dict(_WRITE_EVENTS), _WRITE_FLAGS
+    always_families = _NETWORK_FAMILIES + ("ctypes.",)
+    program_events, read_events = _PROGRAM_EVENTS, _READ_EVENTS
+    inside_events, inside_when_called = _INSIDE_EVENTS, _INSIDE_WHEN_CALLED
+    code_dirs = program_dirs + library_dirs
+    state = {"trusted": False, "world": None, "home": None, "temp": None,
+             "read": code_dirs, "write": ()}
+    busy = set()    # threads inside the hook: its own frame questions are not policed
+
+    def resolve(path):
+        """The path from the root, every link followed and ".." resolved."""
+        path = fspath(path)
+        if type(path) is bytes_type:
+            path = path.decode(fs_encoding, "surrogateescape")
+        pending = (path if path.startswith(sep) else getcwd() + sep + path).split(sep)
+        pending.reverse()
+        resolved, links = "", 0
+        while pending:
+            part = pending.pop()
+            if part in ("", "."):
+                continue
+            if part == "..":
+                resolved = resolved[:resolved.rfind(sep)] if sep in resolved else ""
+                continue
+            candidate = resolved + sep + part
+            try:
+                is_a_link = is_link(lstat(candidate).st_mode)
+            except (OSError, ValueError):
+                is_a_link = False   # not there (yet): nothing to follow
+            if not is_a_link:
+                resolved = candidate
+                continue
+            links += 1
+            if links > 40:
+                return None
+            target = readlink(candidate)
+            if target.startswith(sep):
+                resolved = ""
+            target = target.split(sep)
+            target.reverse()
+            pending.extend(target)
+        return resolved or sep
+
+    def folder(path):
+        return None if path is None else resolve(path) + sep
+
+    def inside(path, roots):
+        return path is not None and (path + sep).startswith(roots)
+
+    def configure(key, value):
+        if key == "trusted":
+            state["trusted"] = bool_type(value)
+            return
+        state[key] = folder(value)
+        world, home, temp = state["world"], state["home"], state["temp"]
+        state["write"] = tuple(p for p in (world, temp) if p is not None)
+        state["read"] = state["write"] + ((home,) if home is not None else ()) + code_dirs
+
+    def running(frame):
+        """(the user's code is running, the engine is working) at frame."""
+        users, engine = False, False
+        while frame is not None:
+            code = frame.f_code
+            if is_engine(code):
+                if users:
+                    return True, True
+                engine = True
+            elif is_users(code):
+                users = True
+            frame = frame.f_back
+        return False, engine
+
+    def requested_by_users(frame):
+        """The frame that asked for an import, past the import machinery."""
+        while frame is not None and frame.f_code.co_filename.startswith("<frozen importlib"):
+            frame = frame.f_back
+        return frame is not None and is_users(frame.f_code)
+
+    def check_path(path, write, dir_fd=None, listing=False):
+        if dir_fd is not None or type(path) is int_type:
+            raise refused_error(message("use files or folders by number"))
+        if path is None:
+            path = "."
+        where = resolve(path)
+        if write:
+            if not inside(where, state["write"]):
+                raise refused_error(message(
+                    "change %s: it may only change files in the world's folder and the "
+                    "program's temporary folder" % (where or path)))
+        elif not inside(where, state["read"]) and not (
+                listing and where is not None and where + sep in search_dirs):
+            raise refused_error(message(
+                "read %s: it may only read the world's folder and the program's own folders"
+                % (where or path)))
+
+    def check_import(name):
+        reason = refused_modules.get(name.partition(".")[0])
+        if reason is not None:
+            raise refused_error(message("use %s: %s" % (name, reason)))
+
+    def check_users(event, args, caller):
+        """What the user's code may not do itself, or have the engine do for it."""
+        if event == "open":
+            path, mode, flags = args
+            write = (type(mode) is str_type and any(c in mode for c in "wax+")) or bool(
+                type(flags) is int_type and flags & write_flags)
+            check_path(path, write)
+        elif event in write_events:
+            paths, dir_fds = write_events[event]
+            for index in dir_fds:   # -1 or None: no folder descriptor
+                if index < len(args) and args[index] not in (None, -1):
+                    check_path(None, True, args[index])
+            for index in paths:
+                check_path(args[index], True)
+            if event == "os.symlink" and type(args[0]) is str_type and not args[0].startswith(sep):
+                # a relative link points from the folder it is made in
+                check_path(fspath(args[1]).rpartition(sep)[0] + sep + args[0], True)
+        elif event in read_events:
+            check_path(args[0] if args else None, False, listing=True)
+        elif event in (IMPORT, "import"):
+            if event == IMPORT or requested_by_users(caller):
+                check_import(args[0])
+        elif event == "os.chdir":
+            raise refused_error(message("change the current folder"))
+        elif event in ("os.putenv", "os.unsetenv"):
+            raise refused_error(message("change the environment"))
+        elif event == "compile":
+            filename = args[1]
+            if type(filename) is str_type and filename.startswith(code_dirs + ("<frozen ",)):
+                raise refused_error(message("pretend to be the program's own code"))
+        elif event in inside_events or event in inside_when_called:
+            raise refused_error(message("look inside the running program (%s)" % event))
+
+    def check_always(event, args):
+        """What no code may do while the engine works: it never needs it."""
+        if event in program_events:
+            raise refused_error(message("start other programs"))
+        if event.startswith(network_families):
+            raise refused_error(message("use the network"))
+        if event.startswith("ctypes."):
+            raise refused_error(message("use ctypes: it runs code outside Python"))
+        if event == "import" and type(args[1]) is str_type and not args[1].startswith(code_dirs):
+            raise refused_error(message("load %s: it runs code outside Python" % args[1]))
+
+    def hook(event, args):
+        if event not in policed and not event.startswith(always_families):
+            return
+        me = get_ident()
+        if me in busy:
+            return
+        busy.add(me)
+        try:
+            caller = getframe(1)
+            if event in inside_when_called and not is_users(caller.f_code):
+                return      # the engine or Python's library: often, and always fine
+            users, engine = running(caller)
+            if event == CONFIGURE:
+                if users:
+                    raise refused_error(message("change what it may do"))
+                configure(*args)
+            elif not state["trusted"]:
+                if users or engine:
+                    check_always(event, args)
+                if users:
+                    check_users(event, args, caller)
+        finally:
+            busy.discard(me)
+
+    return hook
+
+
+_installed = False
+
+
+def install():
+    """Adds the hook, once for the process; the policy is on until configured."""
+    global _installed
+    if not _installed:
+        is_engine, is_users = trust.judges()
+        program = (os.path.join(os.path.dirname(trust.ENGINE_DIR.rstrip(os.sep)), ""),)
+        search = frozenset(os.path.join(os.path.realpath(p), "") for p in sys.path
+                           if isinstance(p, str))
+        sys.addaudithook(_make_hook(is_engine, is_users, program, trust.library_dirs(), search))
+        _installed = True
+
+
+def configure(**settings):
+    """trusted (True lifts the policy), world, home, temp: folders or None."""
+    for key, value in settings.items():
+        sys.audit(CONFIGURE, key, value)
+
+
+# -- the user's builtins ------------------------------------------------------
+
+_REAL_IMPORT = builtins.__import__
+_REAL_BUILTINS = list(vars(builtins).items())
+_REAL_NAMES = frozenset(name for name, _ in _REAL_BUILTINS)
+
+
+def _guarded_import(name, globals=None, locals=None, fromlist=(), level=0):
+    if level == 0:
+        sys.audit(IMPORT, name)
+        if name in ("builtins", "__builtin__"):
+            module = types.ModuleType("builtins")
+            vars(module).update((globals or {}).get("__builtins__", {}))
+            return module
+    return _REAL_IMPORT(name, globals, locals, fromlist, level)
+
+
+def user_builtins():
+    """Builtins for the user's namespace: a copy the user's code may change, whose
+    __import__ asks the policy first."""
+    names = dict(_REAL_BUILTINS)
+    names["__import__"] = _guarded_import
+    return names
+
+
+def restore_builtins():
+    """Puts back what the user's code changed in the real builtins. The last
+    value printed at the prompt (`_`) stays."""
+    current = vars(builtins)
+    if len(current) == len(_REAL_BUILTINS) and all(
+            name is real_name and value is real_value for (name, value), (real_name, real_value)
+            in zip(current.items(), _REAL_BUILTINS)):
+        return
+    for name in [n for n in current if type(n) is str and n != "_" and n not in _REAL_NAMES]:
+        del current[name]
+    for name, value in _REAL_BUILTINS:
+        if current.get(name) is not value:
+            current[name] = value
+
+
+class AnnouncedFiles:
+    """A backend whose reads and writes of files are announced as "open"
+    events, as Python's open() announces its own: the compiled backend reads
+    and writes in C++, where the hook would not see them."""
+
+    def __init__(self, backend):
+        self._backend = backend
+
+    def __getattr__(self, name):
+        value = getattr(self._backend, name)
+        setattr(self, name, value)      # found once, then as fast as the backend's own
+        return value
+
+    def load_model(self, path):
+        sys.audit("open", path, "r", 0)
+        return self._backend.load_model(path)
+
+    def load_sound(self, path):
+        sys.audit("open", path, "r", 0)
+        return self._backend.load_sound(path)
+
+    def play_sound(self, path, volume=1.0):
+        sys.audit("open", path, "r", 0)
+        return self._backend.play_sound(path, volume)
+
+    def store_model(self, path, parts):
+        sys.audit("open", path, "w", 0)
+        return self._backend.store_model(path, parts)
+
+    def save_picture(self, path):
+        sys.audit("open", path, "w", 0)
+        return self._backend.save_picture(path)
+
+    def set_style(self, node_id, style, value):
+        if style == "model" and value and not str(value).startswith("text:"):
+            sys.audit("open", str(value).rpartition("#")[0] or str(value), "r", 0)
+        return self._backend.set_style(node_id, style, value)
