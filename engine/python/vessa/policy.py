@@ -107,12 +107,14 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
     fspath, getcwd, lstat, readlink = os.fspath, os.getcwd, os.lstat, os.readlink
     is_link, sep, fs_encoding = stat.S_ISLNK, os.sep, sys.getfilesystemencoding()
     str_type, bytes_type, int_type, bool_type = str, bytes, int, bool
+    type_of, length, any_of, as_tuple = type, len, any, tuple
     refused_error, refused_modules, message = NotAllowed, dict(REFUSED_MODULES), _message
     policed = frozenset(_PROGRAM_EVENTS | set(_WRITE_EVENTS) | _READ_EVENTS | _INSIDE_EVENTS
                         | _INSIDE_WHEN_CALLED
                         | {CONFIGURE, IMPORT, "import", "open", "compile", "os.chdir",
                            "os.putenv", "os.unsetenv"})
-    network_families, write_events, write_flags = _NETWORK_FAMILIES, dict(_WRITE_EVENTS), _WRITE_FLAGS
+    network_families, write_events = _NETWORK_FAMILIES, dict(_WRITE_EVENTS)
+    write_flags = _WRITE_FLAGS
     always_families = _NETWORK_FAMILIES + ("ctypes.",)
     program_events, read_events = _PROGRAM_EVENTS, _READ_EVENTS
     inside_events, inside_when_called = _INSIDE_EVENTS, _INSIDE_WHEN_CALLED
@@ -124,7 +126,7 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
     def resolve(path):
         """The path from the root, every link followed and ".." resolved."""
         path = fspath(path)
-        if type(path) is bytes_type:
+        if type_of(path) is bytes_type:
             path = path.decode(fs_encoding, "surrogateescape")
         pending = (path if path.startswith(sep) else getcwd() + sep + path).split(sep)
         pending.reverse()
@@ -167,7 +169,7 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
             return
         state[key] = folder(value)
         world, home, temp = state["world"], state["home"], state["temp"]
-        state["write"] = tuple(p for p in (world, temp) if p is not None)
+        state["write"] = as_tuple(p for p in (world, temp) if p is not None)
         state["read"] = state["write"] + ((home,) if home is not None else ()) + code_dirs
 
     def running(frame):
@@ -191,7 +193,7 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
         return frame is not None and is_users(frame.f_code)
 
     def check_path(path, write, dir_fd=None, listing=False):
-        if dir_fd is not None or type(path) is int_type:
+        if dir_fd is not None or type_of(path) is int_type:
             raise refused_error(message("use files or folders by number"))
         if path is None:
             path = "."
@@ -216,19 +218,20 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
         """What the user's code may not do itself, or have the engine do for it."""
         if event == "open":
             path, mode, flags = args
-            write = (type(mode) is str_type and any(c in mode for c in "wax+")) or bool(
-                type(flags) is int_type and flags & write_flags)
+            write = ((type_of(mode) is str_type and any_of(c in mode for c in "wax+"))
+                     or (type_of(flags) is int_type and bool_type(flags & write_flags)))
             check_path(path, write)
         elif event in write_events:
             paths, dir_fds = write_events[event]
             for index in dir_fds:   # -1 or None: no folder descriptor
-                if index < len(args) and args[index] not in (None, -1):
+                if index < length(args) and args[index] not in (None, -1):
                     check_path(None, True, args[index])
             for index in paths:
                 check_path(args[index], True)
-            if event == "os.symlink" and type(args[0]) is str_type and not args[0].startswith(sep):
+            target = args[0] if event == "os.symlink" else None
+            if type_of(target) is str_type and not target.startswith(sep):
                 # a relative link points from the folder it is made in
-                check_path(fspath(args[1]).rpartition(sep)[0] + sep + args[0], True)
+                check_path(fspath(args[1]).rpartition(sep)[0] + sep + target, True)
         elif event in read_events:
             check_path(args[0] if args else None, False, listing=True)
         elif event in (IMPORT, "import"):
@@ -240,7 +243,7 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
             raise refused_error(message("change the environment"))
         elif event == "compile":
             filename = args[1]
-            if type(filename) is str_type and filename.startswith(code_dirs + ("<frozen ",)):
+            if type_of(filename) is str_type and filename.startswith(code_dirs + ("<frozen ",)):
                 raise refused_error(message("pretend to be the program's own code"))
         elif event in inside_events or event in inside_when_called:
             raise refused_error(message("look inside the running program (%s)" % event))
@@ -253,8 +256,10 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
             raise refused_error(message("use the network"))
         if event.startswith("ctypes."):
             raise refused_error(message("use ctypes: it runs code outside Python"))
-        if event == "import" and type(args[1]) is str_type and not args[1].startswith(code_dirs):
-            raise refused_error(message("load %s: it runs code outside Python" % args[1]))
+        if event == "import":
+            path = args[1]      # an extension module's file; None for Python's own
+            if type_of(path) is str_type and not path.startswith(code_dirs):
+                raise refused_error(message("load %s: it runs code outside Python" % path))
 
     def hook(event, args):
         if event not in policed and not event.startswith(always_families):
@@ -307,8 +312,6 @@ def configure(**settings):
 # -- the user's builtins ------------------------------------------------------
 
 _REAL_IMPORT = builtins.__import__
-_REAL_BUILTINS = list(vars(builtins).items())
-_REAL_NAMES = frozenset(name for name, _ in _REAL_BUILTINS)
 
 
 def _guarded_import(name, globals=None, locals=None, fromlist=(), level=0):
@@ -321,27 +324,40 @@ def _guarded_import(name, globals=None, locals=None, fromlist=(), level=0):
     return _REAL_IMPORT(name, globals, locals, fromlist, level)
 
 
+def _make_restorer():
+    """restore_builtins(), with every name it uses bound now: it runs right
+    after the user's code, which may have changed them."""
+    current = vars(builtins)
+    real = list(current.items())
+    real_names = frozenset(name for name, _ in real)
+    length, type_of, str_type, every, pairs = len, type, str, all, zip
+
+    def restore_builtins():
+        """Puts back what the user's code changed in the real builtins. The last
+        value printed at the prompt (`_`) stays."""
+        if length(current) == length(real) and every(
+                name is real_name and value is real_value
+                for (name, value), (real_name, real_value) in pairs(current.items(), real)):
+            return
+        for name in [n for n in current
+                     if type_of(n) is str_type and n != "_" and n not in real_names]:
+            del current[name]
+        for name, value in real:
+            if current.get(name) is not value:
+                current[name] = value
+
+    return restore_builtins, dict(real)
+
+
+restore_builtins, _REAL_BUILTINS = _make_restorer()
+
+
 def user_builtins():
     """Builtins for the user's namespace: a copy the user's code may change, whose
     __import__ asks the policy first."""
     names = dict(_REAL_BUILTINS)
     names["__import__"] = _guarded_import
     return names
-
-
-def restore_builtins():
-    """Puts back what the user's code changed in the real builtins. The last
-    value printed at the prompt (`_`) stays."""
-    current = vars(builtins)
-    if len(current) == len(_REAL_BUILTINS) and all(
-            name is real_name and value is real_value for (name, value), (real_name, real_value)
-            in zip(current.items(), _REAL_BUILTINS)):
-        return
-    for name in [n for n in current if type(n) is str and n != "_" and n not in _REAL_NAMES]:
-        del current[name]
-    for name, value in _REAL_BUILTINS:
-        if current.get(name) is not value:
-            current[name] = value
 
 
 class AnnouncedFiles:

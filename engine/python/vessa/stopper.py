@@ -28,6 +28,9 @@ import threading
 
 from . import native, trust
 
+# Bound now: the user's code may change what the modules hold while it runs.
+_settrace, _interrupt_main, _is_instance = sys.settrace, _thread.interrupt_main, isinstance
+
 
 def create():
     """The stopper of this process: the compiled one where it is built."""
@@ -113,7 +116,7 @@ class PythonStopper:
 
     def repeat(self):
         """Asks the main thread again, should a tracer have been lost."""
-        _thread.interrupt_main(self.SIGNAL)
+        _interrupt_main(self.SIGNAL)
 
     def release(self):
         self.active = False
@@ -126,19 +129,19 @@ class PythonStopper:
 
     def _on_signal(self, signum, frame):
         if self.active:
-            sys.settrace(self._on_call)
+            _settrace(self._on_call)
             while frame is not None:
                 self._trace(frame)
                 frame = frame.f_back
 
     def rearm(self):
         """The thread's trace function and the last frame's tracer, back."""
-        sys.settrace(self._on_call)
+        _settrace(self._on_call)
         if self.raised_in is not None:
             self._trace(self.raised_in)
 
     def _trace(self, frame):
-        if self._is_users(frame.f_code) and not isinstance(frame.f_trace, _Tracer):
+        if self._is_users(frame.f_code) and not _is_instance(frame.f_trace, _Tracer):
             frame.f_trace = _Tracer(self)
             frame.f_trace_opcodes = True
 

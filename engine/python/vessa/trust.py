@@ -19,7 +19,8 @@ ENGINE_DIR = os.path.join(os.path.dirname(os.path.abspath(__file__)), "")
 
 def library_dirs():
     """Folders of Python's own library and of the packages installed for it."""
-    paths = {sysconfig.get_paths().get(key) for key in ("stdlib", "platstdlib", "purelib", "platlib")}
+    scheme = sysconfig.get_paths()
+    paths = {scheme.get(key) for key in ("stdlib", "platstdlib", "purelib", "platlib")}
     paths.add(os.path.dirname(os.__file__))
     paths.update(site.getsitepackages() if hasattr(site, "getsitepackages") else ())
     return _both_spellings(p for p in paths if p)

@@ -31,6 +31,11 @@ try:
 except ImportError:     # a Python built without thread support
     threading = None
 
+# Bound now: the user's code may change what the modules hold while it runs.
+_gettrace, _settrace = sys.gettrace, sys.settrace
+_getrecursionlimit, _setrecursionlimit = sys.getrecursionlimit, sys.setrecursionlimit
+_get_ident = threading.get_ident if threading is not None else None
+
 DEFAULT_SECONDS = 5.0
 REPEAT_SECONDS = 0.1        # a pure-Python stop is asked for again this often
 RECURSION_HEADROOM = 200
@@ -81,15 +86,15 @@ class _Run:
         self.counted = counted
         self.stopping = None        # TIME or MEMORY once a stop was asked for
         self.stop_type = None       # the class of its own that the run's stops raise
-        self.tracer = sys.gettrace()
+        self.tracer = _gettrace()
         self.recursion_limit = None
 
 
 class Watchdog:
     def __init__(self, clock, after_run=None, seconds=DEFAULT_SECONDS,
                  budget_bytes=budget.DEFAULT_BYTES):
-        """after_run() is called when the user's code has finished, whatever
-        its end. budget_bytes 0 means no memory budget."""
+        """after_run() is called first thing when the user's code has
+        finished, whatever its end. budget_bytes 0 means no memory budget."""
         self.seconds = seconds
         self.budget_bytes = budget_bytes
         self._clock = clock
@@ -117,7 +122,7 @@ class Watchdog:
     def __enter__(self):
         if not self.enabled or self._run is not None:
             return False    # off, or nested inside a run that is already watched
-        thread_id = threading.get_ident()
+        thread_id = _get_ident()
         if not self._stopper.can_stop(thread_id):
             return False
         self._stopper.prepare()
@@ -130,8 +135,10 @@ class Watchdog:
 
     def __exit__(self, exc_type, exc, traceback):
         run = self._run
-        if run is None or run.thread_id != threading.get_ident():
+        if run is None or run.thread_id != _get_ident():
             return False
+        if self._after_run is not None:
+            self._after_run()
         with self._lock:
             self._run = None
             stopping = run.stopping
@@ -139,10 +146,8 @@ class Watchdog:
             self._budget.end()
         if stopping:
             self._stopper.release()
-            sys.settrace(run.tracer)
-            sys.setrecursionlimit(run.recursion_limit)
-        if self._after_run is not None:
-            self._after_run()
+            _settrace(run.tracer)
+            _setrecursionlimit(run.recursion_limit)
         if isinstance(exc, MemoryError):
             raise CodeTookTooMuchMemory(MEMORY_MESSAGE).with_traceback(traceback) from None
         first = _first_stop(exc, run.stop_type)
@@ -170,8 +175,8 @@ class Watchdog:
             if run is not self._run or run.stopping is not None:
                 return
             run.stopping = reason
-            run.recursion_limit = sys.getrecursionlimit()
-            sys.setrecursionlimit(run.recursion_limit + RECURSION_HEADROOM)
+            run.recursion_limit = _getrecursionlimit()
+            _setrecursionlimit(run.recursion_limit + RECURSION_HEADROOM)
             base, message = ((CodeTookTooLong, self.message()) if reason == TIME
                              else (CodeTookTooMuchMemory, MEMORY_MESSAGE))
             run.stop_type = type(base.__name__, (base,), {"__module__": base.__module__})
