@@ -125,6 +125,8 @@ class Interpreter:
         return None
 
     def Close(self):
+        # The world's objects go while the watchdog still watches their __del__.
+        self._runner.call(self.scene.namespace.clear)
         self._watchdog.close()
         return None
 
@@ -231,7 +233,7 @@ class Interpreter:
         policy.configure(world=folder, trusted=False)
         self.scene.root.responses.restore({})
         names = self.scene.namespace
-        names.clear()
+        self._runner.call(names.clear)     # the old world's __del__ are user code
         names.update(namespace.build(self))
         self._dirty = False
         return None

@@ -78,7 +78,7 @@ def _drop_repeated_entries(traceback):
 
 class _Run:
     __slots__ = ("thread_id", "deadline", "counted", "stopping", "stop_type", "tracer",
-                 "recursion_limit")
+                 "recursion_limit", "unraisable")
 
     def __init__(self, thread_id, deadline, counted):
         self.thread_id = thread_id
@@ -88,6 +88,7 @@ class _Run:
         self.stop_type = None       # the class of its own that the run's stops raise
         self.tracer = _gettrace()
         self.recursion_limit = None
+        self.unraisable = None      # Python's hook for errors it can only note
 
 
 class Watchdog:
@@ -148,8 +149,12 @@ class Watchdog:
             self._stopper.release()
             _settrace(run.tracer)
             _setrecursionlimit(run.recursion_limit)
+            sys.unraisablehook = run.unraisable
         if isinstance(exc, MemoryError):
             raise CodeTookTooMuchMemory(MEMORY_MESSAGE).with_traceback(traceback) from None
+        if stopping and exc is None:
+            # Stopped where Python can only note it (a __del__): told all the same.
+            raise run.stop_type(self.message() if stopping == TIME else MEMORY_MESSAGE)
         first = _first_stop(exc, run.stop_type)
         if first is not None:
             _drop_repeated_entries(first.__traceback__)
@@ -177,10 +182,21 @@ class Watchdog:
             run.stopping = reason
             run.recursion_limit = _getrecursionlimit()
             _setrecursionlimit(run.recursion_limit + RECURSION_HEADROOM)
+            run.unraisable = sys.unraisablehook
+            sys.unraisablehook = self._quiet_about_stops(run.unraisable)
             base, message = ((CodeTookTooLong, self.message()) if reason == TIME
                              else (CodeTookTooMuchMemory, MEMORY_MESSAGE))
             run.stop_type = type(base.__name__, (base,), {"__module__": base.__module__})
             self._stopper.stop(run.thread_id, run.stop_type, message)
+
+    @staticmethod
+    def _quiet_about_stops(hook):
+        """A stop in a __del__ can only be noted: the user hears of the stop
+        from the engine, not as an error ignored there."""
+        def unraisable(info):
+            if not isinstance(info.exc_value, CodeStopped):
+                hook(info)
+        return unraisable
 
     # -- the watchdog thread ------------------------------------------------
 
