@@ -137,15 +137,15 @@ void release() {
 constexpr size_t kSmallRequest = 512;
 
 struct Budget {
-    PyMemAllocatorEx mem{};           // the allocators wrapped
+    PyMemAllocatorEx mem{}; // the allocators wrapped
     PyMemAllocatorEx object{};
     PyObjectArenaAllocator arena{};
     bool counting = false;
     bool exceeded = false;
-    long long limit = 0;              // bytes
-    long long held = 0;               // bytes the run holds; below 0 when it freed older memory
+    long long limit = 0; // bytes
+    long long held = 0;  // bytes the run holds; below 0 when it freed older memory
     std::unordered_map<void*, size_t> blocks; // blocks over kSmallRequest made while counting
-    PyObject* onExceeded = nullptr;   // owned; called as a pending call
+    PyObject* onExceeded = nullptr;           // owned; called as a pending call
 };
 Budget budget;
 
@@ -191,7 +191,9 @@ void forget(void* block) {
     }
 }
 
-PyMemAllocatorEx* wrapped(void* ctx) { return static_cast<PyMemAllocatorEx*>(ctx); }
+PyMemAllocatorEx* wrapped(void* ctx) {
+    return static_cast<PyMemAllocatorEx*>(ctx);
+}
 
 void* countedMalloc(void* ctx, size_t size) {
     PyMemAllocatorEx* inner = wrapped(ctx);
@@ -307,5 +309,6 @@ PYBIND11_MODULE(_guard, m) {
           "Counts what Python allocates from now on against limit bytes; on_exceeded() runs "
           "at the next instruction once a request was refused.");
     m.def("end_counting", &endCounting, "Stops counting; True when the budget was exceeded.");
-    m.def("held", [] { return budget.held; }, "Bytes counted as held since begin_counting.");
+    m.def(
+        "held", [] { return budget.held; }, "Bytes counted as held since begin_counting.");
 }

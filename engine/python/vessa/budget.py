@@ -26,17 +26,20 @@ DEFAULT_BYTES = 1 << 30
 
 def create():
     if native.guard is not None:
-        return CountedBudget()
+        return CountedBudget(native.guard)
     return AddressSpaceBudget()
 
 
 class CountedBudget:
+    def __init__(self, guard):
+        self._guard = guard
+
     def begin(self, limit_bytes, on_exceeded):
-        native.guard.begin_counting(limit_bytes, on_exceeded)
+        self._guard.begin_counting(limit_bytes, on_exceeded)
 
     def end(self):
         """True when the run asked for more than its budget."""
-        return native.guard.end_counting()
+        return self._guard.end_counting()
 
 
 class AddressSpaceBudget:

@@ -36,14 +36,15 @@ def create():
     """The stopper of this process: the compiled one where it is built."""
     global _python_stopper
     if native.guard is not None:
-        return NativeStopper(trust.judges()[1])
+        return NativeStopper(native.guard, trust.judges()[1])
     if _python_stopper is None:
         _python_stopper = PythonStopper(trust.judges()[1])
     return _python_stopper
 
 
 class NativeStopper:
-    def __init__(self, is_users):
+    def __init__(self, guard, is_users):
+        self._guard = guard
         self._is_users = is_users
 
     @staticmethod
@@ -54,14 +55,13 @@ class NativeStopper:
         """Nothing to set up: the trace function is put on from outside."""
 
     def stop(self, thread_id, exception_type, message):
-        native.guard.stop_thread(thread_id, exception_type, message, self._is_users)
+        self._guard.stop_thread(thread_id, exception_type, message, self._is_users)
 
     def repeat(self):
         """A C trace function stays: nothing to do again."""
 
-    @staticmethod
-    def release():
-        native.guard.release()
+    def release(self):
+        self._guard.release()
 
 
 class _Tracer:
