@@ -82,6 +82,13 @@ REFUSED = {
     "the environment": ("import os\nos.environ['PATH'] = '{outside}'", "change the environment", 2),
     "files by number": ("import os\nos.read(0, 10)\nopen(0)", "use files or folders by number", 3),
     "the engine storing for the world": ("Camera.store('{outside}/camera.mdl')", "change ", 1),
+    "a path that is its own object": ("class Where:\n    def __fspath__(self):\n"
+                                      "        return '{outside}/secret.txt'\n"
+                                      "import os\nos.remove(Where())", "change ", 5),
+    "frames from a refusal's traceback": ("try:\n    import socket\nexcept Exception as e:\n"
+                                          "    import traceback\n"
+                                          "    print(list(traceback.walk_tb(e.__traceback__)))",
+                                          "look inside the running program", 5),
     "lifting the policy itself": ("Vessa._engine.SetWorldTrusted(1)", "change what it may do", 1),
 }
 
@@ -111,6 +118,20 @@ def test_an_extension_module_in_the_world_is_not_loaded(world, folders):
     assert "xxlimited" not in sys.modules
 
 
+def test_the_policy_runs_no_method_of_the_world_s_own(world, folders):
+    # A path whose methods would say it lies in the world's folder.
+    code = ("class Sly(str):\n"
+            "    def startswith(self, *args):\n"
+            "        asked.append(args)\n"
+            "        return True\n"
+            "    __contains__ = __add__ = __radd__ = startswith\n"
+            "asked = []\n"
+            "open(Sly('{outside}/new.txt'), 'w')")
+    refused(world, code, "change ", 7, **folders)
+    assert world.scene.namespace["asked"] == []
+    assert sorted(os.listdir(folders["outside"])) == ["secret.txt"]
+
+
 def test_what_the_world_changes_in_the_real_builtins_is_put_back(world):
     assert run(world, "import builtins\nbuiltins.len = None\nprint(len('abc'))") is None
     assert run(world, "print.__self__.len = None\nprint.__self__.extra = 1") is None
@@ -128,6 +149,7 @@ ALLOWED = {
                             "os.remove('{temp}/scratch.txt')",
     "the program's home": "import os\nprint(len(os.listdir(os.environ['VESSA47_HOME'])) > 0)",
     "the world's folder listed": "import os\nprint('World_Scene.py' in os.listdir('{world}'))",
+    "paths as pathlib's": "import pathlib\n(pathlib.Path('{world}') / 'p.txt').write_text('x')",
 }
 
 

@@ -35,6 +35,7 @@ A refusal raises NotAllowed, a Mistake: the user is told the line and why.
 
 import builtins
 import os
+import pathlib
 import stat
 import sys
 import types
@@ -101,33 +102,51 @@ def _message(what):
 
 
 def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
-    """The audit hook. Every name it uses is bound here, when it is made.
-    search_dirs: where imports look, which the import machinery lists."""
+    """The audit hook. Every name it uses is bound here, when it is made, and it
+    runs no code of the user's own: what the user gave (a path, a module's
+    name) is read as plain text first. search_dirs: where imports look, which
+    the import machinery lists."""
     getframe, get_ident = sys._getframe, __import__("_thread").get_ident
-    fspath, getcwd, lstat, readlink = os.fspath, os.getcwd, os.lstat, os.readlink
+    getcwd, lstat, readlink, fspath = os.getcwd, os.lstat, os.readlink, os.fspath
     is_link, sep, fs_encoding = stat.S_ISLNK, os.sep, sys.getfilesystemencoding()
     str_type, bytes_type, int_type, bool_type = str, bytes, int, bool
-    type_of, length, any_of, as_tuple = type, len, any, tuple
+    type_of, length, is_instance, as_tuple, any_of = type, len, isinstance, tuple, any
+    plain_str, plain_bytes = str.__add__, bytes.__add__
+    path_types = frozenset({os.DirEntry, pathlib.PurePath, pathlib.PurePosixPath,
+                            pathlib.PureWindowsPath, pathlib.Path, pathlib.PosixPath,
+                            pathlib.WindowsPath})
     refused_error, refused_modules, message = NotAllowed, dict(REFUSED_MODULES), _message
     policed = frozenset(_PROGRAM_EVENTS | set(_WRITE_EVENTS) | _READ_EVENTS | _INSIDE_EVENTS
                         | _INSIDE_WHEN_CALLED
                         | {CONFIGURE, IMPORT, "import", "open", "compile", "os.chdir",
                            "os.putenv", "os.unsetenv"})
+    own_questions = frozenset({"sys._getframe", "object.__getattr__"})
     network_families, write_events = _NETWORK_FAMILIES, dict(_WRITE_EVENTS)
-    write_flags = _WRITE_FLAGS
     always_families = _NETWORK_FAMILIES + ("ctypes.",)
-    program_events, read_events = _PROGRAM_EVENTS, _READ_EVENTS
+    program_events, read_events, write_flags = _PROGRAM_EVENTS, _READ_EVENTS, _WRITE_FLAGS
     inside_events, inside_when_called = _INSIDE_EVENTS, _INSIDE_WHEN_CALLED
     code_dirs = program_dirs + library_dirs
-    state = {"trusted": False, "world": None, "home": None, "temp": None,
-             "read": code_dirs, "write": ()}
-    busy = set()    # threads inside the hook: its own frame questions are not policed
+    trusted, readable, writable, folders = False, code_dirs, (), {}
+    busy = set()    # threads asking their own questions of frames: not policed
+
+    def text(value):
+        """value as a plain str, or None; no method of the value's own runs."""
+        kind = type_of(value)
+        if kind is str_type:
+            return value
+        if kind in path_types:      # Python's own path objects
+            value = fspath(value)
+        if is_instance(value, str_type):
+            return plain_str("", value)
+        if is_instance(value, bytes_type):
+            return plain_bytes(b"", value).decode(fs_encoding, "surrogateescape")
+        return None
 
     def resolve(path):
-        """The path from the root, every link followed and ".." resolved."""
-        path = fspath(path)
-        if type_of(path) is bytes_type:
-            path = path.decode(fs_encoding, "surrogateescape")
+        """The path from the root, every link followed and ".." resolved; None
+        for what is no path, or links that go round."""
+        if path is None:
+            return None
         pending = (path if path.startswith(sep) else getcwd() + sep + path).split(sep)
         pending.reverse()
         resolved, links = "", 0
@@ -136,7 +155,7 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
             if part in ("", "."):
                 continue
             if part == "..":
-                resolved = resolved[:resolved.rfind(sep)] if sep in resolved else ""
+                resolved = resolved[:resolved.rfind(sep)]
                 continue
             candidate = resolved + sep + part
             try:
@@ -157,20 +176,15 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
             pending.extend(target)
         return resolved or sep
 
-    def folder(path):
-        return None if path is None else resolve(path) + sep
-
-    def inside(path, roots):
-        return path is not None and (path + sep).startswith(roots)
-
     def configure(key, value):
+        nonlocal trusted, readable, writable
         if key == "trusted":
-            state["trusted"] = bool_type(value)
+            trusted = bool_type(value)
             return
-        state[key] = folder(value)
-        world, home, temp = state["world"], state["home"], state["temp"]
-        state["write"] = as_tuple(p for p in (world, temp) if p is not None)
-        state["read"] = state["write"] + ((home,) if home is not None else ()) + code_dirs
+        folders[key] = None if value is None else resolve(text(value))
+        kept = [folders.get(name) for name in ("world", "temp", "home")]
+        writable = as_tuple(p + sep for p in kept[:2] if p is not None)
+        readable = as_tuple(p + sep for p in kept if p is not None) + code_dirs
 
     def running(frame):
         """(the user's code is running, the engine is working) at frame."""
@@ -186,66 +200,72 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
             frame = frame.f_back
         return False, engine
 
-    def requested_by_users(frame):
-        """The frame that asked for an import, past the import machinery."""
-        while frame is not None and frame.f_code.co_filename.startswith("<frozen importlib"):
+    def asked_by_users(frame):
+        """Whether the first frame that is not Python's library is the user's:
+        the library does what the frame that called it asked."""
+        while frame is not None and not is_engine(frame.f_code) and not is_users(frame.f_code):
             frame = frame.f_back
         return frame is not None and is_users(frame.f_code)
 
-    def check_path(path, write, dir_fd=None, listing=False):
-        if dir_fd is not None or type_of(path) is int_type:
+    def check_path(path, write, listing=False):
+        if type_of(path) is int_type:
             raise refused_error(message("use files or folders by number"))
-        if path is None:
-            path = "."
-        where = resolve(path)
+        given = text("." if path is None else path)
+        where = resolve(given)
+        if where is None:
+            raise refused_error(message(
+                "use %s as a file name" % ("a name that is not text" if given is None
+                                           else "a path whose links go round")))
         if write:
-            if not inside(where, state["write"]):
+            if not (where + sep).startswith(writable):
                 raise refused_error(message(
                     "change %s: it may only change files in the world's folder and the "
-                    "program's temporary folder" % (where or path)))
-        elif not inside(where, state["read"]) and not (
-                listing and where is not None and where + sep in search_dirs):
+                    "program's temporary folder" % where))
+        elif not (where + sep).startswith(readable) and not (
+                listing and where + sep in search_dirs):
             raise refused_error(message(
                 "read %s: it may only read the world's folder and the program's own folders"
-                % (where or path)))
+                % where))
 
-    def check_import(name):
-        reason = refused_modules.get(name.partition(".")[0])
-        if reason is not None:
-            raise refused_error(message("use %s: %s" % (name, reason)))
+    def no_folder_number(args, indexes):
+        for index in indexes:   # -1 or None: no folder descriptor
+            if index < length(args) and args[index] is not None and not (
+                    type_of(args[index]) is int_type and args[index] == -1):
+                raise refused_error(message("use files or folders by number"))
 
     def check_users(event, args, caller):
         """What the user's code may not do itself, or have the engine do for it."""
         if event == "open":
             path, mode, flags = args
-            write = ((type_of(mode) is str_type and any_of(c in mode for c in "wax+"))
+            mode = text(mode) or ""
+            write = (any_of(c in mode for c in "wax+")
                      or (type_of(flags) is int_type and bool_type(flags & write_flags)))
             check_path(path, write)
         elif event in write_events:
             paths, dir_fds = write_events[event]
-            for index in dir_fds:   # -1 or None: no folder descriptor
-                if index < length(args) and args[index] not in (None, -1):
-                    check_path(None, True, args[index])
+            no_folder_number(args, dir_fds)
             for index in paths:
                 check_path(args[index], True)
-            target = args[0] if event == "os.symlink" else None
-            if type_of(target) is str_type and not target.startswith(sep):
+            target = text(args[0]) if event == "os.symlink" else None
+            if target is not None and not target.startswith(sep):
                 # a relative link points from the folder it is made in
-                check_path(fspath(args[1]).rpartition(sep)[0] + sep + target, True)
+                check_path((text(args[1]) or "").rpartition(sep)[0] + sep + target, True)
         elif event in read_events:
             check_path(args[0] if args else None, False, listing=True)
-        elif event in (IMPORT, "import"):
-            if event == IMPORT or requested_by_users(caller):
-                check_import(args[0])
+        elif event == IMPORT or (event == "import" and asked_by_users(caller)):
+            name = text(args[0]) or ""
+            reason = refused_modules.get(name.partition(".")[0])
+            if reason is not None:
+                raise refused_error(message("use %s: %s" % (name, reason)))
         elif event == "os.chdir":
             raise refused_error(message("change the current folder"))
         elif event in ("os.putenv", "os.unsetenv"):
             raise refused_error(message("change the environment"))
         elif event == "compile":
-            filename = args[1]
-            if type_of(filename) is str_type and filename.startswith(code_dirs + ("<frozen ",)):
+            filename = text(args[1])
+            if filename is not None and filename.startswith(code_dirs + ("<frozen ",)):
                 raise refused_error(message("pretend to be the program's own code"))
-        elif event in inside_events or event in inside_when_called:
+        elif event in inside_events or (event in inside_when_called and asked_by_users(caller)):
             raise refused_error(message("look inside the running program (%s)" % event))
 
     def check_always(event, args):
@@ -257,33 +277,37 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
         if event.startswith("ctypes."):
             raise refused_error(message("use ctypes: it runs code outside Python"))
         if event == "import":
-            path = args[1]      # an extension module's file; None for Python's own
-            if type_of(path) is str_type and not path.startswith(code_dirs):
+            path = text(args[1])    # an extension module's file; None for Python's own
+            if path is not None and not path.startswith(code_dirs):
                 raise refused_error(message("load %s: it runs code outside Python" % path))
 
     def hook(event, args):
+        if type_of(event) is not str_type:
+            event = text(event)
         if event not in policed and not event.startswith(always_families):
             return
         me = get_ident()
-        if me in busy:
+        nested = me in busy
+        if nested and event in own_questions:
             return
         busy.add(me)
         try:
             caller = getframe(1)
-            if event in inside_when_called and not is_users(caller.f_code):
-                return      # the engine or Python's library: often, and always fine
+            if event in inside_when_called and not asked_by_users(caller):
+                return      # the engine, or Python's library for it: often, and fine
             users, engine = running(caller)
             if event == CONFIGURE:
                 if users:
                     raise refused_error(message("change what it may do"))
                 configure(*args)
-            elif not state["trusted"]:
+            elif not trusted:
                 if users or engine:
                     check_always(event, args)
                 if users:
                     check_users(event, args, caller)
         finally:
-            busy.discard(me)
+            if not nested:
+                busy.discard(me)
 
     return hook
 
