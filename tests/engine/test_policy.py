@@ -38,6 +38,7 @@ def world(folders):
 
 def run(engine, code, **folders):
     """Runs the world's code; answers the popup of its failure, or None."""
+    engine.scene.namespace["os_file"] = os.__file__
     engine.ExecuteCode(code.format(**{k: str(v) for k, v in folders.items()}),
                        "<Script Text>", "exec")
     popups = tagged(misc(engine), "popuperrordialog")
@@ -90,6 +91,10 @@ REFUSED = {
                                           "    print(list(traceback.walk_tb(e.__traceback__)))",
                                           "look inside the running program", 5),
     "lifting the policy itself": ("Vessa._engine.SetWorldTrusted(1)", "change what it may do", 1),
+    "passing for the front end": ("exec(compile('import socket', '<Tool>', 'exec'))",
+                                  "pretend to be the program's own code", 1),
+    "passing for Python's library": ("exec(compile('import socket', os_file, 'exec'))",
+                                     "pretend to be the program's own code", 1),
 }
 
 
@@ -134,8 +139,8 @@ def test_the_policy_runs_no_method_of_the_world_s_own(world, folders):
 
 def test_what_the_world_changes_in_the_real_builtins_is_put_back(world):
     assert run(world, "import builtins\nbuiltins.len = None\nprint(len('abc'))") is None
-    assert run(world, "print.__self__.len = None\nprint.__self__.extra = 1") is None
-    assert builtins.len("abc") == 3 and not hasattr(builtins, "extra")
+    assert run(world, "print.__self__.len = None\ndel print.__self__.abs") is None
+    assert builtins.len("abc") == 3 and builtins.abs(-1) == 1
     assert run(world, "print(len('abc'))") is None
 
 
@@ -167,6 +172,12 @@ def test_the_front_end_s_own_work_is_not_held_by_the_world_s_policy(world, folde
         gallery = os.path.join(os.environ["VESSA47_HOME"], "Objects", "Animals", "Bunny.mdl")
         assert world.addobject(gallery) is None
         assert run(world, "print(Bunny.GetName())") is None
+
+
+def test_the_front_end_s_own_statements_are_not_the_world_s_code(world, folders):
+    assert world.ExecuteCode("open(%r).read()" % str(folders["outside"] / "secret.txt"),
+                             "<Tool>", "exec") is None
+    assert misc(world) == []
 
 
 def test_a_trusted_world_may_do_anything_until_another_world_is_loaded(world, folders):

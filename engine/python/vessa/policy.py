@@ -34,6 +34,7 @@ A refusal raises NotAllowed, a Mistake: the user is told the line and why.
 """
 
 import builtins
+import operator
 import os
 import pathlib
 import stat
@@ -125,7 +126,7 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
     always_families = _NETWORK_FAMILIES + ("ctypes.",)
     program_events, read_events, write_flags = _PROGRAM_EVENTS, _READ_EVENTS, _WRITE_FLAGS
     inside_events, inside_when_called = _INSIDE_EVENTS, _INSIDE_WHEN_CALLED
-    code_dirs = program_dirs + library_dirs
+    code_dirs, front_end_sources = program_dirs + library_dirs, trust.FRONT_END_SOURCES
     trusted, readable, writable, folders = False, code_dirs, (), {}
     busy = set()    # threads asking their own questions of frames: not policed
 
@@ -262,9 +263,7 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
         elif event in ("os.putenv", "os.unsetenv"):
             raise refused_error(message("change the environment"))
         elif event == "compile":
-            filename = text(args[1])
-            if filename is not None and filename.startswith(code_dirs + ("<frozen ",)):
-                raise refused_error(message("pretend to be the program's own code"))
+            raise refused_error(message("pretend to be the program's own code"))
         elif event in inside_events or (event in inside_when_called and asked_by_users(caller)):
             raise refused_error(message("look inside the running program (%s)" % event))
 
@@ -281,10 +280,26 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
             if path is not None and not path.startswith(code_dirs):
                 raise refused_error(message("load %s: it runs code outside Python" % path))
 
+    def forged(filename):
+        filename = text(filename)
+        return filename is not None and (filename in front_end_sources
+                                         or filename.startswith(code_dirs + ("<frozen ",)))
+
+    def worth_asking(event, args):
+        """Cheap questions first: most imports and compiles need no look at the stack."""
+        if event == "compile":
+            return forged(args[1])
+        if event == "import":
+            name = text(args[0]) or ""
+            return name.partition(".")[0] in refused_modules or args[1] is not None
+        return True
+
     def hook(event, args):
         if type_of(event) is not str_type:
             event = text(event)
         if event not in policed and not event.startswith(always_families):
+            return      # most events: as little as can be
+        if not worth_asking(event, args):
             return
         me = get_ident()
         nested = me in busy
@@ -353,21 +368,18 @@ def _make_restorer():
     after the user's code, which may have changed them."""
     current = vars(builtins)
     real = list(current.items())
-    real_names = frozenset(name for name, _ in real)
-    length, type_of, str_type, every, pairs = len, type, str, all, zip
+    names, values = [name for name, _ in real], [value for _, value in real]
+    lookup, each, every, same = current.get, map, all, operator.is_
 
     def restore_builtins():
-        """Puts back what the user's code changed in the real builtins. The last
-        value printed at the prompt (`_`) stays."""
-        if length(current) == length(real) and every(
-                name is real_name and value is real_value
-                for (name, value), (real_name, real_value) in pairs(current.items(), real)):
+        """Puts back what the user's code changed or took away in the real
+        builtins. Names it added stay: they hide none the engine uses (its
+        modules define or import every name they use), and pybind11 keeps
+        its own there."""
+        if every(each(same, each(lookup, names), values)):
             return
-        for name in [n for n in current
-                     if type_of(n) is str_type and n != "_" and n not in real_names]:
-            del current[name]
         for name, value in real:
-            if current.get(name) is not value:
+            if lookup(name) is not value:
                 current[name] = value
 
     return restore_builtins, dict(real)

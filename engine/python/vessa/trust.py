@@ -1,9 +1,9 @@
 """Whose code a frame runs: the engine's, Python's own, or the user's.
 
 The user's code is any code not read from a file of the engine's package or of
-Python's library: what the world's text compiles to, and whatever that code
-compiles or imports from elsewhere (a string given to exec, a module in the
-world's folder). The watchdog raises only in the user's frames, and the
+Python's library, nor the front end's own statements: what the world's text
+compiles to, and whatever that code compiles or imports from elsewhere (a
+string given to exec, a module in the world's folder). The watchdog raises only in the user's frames, and the
 policy applies while they run.
 
 The judges are closures over what they need, taken when they are made, so that
@@ -15,6 +15,8 @@ import site
 import sysconfig
 
 ENGINE_DIR = os.path.join(os.path.dirname(os.path.abspath(__file__)), "")
+# The source tags of the front end's own statements (its start-up, its tools).
+FRONT_END_SOURCES = frozenset({"<Init>", "<Tool>"})
 
 
 def library_dirs():
@@ -37,10 +39,10 @@ def _both_spellings(paths):
 
 def judges():
     """(is_engine(code), is_users(code)): the engine's own code, and code that
-    is neither the engine's nor Python's."""
+    is neither the engine's, the front end's statements nor Python's."""
     engine_dirs = _both_spellings([ENGINE_DIR])
     trusted = engine_dirs + library_dirs() + ("<frozen ",)
-    verdicts = {}
+    verdicts = dict.fromkeys(FRONT_END_SOURCES, False)
 
     def is_engine(code):
         return code.co_filename.startswith(engine_dirs)

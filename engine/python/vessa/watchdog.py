@@ -3,7 +3,8 @@ engine call, so that it is told to the user like any error in their code.
 
 A run is the user's code called by the engine (the CodeRunner enters the
 watchdog around it); arming and disarming one is a few assignments, so engine
-calls stay cheap. One thread waits for the deadline of the run in progress; a
+calls stay cheap. One thread waits for the deadline of the run in progress
+(woken by a run only when it waits for none, or for a later one); a
 ManualClock instead tells the watchdog each time it is advanced, so a test
 knows exactly when the limit passes. At the limit the stopper (stopper.py)
 makes every line and instruction of the user's frames raise CodeTookTooLong.
@@ -40,6 +41,7 @@ DEFAULT_SECONDS = 5.0
 REPEAT_SECONDS = 0.1        # a pure-Python stop is asked for again this often
 RECURSION_HEADROOM = 200
 TIME, MEMORY = "time", "memory"
+_DECIDING = object()        # the watchdog's thread is choosing its next deadline
 MEMORY_MESSAGE = "your code asked for too much memory"
 
 
@@ -78,7 +80,7 @@ def _drop_repeated_entries(traceback):
 
 class _Run:
     __slots__ = ("thread_id", "deadline", "counted", "stopping", "stop_type", "tracer",
-                 "recursion_limit", "unraisable")
+                 "recursion_limit", "unraisable", "noted")
 
     def __init__(self, thread_id, deadline, counted):
         self.thread_id = thread_id
@@ -89,6 +91,7 @@ class _Run:
         self.tracer = _gettrace()
         self.recursion_limit = None
         self.unraisable = None      # Python's hook for errors it can only note
+        self.noted = False          # a stop was only noted (in a __del__)
 
 
 class Watchdog:
@@ -104,6 +107,7 @@ class Watchdog:
         self._budget = budget.create()
         self._run = None
         self._closed = False
+        self._waiting_until = None      # the thread's deadline; None: none
         self._thread = None
         if threading is not None:
             self._lock = threading.Lock()
@@ -131,7 +135,10 @@ class Watchdog:
         if run.counted:
             self._budget.begin(self.budget_bytes, self._over_budget)
         self._run = run
-        self._wake.set()
+        waiting_until = self._waiting_until
+        if waiting_until is None or waiting_until is _DECIDING \
+                or waiting_until > run.deadline:
+            self._wake.set()    # else the thread wakes at its own time, before this deadline
         return True
 
     def __exit__(self, exc_type, exc, traceback):
@@ -152,8 +159,8 @@ class Watchdog:
             sys.unraisablehook = run.unraisable
         if isinstance(exc, MemoryError):
             raise CodeTookTooMuchMemory(MEMORY_MESSAGE).with_traceback(traceback) from None
-        if stopping and exc is None:
-            # Stopped where Python can only note it (a __del__): told all the same.
+        if exc is None and run.noted:
+            # Stopped where Python could only note it (a __del__): told all the same.
             raise run.stop_type(self.message() if stopping == TIME else MEMORY_MESSAGE)
         first = _first_stop(exc, run.stop_type)
         if first is not None:
@@ -183,19 +190,21 @@ class Watchdog:
             run.recursion_limit = _getrecursionlimit()
             _setrecursionlimit(run.recursion_limit + RECURSION_HEADROOM)
             run.unraisable = sys.unraisablehook
-            sys.unraisablehook = self._quiet_about_stops(run.unraisable)
+            sys.unraisablehook = self._quiet_about_stops(run)
             base, message = ((CodeTookTooLong, self.message()) if reason == TIME
                              else (CodeTookTooMuchMemory, MEMORY_MESSAGE))
             run.stop_type = type(base.__name__, (base,), {"__module__": base.__module__})
             self._stopper.stop(run.thread_id, run.stop_type, message)
 
     @staticmethod
-    def _quiet_about_stops(hook):
+    def _quiet_about_stops(run):
         """A stop in a __del__ can only be noted: the user hears of the stop
         from the engine, not as an error ignored there."""
         def unraisable(info):
-            if not isinstance(info.exc_value, CodeStopped):
-                hook(info)
+            if isinstance(info.exc_value, CodeStopped):
+                run.noted = True
+            else:
+                run.unraisable(info)
         return unraisable
 
     # -- the watchdog thread ------------------------------------------------
@@ -211,12 +220,14 @@ class Watchdog:
     def _watch(self):
         while not self._closed:
             self._wake.clear()
+            self._waiting_until = _DECIDING    # a run that starts now wakes it
             run = self._run
             if run is not None and run.stopping is not None:
                 if not self._wake.wait(REPEAT_SECONDS) and run is self._run:
                     self._stopper.repeat()
             else:
-                self._clock.wait_until(run.deadline if run is not None else None, self._wake)
+                self._waiting_until = run.deadline if run is not None else None
+                self._clock.wait_until(self._waiting_until, self._wake)
                 self._check(self._clock.now())
 
     def close(self):
