@@ -3,11 +3,13 @@
 The user's code is any code not read from a file of the engine's package or of
 Python's library, nor the front end's own statements: what the world's text
 compiles to, and whatever that code compiles or imports from elsewhere (a
-string given to exec, a module in the world's folder). The watchdog raises only in the user's frames, and the
-policy applies while they run.
+string given to exec, a module in the world's folder). The watchdog raises
+only in the user's frames, and the policy applies while they run.
 
 The judges are closures over what they need, taken when they are made, so that
-code which rebinds names in modules later can't change their answers.
+code which rebinds names in modules later can't change their answers. They
+judge by file name: code the library compiles from a string at run time
+(namedtuple, dataclasses) counts as the user's, so the engine makes none.
 """
 
 import os

@@ -72,7 +72,8 @@ def _drop_repeated_entries(traceback):
     """CPython notes a frame twice when a Python trace function raises in it."""
     while traceback is not None and traceback.tb_next is not None:
         following = traceback.tb_next
-        if following.tb_frame is traceback.tb_frame and following.tb_lasti == traceback.tb_lasti:
+        if (following.tb_frame is traceback.tb_frame
+                and following.tb_lasti == traceback.tb_lasti):
             traceback.tb_next = following.tb_next
         else:
             traceback = following
@@ -157,17 +158,23 @@ class Watchdog:
             _settrace(run.tracer)
             _setrecursionlimit(run.recursion_limit)
             sys.unraisablehook = run.unraisable
+        told = self._as_told(run, exc, traceback)
+        if told is not exc:
+            raise told from None
+        return False
+
+    def _as_told(self, run, exc, traceback):
+        """What the user is told of a run that ended with exc (None: it didn't fail)."""
         if isinstance(exc, MemoryError):
-            raise CodeTookTooMuchMemory(MEMORY_MESSAGE).with_traceback(traceback) from None
+            return CodeTookTooMuchMemory(MEMORY_MESSAGE).with_traceback(traceback)
         if exc is None and run.noted:
             # Stopped where Python could only note it (a __del__): told all the same.
-            raise run.stop_type(self.message() if stopping == TIME else MEMORY_MESSAGE)
+            return run.stop_type(self.message() if run.stopping == TIME else MEMORY_MESSAGE)
         first = _first_stop(exc, run.stop_type)
-        if first is not None:
-            _drop_repeated_entries(first.__traceback__)
-        if first is not None and first is not exc:
-            raise first from None
-        return False
+        if first is None:
+            return exc
+        _drop_repeated_entries(first.__traceback__)
+        return first
 
     def _over_budget(self):
         """Called at the next instruction after the budget refused a block."""
