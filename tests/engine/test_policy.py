@@ -83,6 +83,7 @@ REFUSED = {
     "the environment": ("import os\nos.environ['PATH'] = '{outside}'", "change the environment", 2),
     "files by number": ("import os\nos.read(0, 10)\nopen(0)", "use files or folders by number", 3),
     "the engine storing for the world": ("Camera.store('{outside}/camera.mdl')", "change ", 1),
+    "the engine reading for the world": ("Camera.model = '{outside}/secret.txt#0'", "read ", 1),
     "a path that is its own object": ("class Where:\n    def __fspath__(self):\n"
                                       "        return '{outside}/secret.txt'\n"
                                       "import os\nos.remove(Where())", "change ", 5),

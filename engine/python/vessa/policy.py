@@ -406,7 +406,8 @@ class AnnouncedFiles:
 
     def __getattr__(self, name):
         value = getattr(self._backend, name)
-        setattr(self, name, value)      # found once, then as fast as the backend's own
+        if callable(value):
+            setattr(self, name, value)  # found once, then as fast as the backend's own
         return value
 
     def load_model(self, path):
