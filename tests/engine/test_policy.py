@@ -79,6 +79,8 @@ REFUSED = {
                           "os.rename('{world}/mine.txt', '{outside}/mine.txt')", "change ", 3),
     "a link out of the world": ("import os\nos.symlink('{outside}', '{world}/way_out')",
                                 "change ", 2),
+    "a link that climbs out": ("import os\nos.symlink('../outside', '{world}/way_out')",
+                               "change ", 2),
     "os.chdir": ("import os\nos.chdir('{outside}')", "change the current folder", 2),
     "the environment": ("import os\nos.environ['PATH'] = '{outside}'", "change the environment", 2),
     "files by number": ("import os\nos.read(0, 10)\nopen(0)", "use files or folders by number", 3),
@@ -155,6 +157,7 @@ ALLOWED = {
                             "os.remove('{temp}/scratch.txt')",
     "the program's home": "import os\nprint(len(os.listdir(os.environ['VESSA47_HOME'])) > 0)",
     "the world's folder listed": "import os\nprint('World_Scene.py' in os.listdir('{world}'))",
+    "a link within the world": "import os\nos.symlink('World_Scene.py', '{world}/alias')",
     "paths as pathlib's": "import pathlib\n(pathlib.Path('{world}') / 'p.txt').write_text('x')",
 }
 

@@ -4,8 +4,8 @@ A world from someone else runs its hand-written Python when the user presses
 Perform. Unless the user trusts the world, that code may not start other
 programs, use the network, reach code outside Python (ctypes, cffi, extension
 modules from outside Python's library), look inside the running program (gc,
-frames, code objects, audit hooks), change the current folder
-or the environment, change files outside the world's folder and the program's
+frames, code objects, audit hooks), change the current folder or the
+environment, change files outside the world's folder and the program's
 temporary folder, or read files outside those, the program's home folder and
 its installed folders (Python's library among them).
 
@@ -78,18 +78,19 @@ _PROGRAM_EVENTS = frozenset({"os.system", "os.exec", "os.posix_spawn", "os.spawn
 _NETWORK_FAMILIES = ("socket.", "urllib.", "ftplib.", "smtplib.", "http.client.", "imaplib.",
                      "poplib.", "nntplib.", "telnetlib.", "webbrowser.")
 # Events that change files: where their paths are, and their folder descriptors.
+# (A link's target is checked from the folder the link is made in.)
 _WRITE_EVENTS = {
     "os.remove": ((0,), (1,)), "os.rmdir": ((0,), (1,)), "os.mkdir": ((0,), (2,)),
     "os.truncate": ((0,), ()), "os.chmod": ((0,), (2,)), "os.chown": ((0,), (3,)),
     "os.utime": ((0,), (3,)), "os.chflags": ((0,), ()), "os.lchflags": ((0,), ()),
     "os.setxattr": ((0,), ()), "os.removexattr": ((0,), ()), "shutil.rmtree": ((0,), (1,)),
-    "os.rename": ((0, 1), (2, 3)), "os.link": ((0, 1), (2, 3)), "os.symlink": ((0, 1), (2,)),
+    "os.rename": ((0, 1), (2, 3)), "os.link": ((0, 1), (2, 3)), "os.symlink": ((1,), (2,)),
     "sqlite3.connect": ((0,), ()),
 }
 _READ_EVENTS = frozenset({"os.listdir", "os.scandir", "os.listxattr", "os.getxattr"})
 _INSIDE_EVENTS = frozenset({"sys.addaudithook", "sys._current_frames", "sys._current_exceptions",
                             "gc.get_objects", "gc.get_referrers", "gc.get_referents"})
-# Fine inside Python's library and the engine, not called by the user's code itself.
+# Fine for the engine, and for Python's library when the engine asked for it.
 # (sys.settrace is not among them: CPython itself takes away a trace function
 # that raised, announced as if from the frame it was tracing.)
 _INSIDE_WHEN_CALLED = frozenset({"sys._getframe", "object.__getattr__", "object.__setattr__",
@@ -247,10 +248,11 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
             no_folder_number(args, dir_fds)
             for index in paths:
                 check_path(args[index], True)
-            target = text(args[0]) if event == "os.symlink" else None
-            if target is not None and not target.startswith(sep):
-                # a relative link points from the folder it is made in
-                check_path((text(args[1]) or "").rpartition(sep)[0] + sep + target, True)
+            if event == "os.symlink":
+                target, link = text(args[0]), text(args[1]) or ""
+                if target is not None and not target.startswith(sep):
+                    target = link.rpartition(sep)[0] + sep + target
+                check_path(target, True)
         elif event in read_events:
             check_path(args[0] if args else None, False, listing=True)
         elif event == IMPORT or (event == "import" and asked_by_users(caller)):
