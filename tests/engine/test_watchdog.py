@@ -3,11 +3,12 @@ in the user's code, and the engine goes on. The same for memory."""
 
 import os
 import threading
+import traceback
 
 import pytest
 
 from conftest import misc, tagged
-from vessa import Interpreter
+from vessa import Interpreter, reports
 from vessa.clock import ManualClock
 
 LIMIT = 0.1
@@ -163,12 +164,19 @@ def test_the_stop_tells_the_line_that_was_running(interp):
     assert stopped_report(interp)[2] == "3"
 
 
-def test_a_stopped_run_leaves_the_engine_s_own_work_whole(interp):
-    # The loop spends most of its time in the engine's commands: the stop
-    # waits for the user's line, and what the engine was doing is finished.
+def test_the_stop_comes_in_the_user_s_line_never_inside_the_engine(interp, monkeypatch):
+    told = []
+    real = reports.user_traceback
+    monkeypatch.setattr(reports, "user_traceback",
+                        lambda exc, tags: told.append(exc) or real(exc, tags))
+    # The loop spends most of its time in the engine's command.
     interp.ExecuteCode("while True:\n    Camera.Move(Forward, 1, Duration=0)\n",
                        "<Script Text>", "exec")
     assert stopped_report(interp)[2] == "2"
+    frames = [frame.filename for frame in traceback.extract_tb(told[0].__traceback__)]
+    past_the_line = frames[frames.index("<Script Text>") + 1:]
+    # Only the pure-Python stop's own tracer may stand below the user's line.
+    assert all(name.endswith("stopper.py") for name in past_the_line), frames
     interp.Loop()
     assert tagged(misc(interp), "popuperrordialog") == []
     still_working(interp)
