@@ -184,6 +184,18 @@ def test_the_front_end_s_own_statements_are_not_the_world_s_code(world, folders)
     assert misc(world) == []
 
 
+def test_what_the_engine_does_for_the_world_within_its_folders_works(world, folders,
+                                                                       backend_kind):
+    home = os.environ["VESSA47_HOME"]
+    code = ("Camera.model = %r\nPlaySound(%r)\n"
+            % (os.path.join(home, "Objects", "Animals", "Bunny.mdl#0"),
+               os.path.join(home, "Sounds", "Boing.wav")))
+    if backend_kind == "compiled":     # the pure-Python backend writes no object files
+        code += "Camera.store('{world}/camera.mdl')\n"
+    assert run(world, code, **folders) is None
+    assert backend_kind == "python" or (folders["world"] / "camera.mdl").exists()
+
+
 def test_a_trusted_world_may_do_anything_until_another_world_is_loaded(world, folders):
     assert world.SetWorldTrusted(1) is None
     assert run(world, "import socket\nopen('{outside}/new.txt', 'w').close()", **folders) is None
