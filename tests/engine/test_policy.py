@@ -11,7 +11,7 @@ import tempfile
 import pytest
 
 from conftest import misc, tagged
-from vessa import Interpreter
+from vessa import Interpreter, policy
 
 ONLY_TRUSTED = "Only a world you trust may do that."
 
@@ -138,6 +138,18 @@ def test_the_policy_runs_no_method_of_the_world_s_own(world, folders):
     refused(world, code, "change ", 7, **folders)
     assert world.scene.namespace["asked"] == []
     assert sorted(os.listdir(folders["outside"])) == ["secret.txt"]
+
+
+def test_the_policy_makes_its_refusals_without_the_world_s_help(world, monkeypatch):
+    monkeypatch.setattr(policy.NotAllowed, "__init__", policy.NotAllowed.__init__)
+    code = ("asked = []\n"
+            "try:\n"
+            "    import socket\n"
+            "except Exception as refusal:\n"
+            "    type(refusal).__init__ = lambda self, *args: asked.append(args)\n"
+            "import gc")
+    refused(world, code, "use gc", 6)
+    assert world.scene.namespace["asked"] == []
 
 
 def test_what_the_world_changes_in_the_real_builtins_is_put_back(world):

@@ -36,7 +36,6 @@ A refusal raises NotAllowed, a Mistake: the user is told the line and why.
 import builtins
 import operator
 import os
-import pathlib
 import stat
 import sys
 import types
@@ -109,15 +108,12 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
     name) is read as plain text first. search_dirs: where imports look, which
     the import machinery lists."""
     getframe, get_ident = sys._getframe, __import__("_thread").get_ident
-    getcwd, lstat, readlink, fspath = os.getcwd, os.lstat, os.readlink, os.fspath
+    getcwd, lstat, readlink = os.getcwd, os.lstat, os.readlink
     is_link, sep, fs_encoding = stat.S_ISLNK, os.sep, sys.getfilesystemencoding()
     str_type, bytes_type, int_type, bool_type = str, bytes, int, bool
     type_of, length, is_instance, as_tuple, any_of = type, len, isinstance, tuple, any
-    plain_str, plain_bytes = str.__add__, bytes.__add__
-    path_types = frozenset({os.DirEntry, pathlib.PurePath, pathlib.PurePosixPath,
-                            pathlib.PureWindowsPath, pathlib.Path, pathlib.PosixPath,
-                            pathlib.WindowsPath})
-    refused_error, refused_modules, message = NotAllowed, dict(REFUSED_MODULES), _message
+    plain_str, plain_bytes, new_exception = str.__add__, bytes.__add__, Exception.__new__
+    refused_modules, message = dict(REFUSED_MODULES), _message
     policed = frozenset(_PROGRAM_EVENTS | set(_WRITE_EVENTS) | _READ_EVENTS | _INSIDE_EVENTS
                         | _INSIDE_WHEN_CALLED
                         | {CONFIGURE, IMPORT, "import", "open", "compile", "os.chdir",
@@ -131,13 +127,17 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
     trusted, readable, writable, folders = False, code_dirs, (), {}
     busy = set()    # threads asking their own questions of frames: not policed
 
+    def refused(what):
+        """The refusal, made without any method its class may since have been given."""
+        return new_exception(NotAllowed, message(what))
+
     def text(value):
-        """value as a plain str, or None; no method of the value's own runs."""
+        """value as a plain str, or None; no method of the value's own runs.
+        (Python converts paths before it announces them; the few it passes
+        as given, objects of their own, are refused.)"""
         kind = type_of(value)
         if kind is str_type:
             return value
-        if kind in path_types:      # Python's own path objects
-            value = fspath(value)
         if is_instance(value, str_type):
             return plain_str("", value)
         if is_instance(value, bytes_type):
@@ -211,29 +211,29 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
 
     def check_path(path, write, listing=False):
         if type_of(path) is int_type:
-            raise refused_error(message("use files or folders by number"))
+            raise refused("use files or folders by number")
         given = text("." if path is None else path)
         where = resolve(given)
         if where is None:
-            raise refused_error(message(
+            raise refused(
                 "use %s as a file name" % ("a name that is not text" if given is None
-                                           else "a path whose links go round")))
+                                           else "a path whose links go round"))
         if write:
             if not (where + sep).startswith(writable):
-                raise refused_error(message(
+                raise refused(
                     "change %s: it may only change files in the world's folder and the "
-                    "program's temporary folder" % where))
+                    "program's temporary folder" % where)
         elif not (where + sep).startswith(readable) and not (
                 listing and where + sep in search_dirs):
-            raise refused_error(message(
+            raise refused(
                 "read %s: it may only read the world's folder and the program's own folders"
-                % where))
+                % where)
 
     def no_folder_number(args, indexes):
         for index in indexes:   # -1 or None: no folder descriptor
             if index < length(args) and args[index] is not None and not (
                     type_of(args[index]) is int_type and args[index] == -1):
-                raise refused_error(message("use files or folders by number"))
+                raise refused("use files or folders by number")
 
     def check_users(event, args, caller):
         """What the user's code may not do itself, or have the engine do for it."""
@@ -259,28 +259,28 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
             name = text(args[0]) or ""
             reason = refused_modules.get(name.partition(".")[0])
             if reason is not None:
-                raise refused_error(message("use %s: %s" % (name, reason)))
+                raise refused("use %s: %s" % (name, reason))
         elif event == "os.chdir":
-            raise refused_error(message("change the current folder"))
+            raise refused("change the current folder")
         elif event in ("os.putenv", "os.unsetenv"):
-            raise refused_error(message("change the environment"))
+            raise refused("change the environment")
         elif event == "compile":
-            raise refused_error(message("pretend to be the program's own code"))
+            raise refused("pretend to be the program's own code")
         elif event in inside_events or (event in inside_when_called and asked_by_users(caller)):
-            raise refused_error(message("look inside the running program (%s)" % event))
+            raise refused("look inside the running program (%s)" % event)
 
     def check_always(event, args):
         """What no code may do while the engine works: it never needs it."""
         if event in program_events:
-            raise refused_error(message("start other programs"))
+            raise refused("start other programs")
         if event.startswith(network_families):
-            raise refused_error(message("use the network"))
+            raise refused("use the network")
         if event.startswith("ctypes."):
-            raise refused_error(message("use ctypes: it runs code outside Python"))
+            raise refused("use ctypes: it runs code outside Python")
         if event == "import":
             path = text(args[1])    # an extension module's file; None for Python's own
             if path is not None and not path.startswith(code_dirs):
-                raise refused_error(message("load %s: it runs code outside Python" % path))
+                raise refused("load %s: it runs code outside Python" % path)
 
     def forged(filename):
         filename = text(filename)
@@ -315,7 +315,7 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
             users, engine = running(caller)
             if event == CONFIGURE:
                 if users:
-                    raise refused_error(message("change what it may do"))
+                    raise refused("change what it may do")
                 configure(*args)
             elif not trusted:
                 if users or engine:
