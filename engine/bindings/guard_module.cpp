@@ -10,11 +10,12 @@
 //
 // A memory budget. Python's object and memory allocators are wrapped (as
 // CPython allows after start-up: each call goes on to the allocator that was
-// there). While a run is counted, the bytes it holds are added up: blocks
-// over pymalloc's small-request size by their own size, small objects by the
-// arenas pymalloc takes for them. A block that would take the run past its
-// budget is refused, as if memory had run out, and the engine hears of it at
-// the next instruction through a pending call.
+// there). While a run is counted, the bytes its thread holds are added up:
+// blocks over pymalloc's small-request size by their own size, small objects
+// by the arenas pymalloc takes for them. A block that would take the run past
+// its budget is refused, as if memory had run out, and the engine hears of it
+// at the next instruction through a pending call. Once past it, blocks small
+// enough for the engine to stop the run and tell the user are let through.
 #include <Python.h>
 #include <frameobject.h>
 
@@ -135,12 +136,15 @@ void release() {
 
 // pymalloc serves requests up to this size from its arenas.
 constexpr size_t kSmallRequest = 512;
+// Once the budget is exceeded, what the engine may still take to stop the run.
+constexpr size_t kRoomToStop = 64 * 1024;
 
 struct Budget {
     PyMemAllocatorEx mem{}; // the allocators wrapped
     PyMemAllocatorEx object{};
     PyObjectArenaAllocator arena{};
     bool counting = false;
+    unsigned long thread = 0; // the run's thread: other threads are not counted
     bool exceeded = false;
     long long limit = 0; // bytes
     long long held = 0;  // bytes the run holds; below 0 when it freed older memory
@@ -166,12 +170,18 @@ void noteExceeded() {
     }
 }
 
+// Whether this thread's requests are counted now.
+bool counted() {
+    return budget.counting && PyThread_get_thread_ident() == budget.thread;
+}
+
 // True when `more` bytes would take the run past its budget.
 bool refuse(size_t more) {
     if (budget.held + static_cast<long long>(more) <= budget.limit)
         return false;
+    const bool alreadyExceeded = budget.exceeded;
     noteExceeded();
-    return true;
+    return !alreadyExceeded || more >= kRoomToStop;
 }
 
 void remember(void* block, size_t size) {
@@ -197,7 +207,7 @@ PyMemAllocatorEx* wrapped(void* ctx) {
 
 void* countedMalloc(void* ctx, size_t size) {
     PyMemAllocatorEx* inner = wrapped(ctx);
-    if (!budget.counting || size <= kSmallRequest)
+    if (size <= kSmallRequest || !counted())
         return inner->malloc(inner->ctx, size);
     if (refuse(size))
         return nullptr;
@@ -209,8 +219,7 @@ void* countedMalloc(void* ctx, size_t size) {
 
 void* countedCalloc(void* ctx, size_t count, size_t size) {
     PyMemAllocatorEx* inner = wrapped(ctx);
-    if (!budget.counting || size == 0 || count > PY_SSIZE_T_MAX / size ||
-        count * size <= kSmallRequest)
+    if (size == 0 || count > PY_SSIZE_T_MAX / size || count * size <= kSmallRequest || !counted())
         return inner->calloc(inner->ctx, count, size);
     if (refuse(count * size))
         return nullptr;
@@ -222,7 +231,7 @@ void* countedCalloc(void* ctx, size_t count, size_t size) {
 
 void* countedRealloc(void* ctx, void* old, size_t size) {
     PyMemAllocatorEx* inner = wrapped(ctx);
-    if (!budget.counting)
+    if (!counted())
         return inner->realloc(inner->ctx, old, size);
     const auto found = old != nullptr ? budget.blocks.find(old) : budget.blocks.end();
     const size_t before = found != budget.blocks.end() ? found->second : 0;
@@ -249,7 +258,7 @@ void* countedArenaAlloc(void*, size_t size) {
     void* arena = budget.arena.alloc(budget.arena.ctx, size);
     // Refusing an arena would only send small objects to the raw allocator:
     // an arena past the budget is noted, and the engine stops the run.
-    if (arena != nullptr && budget.counting) {
+    if (arena != nullptr && counted()) {
         budget.held += static_cast<long long>(size);
         if (budget.held > budget.limit)
             noteExceeded();
@@ -258,7 +267,7 @@ void* countedArenaAlloc(void*, size_t size) {
 }
 
 void countedArenaFree(void*, void* arena, size_t size) {
-    if (budget.counting)
+    if (counted())
         budget.held -= static_cast<long long>(size);
     budget.arena.free(budget.arena.ctx, arena, size);
 }
@@ -281,6 +290,7 @@ void beginCounting(long long limit, const py::object& onExceeded) {
     budget.held = 0;
     budget.exceeded = false;
     budget.limit = limit;
+    budget.thread = PyThread_get_thread_ident();
     Py_XSETREF(budget.onExceeded, onExceeded.inc_ref().ptr());
     budget.counting = true;
 }
@@ -306,8 +316,8 @@ PYBIND11_MODULE(_guard, m) {
           "False when there is no such thread.");
     m.def("release", &release, "In the stopped thread: end the stop.");
     m.def("begin_counting", &beginCounting, py::arg("limit"), py::arg("on_exceeded"),
-          "Counts what Python allocates from now on against limit bytes; on_exceeded() runs "
-          "at the next instruction once a request was refused.");
+          "Counts what Python allocates in this thread from now on against limit bytes; "
+          "on_exceeded() runs at the next instruction once a request was refused.");
     m.def("end_counting", &endCounting, "Stops counting; True when the budget was exceeded.");
     m.def(
         "held", [] { return budget.held; }, "Bytes counted as held since begin_counting.");

@@ -299,6 +299,16 @@ def test_code_that_catches_the_refusal_is_still_stopped(interp, backend_kind):
     still_working(interp)
 
 
+def test_code_that_fills_the_budget_to_the_brim_is_still_stopped(interp, backend_kind):
+    # Small blocks fill the budget up to the last few hundred bytes: stopping
+    # the run must not need more than that.
+    interp.SetMemoryBudgetMegabytes(16)
+    interp.ExecuteCode("kept = []\nwhile True:\n    try:\n        kept.append(bytearray(600))\n"
+                       "    except MemoryError:\n        pass\n", "<Script Text>", "exec")
+    stopped_report(interp, TOO_MUCH_MEMORY if backend_kind == "compiled" else TOOK_TOO_LONG)
+    still_working(interp)
+
+
 def test_the_budget_is_a_setting_and_counts_only_what_a_run_holds(budgeted):
     interp = budgeted
     interp.SetMemoryBudgetMegabytes(16)

@@ -41,6 +41,9 @@ class CountedBudget:
         """True when the run asked for more than its budget."""
         return self._guard.end_counting()
 
+    def relax(self):
+        """The run is being stopped: the engine has the room it needs for that."""
+
 
 class AddressSpaceBudget:
     def __init__(self):
@@ -60,10 +63,14 @@ class AddressSpaceBudget:
         self._saved = (soft, hard)
 
     def end(self):
+        self.relax()
+        return False
+
+    def relax(self):
+        """The run is being stopped: every thread gets its room back to do it."""
         if self._saved is not None:
             resource.setrlimit(resource.RLIMIT_AS, self._saved)
             self._saved = None
-        return False
 
 
 def _address_space_in_use():

@@ -194,6 +194,8 @@ class Watchdog:
             if run is not self._run or run.stopping is not None:
                 return
             run.stopping = reason
+            if run.counted:
+                self._budget.relax()
             run.recursion_limit = _getrecursionlimit()
             _setrecursionlimit(run.recursion_limit + RECURSION_HEADROOM)
             run.unraisable = sys.unraisablehook
@@ -226,16 +228,22 @@ class Watchdog:
 
     def _watch(self):
         while not self._closed:
-            self._wake.clear()
-            self._waiting_until = _DECIDING    # a run that starts now wakes it
-            run = self._run
-            if run is not None and run.stopping is not None:
-                if not self._wake.wait(REPEAT_SECONDS) and run is self._run:
-                    self._stopper.repeat()
-            else:
-                self._waiting_until = run.deadline if run is not None else None
-                self._clock.wait_until(self._waiting_until, self._wake)
-                self._check(self._clock.now())
+            try:
+                self._watch_once()
+            except MemoryError:     # the user's code holds what there was: ask again
+                self._wake.wait(REPEAT_SECONDS)
+
+    def _watch_once(self):
+        self._wake.clear()
+        self._waiting_until = _DECIDING    # a run that starts now wakes it
+        run = self._run
+        if run is not None and run.stopping is not None:
+            if not self._wake.wait(REPEAT_SECONDS) and run is self._run:
+                self._stopper.repeat()
+        else:
+            self._waiting_until = run.deadline if run is not None else None
+            self._clock.wait_until(self._waiting_until, self._wake)
+            self._check(self._clock.now())
 
     def close(self):
         if self._thread is not None:
