@@ -1,6 +1,7 @@
 """Runaway user code is stopped however it catches the stop, told like any error
 in the user's code, and the engine goes on. The same for memory."""
 
+import faulthandler
 import os
 import threading
 import traceback
@@ -14,6 +15,15 @@ from vessa.clock import ManualClock
 LIMIT = 0.1
 TOOK_TOO_LONG = "Your code took too long (more than 0.1 seconds) and was stopped"
 TOO_MUCH_MEMORY = "your code asked for too much memory"
+
+
+@pytest.fixture(autouse=True)
+def no_hang():
+    """A watchdog that fails to stop runaway code would hang the suite: end it
+    with everyone's traceback instead."""
+    faulthandler.dump_traceback_later(120, exit=True)
+    yield
+    faulthandler.cancel_dump_traceback_later()
 
 
 @pytest.fixture
