@@ -6,7 +6,7 @@ import wave
 import pytest
 
 import vessa
-from vessa import Interpreter
+from vessa import Interpreter, native
 from vessa import backend as backends
 
 
@@ -21,9 +21,14 @@ def _compiled_backend():
 
 @pytest.fixture(autouse=True, params=["python", "compiled"])
 def backend_kind(request, monkeypatch):
-    """Every engine test runs against both backends."""
-    make = backends.PythonBackend if request.param == "python" else _compiled_backend()
-    monkeypatch.setattr(backends, "create", make)
+    """Every engine test runs against both backends: the pure-Python engine
+    (no compiled code at all, so no compiled guard either) and the compiled one."""
+    if request.param == "python":
+        monkeypatch.setattr(backends, "create", backends.PythonBackend)
+        monkeypatch.setattr(native, "guard", None)
+    else:
+        monkeypatch.setattr(backends, "create", _compiled_backend())
+        assert native.guard is not None, "the compiled guard is not built"
     return request.param
 
 

@@ -70,6 +70,9 @@ TOLD = [
      "The sound Pop can't be called wait: wait is a word that Vessa or Python uses already."),
     (("destroyed",), "Gone.Turn(Left, 1/4)",
      "Ghost has been destroyed, so it can't Turn any more."),
+    (("not_allowed",), "import socket",
+     "This world's code may not use socket: it uses the network. "
+     "Only a world you trust may do that."),
     (("cant_read",), "Bunny.Move(Forward, 1", "Vessa can't read this line: '(' was never closed."),
     (("cant_do",), "Bunny.Move(Forward, [1][2])", "Vessa can't do this line: list index out of range."),
 ]

@@ -6,10 +6,11 @@ otherwise; user code never fails a call: its errors go out as records.
 """
 
 import os
+import tempfile
 
 from . import backend as backends
 from . import geometry as g
-from . import backups, compat, events, models, namespace, places, records, reports
+from . import backups, compat, events, models, namespace, places, policy, records, reports
 from . import scenefile, sounds
 from .animation import Animator
 from .capture import Capture
@@ -17,7 +18,7 @@ from .clock import WallClock
 from .handbasket import Handbasket
 from .recent import RecentFiles
 from .records import DifferenceQueue
-from .runner import CodeRunner, is_user_code
+from .runner import CodeRunner
 from .scene import Scene
 from .undo import UndoStack
 from .viewinput import ViewInput
@@ -42,14 +43,17 @@ class Interpreter:
         """clock and backend are for tests; the backend is otherwise the
         compiled one when it can be imported (backend.create())."""
         compat.install()
+        clock = clock or WallClock()
         self._queue = DifferenceQueue()
-        self._watchdog = Watchdog(is_user_code)
+        self._watchdog = Watchdog(clock, after_run=policy.restore_builtins)
         self._recent = RecentFiles()
         self._home = places.home_dir()
         self._dirty = False
+        policy.install()
+        policy.configure(trusted=False, world=None, home=self._home, temp=tempfile.gettempdir())
         self.undo = UndoStack(lambda empty: self._queue.add_misc(records.undo_empty_change(empty)))
         self.animator = Animator(
-            backend or backends.create(), clock or WallClock(), self.undo,
+            policy.AnnouncedFiles(backend or backends.create()), clock, self.undo,
             lambda active: self._queue.add_misc(records.active_changed(active)))
         self.scene = Scene(self._queue, self.animator.backend, self.animator, self._mark_dirty)
         self.scene.remember = lambda step: self.undo.push(step)
@@ -104,6 +108,7 @@ class Interpreter:
         if not os.path.isdir(str(directory)):
             return "The home folder %s does not exist." % directory
         self._home = places.with_slash(str(directory))
+        policy.configure(home=self._home)
         return None
 
     def GetHomeDirectory(self):
@@ -123,6 +128,8 @@ class Interpreter:
         return None
 
     def Close(self):
+        # The world's objects go while the watchdog still watches their __del__.
+        self._runner.call(self.scene.namespace.clear)
         self._watchdog.close()
         return None
 
@@ -201,6 +208,17 @@ class Interpreter:
         self._watchdog.seconds = float(seconds)
         return None
 
+    def SetMemoryBudgetMegabytes(self, megabytes):
+        """How much memory user code may take in one call (MiB; 0: no limit)."""
+        self._watchdog.budget_bytes = max(0, int(float(megabytes) * (1 << 20)))
+        return None
+
+    def SetWorldTrusted(self, trusted):
+        """1 lifts the policy on what the world's code may do (policy.py), 0
+        puts it back. Loading a world puts it back."""
+        policy.configure(trusted=bool(int(trusted)))
+        return None
+
     def getisdirty(self):
         return self._dirty
 
@@ -230,9 +248,10 @@ class Interpreter:
             self._queue.write("output", failure + "\n")
         self.undo.truncate(0)
         self.handbasket.forget()
+        policy.configure(world=folder, trusted=False)
         self.scene.root.responses.restore({})
         names = self.scene.namespace
-        names.clear()
+        self._runner.call(names.clear)     # the old world's __del__ are user code
         names.update(namespace.build(self))
         self._dirty = False
         return None
@@ -247,6 +266,7 @@ class Interpreter:
             scenefile.write(self.scene, folder, self.sounds.keep_in_folder(folder))
         except OSError as exc:
             return "SaveScene: %s can't be written: %s" % (folder, exc.strerror)
+        policy.configure(world=folder)
         # The world is saved; a picture that can't be written costs it nothing.
         self.backend.save_picture(os.path.join(folder, THUMBNAIL))
         return None

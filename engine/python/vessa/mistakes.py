@@ -47,6 +47,8 @@ MESSAGES = {
     "why_reserved": "{name} is a word that Vessa or Python uses already",
     "why_taken": "{taken} has that name already",
     "why_taken_case": "{taken} has that name already, and capital letters don't make it new",
+    # what only a world the user trusts may do
+    "not_allowed": "This world's code may not {what}. Only a world you trust may do that.",
     # a line that is the world's own, not hand-written Python
     "cant_read": "Vessa can't read this line: {reason}",
     "cant_do": "Vessa can't do this line: {reason}",

@@ -4,7 +4,7 @@ import builtins
 import itertools
 import keyword
 
-from . import mistakes, vocabulary
+from . import mistakes, policy, vocabulary
 from .animation import DoInOrder, DoTogether
 from .commands import COMMAND_NAMES
 
@@ -101,7 +101,7 @@ def part_refusal(name):
 
 def build(engine):
     """engine offers scene, animator, undo, handbasket and sounds."""
-    names = {"__name__": "__main__", "__builtins__": builtins}
+    names = {"__name__": "__main__", "__builtins__": policy.user_builtins()}
     names.update(vocabulary.WORDS)
     names.update((name, make(engine)) for name, make in LANGUAGE.items())
     for thing in engine.scene.living():

@@ -5,7 +5,7 @@ import sys
 import traceback
 
 from .mistakes import Mistake
-from .watchdog import CodeTookTooLong
+from .watchdog import CodeStopped
 
 NO_LINE = "-1"
 
@@ -19,7 +19,7 @@ def remember_source(tag, text):
 def novice_message(exc):
     """One line a beginner can read: a Mistake's message as it stands, any
     other error as Python names it ("ZeroDivisionError: division by zero")."""
-    if isinstance(exc, (CodeTookTooLong, Mistake)):
+    if isinstance(exc, (CodeStopped, Mistake)):
         return str(exc)
     text = exc.msg if isinstance(exc, SyntaxError) else str(exc)
     name = type(exc).__name__

@@ -1,70 +1,120 @@
-"""Stops user code that runs too long inside one engine call.
+"""Stops the user's code that runs too long or takes too much memory inside one
+engine call, so that it is told to the user like any error in their code.
 
-One persistent thread looks every POLL_SECONDS at the run in progress; arming
-and disarming a run is a few assignments, so engine calls stay cheap.
+A run is the user's code called by the engine (the CodeRunner enters the
+watchdog around it); arming and disarming one is a few assignments, so engine
+calls stay cheap. One thread waits for the deadline of the run in progress
+(woken by a run only when it waits for none, or for a later one); a
+ManualClock instead tells the watchdog each time it is advanced, so a test
+knows exactly when the limit passes. At the limit the stopper (stopper.py)
+makes every line and instruction of the user's frames raise CodeTookTooLong.
+Going past the memory budget (budget.py) stops the run the same way, with
+CodeTookTooMuchMemory, and a MemoryError that ends a run is told in the same
+words.
 
-How a run is stopped: while user code runs, a global trace function is
-installed that does nothing until a stop is requested (new frames get no local
-tracer). When the limit passes, the watchdog thread gives every user frame of
-the running thread a local tracer with opcode events on. At its next
-instruction a user frame raises CodeTookTooLong. That exception derives from
-BaseException so `except Exception:` lets it through, and it is only ever
-raised inside user frames (frames compiled from one of the user's source
-tags), never in the engine's own code.
+Both derive from BaseException, so `except Exception:` lets them through, and
+whatever else catches them, the next instruction of the user's code raises
+again. They are raised only in the user's frames, never in the engine's own
+code. While a run is being stopped, the recursion limit has some room more, so
+that the tracers never meet it.
 
-Python removes the trace function when a tracer raises. User code with a bare
-`except:` would then swallow the stop and carry on untraced, so when the
-swallowed exception is freed (its __del__ runs in the running thread) it puts
-the tracers back, and the next instruction raises again, until the exception
-leaves the user's code. A user who keeps the exception object alive inside a
-loop defeats this; such code must be stopped by closing the program.
-
-Blocking calls (time.sleep, input) are not interrupted. Where no thread can be
-started (a browser build of Python) the watchdog is off.
+Blocking calls (time.sleep, input) are not interrupted: the stop comes when
+they return. Where no thread can be started (a browser build of Python) the
+watchdog is off.
 """
 
 import sys
-import time
+
+from . import budget, stopper
 
 try:
     import threading
 except ImportError:     # a Python built without thread support
     threading = None
 
-POLL_SECONDS = 0.1
+# Bound now: the user's code may change what the modules hold while it runs.
+_gettrace, _settrace = sys.gettrace, sys.settrace
+_getrecursionlimit, _setrecursionlimit = sys.getrecursionlimit, sys.setrecursionlimit
+_get_ident = threading.get_ident if threading is not None else None
+
 DEFAULT_SECONDS = 5.0
+REPEAT_SECONDS = 0.1        # a pure-Python stop is asked for again this often
+RECURSION_HEADROOM = 200
+TIME, MEMORY = "time", "memory"
+_DECIDING = object()        # the watchdog's thread is choosing its next deadline
+MEMORY_MESSAGE = "your code asked for too much memory"
 
 
-class CodeTookTooLong(BaseException):
+class CodeStopped(BaseException):
+    """The engine stopped the user's code; the message says why."""
+
+
+class CodeTookTooLong(CodeStopped):
     """Raised in user code that ran longer than the watchdog's limit."""
 
-    watchdog = None
 
-    def __del__(self):
-        if self.watchdog is not None:
-            self.watchdog.rearm_after_swallow()
+class CodeTookTooMuchMemory(CodeStopped):
+    """Raised in user code that asked for more memory than its budget."""
+
+
+def _first_stop(exc, stop_type):
+    """Code that catches a stop is stopped again in its handler; the first stop
+    is where the code was when it was stopped: the line the user is told.
+    Each stopped run raises a class of its own. None when exc is no stop."""
+    if not isinstance(exc, CodeStopped):
+        return None
+    while type(exc.__context__) is stop_type:
+        exc = exc.__context__
+    return exc
+
+
+def _drop_repeated_entries(traceback):
+    """CPython notes a frame twice when a Python trace function raises in it."""
+    while traceback is not None and traceback.tb_next is not None:
+        following = traceback.tb_next
+        if (following.tb_frame is traceback.tb_frame
+                and following.tb_lasti == traceback.tb_lasti):
+            traceback.tb_next = following.tb_next
+        else:
+            traceback = following
 
 
 class _Run:
-    __slots__ = ("thread_id", "deadline", "previous_tracer")
+    __slots__ = ("thread_id", "deadline", "counted", "stopping", "stop_type", "tracer",
+                 "recursion_limit", "unraisable", "noted")
 
-    def __init__(self, thread_id, deadline, previous_tracer):
+    def __init__(self, thread_id, deadline, counted):
         self.thread_id = thread_id
         self.deadline = deadline
-        self.previous_tracer = previous_tracer
+        self.counted = counted
+        self.stopping = None        # TIME or MEMORY once a stop was asked for
+        self.stop_type = None       # the class of its own that the run's stops raise
+        self.tracer = _gettrace()
+        self.recursion_limit = None
+        self.unraisable = None      # Python's hook for errors it can only note
+        self.noted = False          # a stop was only noted (in a __del__)
 
 
 class Watchdog:
-    def __init__(self, is_user_code, seconds=DEFAULT_SECONDS):
-        """is_user_code(code) tells whether a code object is the user's."""
+    def __init__(self, clock, after_run=None, seconds=DEFAULT_SECONDS,
+                 budget_bytes=budget.DEFAULT_BYTES):
+        """after_run() is called first thing when the user's code has
+        finished, whatever its end. budget_bytes 0 means no memory budget."""
         self.seconds = seconds
-        self._is_user_code = is_user_code
+        self.budget_bytes = budget_bytes
+        self._clock = clock
+        self._after_run = after_run
+        self._stopper = stopper.create()
+        self._budget = budget.create()
         self._run = None
-        self._stopping = False
-        self._lock = threading.Lock() if threading else None
-        self._closed = None
+        self._closed = False
+        self._waiting_until = None      # the thread's deadline; None: none
         self._thread = None
-        self._start_thread()
+        if threading is not None:
+            self._lock = threading.Lock()
+            self._wake = threading.Event()
+            self._start_thread()
+        clock.on_advance(self._check)
 
     @property
     def enabled(self):
@@ -76,60 +126,99 @@ class Watchdog:
     # -- the running thread -------------------------------------------------
 
     def __enter__(self):
-        if self.enabled and self._run is None:
-            self._run = _Run(threading.get_ident(), time.monotonic() + self.seconds,
-                             sys.gettrace())
-            sys.settrace(self._on_call)
-            return True
-        return False    # off, or nested inside a run that is already guarded
-
-    def __exit__(self, *exc_info):
-        run = self._run
-        if run is None or run.thread_id != threading.get_ident():
+        if not self.enabled or self._run is not None:
+            return False    # off, or nested inside a run that is already watched
+        thread_id = _get_ident()
+        if not self._stopper.can_stop(thread_id):
             return False
+        self._stopper.prepare()
+        run = _Run(thread_id, self._clock.now() + self.seconds, self.budget_bytes > 0)
+        if run.counted:
+            self._budget.begin(self.budget_bytes, self._over_budget)
+        self._run = run
+        waiting_until = self._waiting_until
+        if waiting_until is None or waiting_until is _DECIDING \
+                or waiting_until > run.deadline:
+            self._wake.set()    # else the thread wakes at its own time, before this deadline
+        return True
+
+    def __exit__(self, exc_type, exc, traceback):
+        run = self._run
+        if run is None or run.thread_id != _get_ident():
+            return False
+        if self._after_run is not None:
+            self._after_run()
         with self._lock:
             self._run = None
-            self._stopping = False
-        sys.settrace(run.previous_tracer)
+            stopping = run.stopping
+        if run.counted:
+            self._budget.end()
+        if stopping:
+            self._stopper.release()
+            _settrace(run.tracer)
+            _setrecursionlimit(run.recursion_limit)
+            sys.unraisablehook = run.unraisable
+        told = self._as_told(run, exc, traceback)
+        if told is not exc:
+            raise told from None
         return False
 
-    def rearm_after_swallow(self):
+    def _as_told(self, run, exc, traceback):
+        """What the user is told of a run that ended with exc (None: it didn't fail)."""
+        if isinstance(exc, MemoryError):
+            return CodeTookTooMuchMemory(MEMORY_MESSAGE).with_traceback(traceback)
+        if exc is None and run.noted:
+            # Stopped where Python could only note it (a __del__): told all the same.
+            return run.stop_type(self.message() if run.stopping == TIME else MEMORY_MESSAGE)
+        first = _first_stop(exc, run.stop_type)
+        if first is None:
+            return exc
+        _drop_repeated_entries(first.__traceback__)
+        return first
+
+    def _over_budget(self):
+        """Called at the next instruction after the budget refused a block."""
         run = self._run
-        if self._stopping and run is not None and run.thread_id == threading.get_ident():
-            sys.settrace(self._on_call)
-            self._trap_user_frames(sys._getframe(1))
+        if run is not None:
+            self._request_stop(run, MEMORY)
 
-    def _on_call(self, frame, event, arg):
-        if self._stopping and self._is_user_code(frame.f_code):
-            frame.f_trace_opcodes = True
-            return self._on_event
-        return None
+    # -- deciding and asking for a stop -----------------------------------
 
-    def _on_event(self, frame, event, arg):
-        if self._stopping:
-            # No local names the exception: the traceback keeps this frame,
-            # and a cycle would delay the __del__ that re-arms the stop.
-            raise self._stop_exception()
-        return self._on_event
+    def _check(self, now):
+        run = self._run
+        if run is not None and run.stopping is None and now >= run.deadline:
+            self._request_stop(run, TIME)
 
-    def _stop_exception(self):
-        stop = CodeTookTooLong(self.message())
-        stop.watchdog = self
-        return stop
+    def _request_stop(self, run, reason):
+        with self._lock:
+            if run is not self._run or run.stopping is not None:
+                return
+            run.stopping = reason
+            if run.counted:
+                self._budget.relax()
+            run.recursion_limit = _getrecursionlimit()
+            _setrecursionlimit(run.recursion_limit + RECURSION_HEADROOM)
+            run.unraisable = sys.unraisablehook
+            sys.unraisablehook = self._quiet_about_stops(run)
+            base, message = ((CodeTookTooLong, self.message()) if reason == TIME
+                             else (CodeTookTooMuchMemory, MEMORY_MESSAGE))
+            run.stop_type = type(base.__name__, (base,), {"__module__": base.__module__})
+            self._stopper.stop(run.thread_id, run.stop_type, message)
 
-    def _trap_user_frames(self, frame):
-        while frame is not None:
-            if self._is_user_code(frame.f_code):
-                frame.f_trace = self._on_event
-                frame.f_trace_opcodes = True
-            frame = frame.f_back
+    @staticmethod
+    def _quiet_about_stops(run):
+        """A stop in a __del__ can only be noted: the user hears of the stop
+        from the engine, not as an error ignored there."""
+        def unraisable(info):
+            if isinstance(info.exc_value, CodeStopped):
+                run.noted = True
+            else:
+                run.unraisable(info)
+        return unraisable
 
     # -- the watchdog thread ------------------------------------------------
 
     def _start_thread(self):
-        if threading is None:
-            return
-        self._closed = threading.Event()
         thread = threading.Thread(target=self._watch, name="vessa-watchdog", daemon=True)
         try:
             thread.start()
@@ -138,16 +227,27 @@ class Watchdog:
         self._thread = thread
 
     def _watch(self):
-        while not self._closed.wait(POLL_SECONDS):
-            with self._lock:
-                run = self._run
-                if run is None or self._stopping or time.monotonic() < run.deadline:
-                    continue
-                self._stopping = True
-                self._trap_user_frames(sys._current_frames().get(run.thread_id))
+        while not self._closed:
+            try:
+                self._watch_once()
+            except MemoryError:     # the user's code holds what there was: ask again
+                self._wake.wait(REPEAT_SECONDS)
+
+    def _watch_once(self):
+        self._wake.clear()
+        self._waiting_until = _DECIDING    # a run that starts now wakes it
+        run = self._run
+        if run is not None and run.stopping is not None:
+            if not self._wake.wait(REPEAT_SECONDS) and run is self._run:
+                self._stopper.repeat()
+        else:
+            self._waiting_until = run.deadline if run is not None else None
+            self._clock.wait_until(self._waiting_until, self._wake)
+            self._check(self._clock.now())
 
     def close(self):
         if self._thread is not None:
-            self._closed.set()
+            self._closed = True
+            self._wake.set()
             self._thread.join(1.0)
             self._thread = None
