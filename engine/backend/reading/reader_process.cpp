@@ -11,6 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 extern char** environ;
@@ -22,6 +23,20 @@ namespace {
 constexpr const char* kProgramName = "vessa_reader";
 // The reader program keeps its own time; this much more and it is lost.
 constexpr std::chrono::milliseconds kGrace{3000};
+// Time a file is given by its size: our own objects read in milliseconds, so a
+// small file still being read after seconds has sent its reader round in circles,
+// and the user should not wait the whole limit for it.
+constexpr std::chrono::milliseconds kLeastTime{2000};
+constexpr std::uintmax_t kBytesPerMillisecond = 1000;
+
+ReadingLimits limitsForFile(ReadingLimits limits, const std::string& path) {
+    std::error_code failed;
+    const std::uintmax_t bytes = std::filesystem::file_size(path, failed);
+    const auto bySize =
+        kLeastTime + std::chrono::milliseconds(failed ? 0 : bytes / kBytesPerMillisecond);
+    limits.time = std::min(limits.time, bySize);
+    return limits;
+}
 
 // The file of the shared object (or program) this code was linked into.
 std::filesystem::path thisBinary() {
@@ -58,7 +73,8 @@ ReaderProcess::Reply ReaderProcess::read(FileKind kind, const std::string& path)
     std::lock_guard<std::mutex> one(busy_);
     // The reader program keeps the folder it was started in.
     std::error_code failed;
-    const Request request{kind, limits_, std::filesystem::absolute(path, failed).string()};
+    const std::string absolute = std::filesystem::absolute(path, failed).string();
+    const Request request{kind, limitsForFile(limits_, absolute), absolute};
     if (failed || request.path.size() > kMaxPathBytes)
         return {Outcome::Failed, {}};
     // A reader program lost between two files is started once more.
