@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 class QWidget;
 
@@ -8,8 +9,12 @@ namespace vessa {
 
 // The name a screen reader says for each window, panel and control, found by the
 // control's object name. This table is the one list of them: a control that a
-// user can reach gets an entry here.
+// user can reach gets an entry here. A window with a title is known by its title
+// and a label by its text, so that the name never hides what they say; the
+// engine names its own camera view.
 QString accessibleNameOf(const QString& control);
+// The object names of every control the list names, each of a control that exists.
+QStringList namedControls();
 
 // Gives every widget under `root` (and `root` itself) that has an entry its name.
 void applyAccessibleNames(QWidget* root);

@@ -1,6 +1,7 @@
 #include "controls/tree_control_view.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QMouseEvent>
 #include <QScopeGuard>
@@ -28,6 +29,8 @@ TreeControlView::TreeControlView(TreeControl& tree, QWidget* parent)
         ShowSelection(tree_.SelectedItem());
     });
     setHeaderHidden(true);
+    // The hidden header's caption is the tree's own name.
+    model_.setColumnCaption([this] { return accessibleName(); });
     setUniformRowHeights(true);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     // Whole lines, scrolled sideways when long: a line is never cut short with "...".
@@ -232,6 +235,32 @@ void TreeControlView::timerEvent(QTimerEvent* event) {
 void TreeControlView::keyReleaseEvent(QKeyEvent* event) {
     QTreeView::keyReleaseEvent(event);
     Q_EMIT KeyUp(event->key());
+}
+
+void TreeControlView::keyPressEvent(QKeyEvent* event) {
+    // Shift+F10 stands for the menu key on keyboards that have none.
+    if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
+        reportMenuKey();
+        return;
+    }
+    QTreeView::keyPressEvent(event);
+}
+
+void TreeControlView::contextMenuEvent(QContextMenuEvent* event) {
+    // A right click has already come as its press and release.
+    if (event->reason() == QContextMenuEvent::Keyboard)
+        reportMenuKey();
+    else
+        QTreeView::contextMenuEvent(event);
+}
+
+void TreeControlView::reportMenuKey() {
+    TreeNode* selected = tree_.SelectedItem();
+    if (selected)
+        scrollTo(model_.IndexOf(selected));
+    const QRect text = NodeRect(selected);
+    Q_EMIT menuKeyPressed(text.isValid() ? QPoint(text.left() + 1, text.center().y())
+                                         : QPoint(-1, -1));
 }
 
 void TreeControlView::NodeAdded(TreeNode* node) {

@@ -44,6 +44,9 @@ Q_SIGNALS:
     void MouseMove(Qt::MouseButtons buttons, const QPoint& point);
     void MouseUp(Qt::MouseButton button, const QPoint& point);
     void DblClick(const QPoint& point);
+    // The keyboard's menu key: point is where a right click on the selected node's text
+    // would fall, or outside every node when none is selected.
+    void menuKeyPressed(const QPoint& point);
     void KeyUp(int key);
     // The user opened or closed a node (not the program).
     void Expand(TreeNode* node);
@@ -54,7 +57,9 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
 
 private:
@@ -78,6 +83,7 @@ private:
     void ShowSelection(const TreeNode* node);
     void FollowCurrent(const QModelIndex& current);
     bool OnArrow(const QPoint& point) const;
+    void reportMenuKey();
     int NodeIndexAt(const QPoint& point) const;
     template <typename Call> void Unscrolled(Call call);
     template <typename Call> void AsHandler(Call call);

@@ -61,6 +61,12 @@ int TreeItemModel::columnCount(const QModelIndex&) const {
     return 1;
 }
 
+QVariant TreeItemModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (section != 0 || orientation != Qt::Horizontal || role != Qt::DisplayRole)
+        return {};
+    return caption_ ? caption_() : QString();
+}
+
 QVariant TreeItemModel::data(const QModelIndex& index, int role) const {
     const TreeNode* node = NodeOf(index);
     if (!node)

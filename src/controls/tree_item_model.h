@@ -27,6 +27,9 @@ public:
     void SetImageList(const QList<QIcon>& icons);
     // Receives the text of a finished in-place edit; without one the text is set as typed.
     void SetLabelEditHandler(LabelEditHandler handler) { labelEdited_ = std::move(handler); }
+    // The caption of the one column. Its header is never shown, but assistive technology
+    // reads it out; without a caption it would say the column's number.
+    void setColumnCaption(std::function<QString()> caption) { caption_ = std::move(caption); }
 
     QModelIndex IndexOf(const TreeNode* node) const;
     static TreeNode* NodeOf(const QModelIndex& index);
@@ -36,6 +39,7 @@ public:
     QModelIndex parent(const QModelIndex& child) const override;
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
@@ -54,6 +58,7 @@ private:
     TreeControl& tree_; // Not owned.
     QList<QIcon> icons_;
     LabelEditHandler labelEdited_;
+    std::function<QString()> caption_;
 };
 
 } // namespace vessa

@@ -104,6 +104,9 @@ void ScenePanel::connectObjectTree() {
     connect(view, &TreeControlView::MouseUp, this, [this](Qt::MouseButton b, const QPoint& p) {
         guarded([&] { ObjectTree_MouseUp(b, p); });
     });
+    // The menu key opens what a right click on the selected object opens.
+    connect(view, &TreeControlView::menuKeyPressed, this,
+            [this](const QPoint& p) { guarded([&] { ObjectTree_MouseUp(Qt::RightButton, p); }); });
     connectFoldingSounds(*view, QStringLiteral("ObjectTree"));
     view->ItemModel().SetLabelEditHandler([this](TreeNode* node, const QString& text) {
         guarded([&] { ObjectTree_AfterLabelEdit(node, text); });

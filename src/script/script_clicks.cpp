@@ -5,6 +5,7 @@
 #include "controls/tree_geometry.h"
 #include "script/basic_text.h"
 #include "script/script_model.h"
+#include "script/tree_walks.h"
 
 #include <QTextLayout>
 
@@ -50,6 +51,19 @@ std::vector<MenuRow> AllNodeRows() {
 void Show(std::vector<MenuRow>& rows, std::initializer_list<int> visible) {
     for (int row : visible)
         rows[static_cast<size_t>(row)].Visible = true;
+}
+
+// A line whose pieces can't be told apart offers nothing to choose; the user is told
+// which line it is and what can be done with it.
+ScriptRequest unreadableLine(const QString& line) {
+    ScriptRequest message = Request(ScriptRequest::Kind::Message);
+    message.Title = QStringLiteral("Vessa47");
+    message.Value = QStringLiteral("Vessa47 can't read this line of your script:\n\n    ") + line +
+                    QStringLiteral("\n\nIt is not written the way script lines are, so there is "
+                                   "nothing in it to choose from. You can delete the line and make "
+                                   "it again, or make it a Python line of your own: right-click it "
+                                   "and choose \"Type Programming Language Code (Python)\".");
+    return message;
 }
 
 } // namespace
@@ -123,7 +137,7 @@ ScriptRequest ScriptClicks::LeftClick(TreeControl& tree, const QPoint& point,
     if (IsSoundLine(line))
         return Request(ScriptRequest::Kind::SoundList);
     if (!ParseAt(node, point, geometry))
-        return {};
+        return unreadableLine(line);
     try {
         return EditorForClick(parse);
     } catch (const RunTimeError&) {
@@ -138,7 +152,7 @@ bool ScriptClicks::ParseAt(TreeNode* node, const QPoint& point, const TreeGeomet
         ParseString(model_.Parse(), node->Text(), position);
         return true;
     } catch (const RunTimeError&) {
-        // A line that does not parse stays as it is, and nothing is said.
+        // A line that does not parse stays as it is.
         return false;
     }
 }
@@ -160,6 +174,8 @@ ScriptRequest ScriptClicks::RightClick(const QPoint& point, const TreeGeometry& 
 std::vector<MenuRow> ScriptClicks::NodeMenuRows(TreeNode* node, const QPoint& point,
                                                 const TreeGeometry& geometry) {
     std::vector<MenuRow> rows = AllNodeRows();
+    // Any line or block, the user's own Python too, can be run on its own at once.
+    Show(rows, {PerformLine, UpperSeparator});
     const QString& line = node->Text();
     if (IsBareSoundLine(line)) {
         Show(rows, {CutLine, CopyLine, DeleteLine, LowerSeparator, PythonLine});
@@ -199,6 +215,11 @@ ScriptRequest ScriptClicks::mnuNodeRightB_Click(int row) {
     if (!node)
         return {};
     switch (row) {
+    case PerformLine: {
+        ScriptRequest perform = Request(ScriptRequest::Kind::PerformLine);
+        TraverseTreeForLine(node, QString(), perform.Value);
+        return perform;
+    }
     case PythonLine:
         model_.MakePythonLine(node);
         return {};

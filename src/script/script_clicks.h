@@ -23,12 +23,13 @@ int RichCharNumOver(const QString& text, const QFont& font, const QRect& textRec
 // The mouse on the script's trees: what a press and a release on TreeView1 or on the
 // command line's tree do, and what the rows of the two right-click menus do. Each
 // handler changes the model itself where the script's rules say how, and returns what
-// is left to show: a menu or an editor.
+// is left to show: a menu, an editor or a message.
 class ScriptClicks {
 public:
     // The rows of the node menu, by index.
     enum NodeRow {
         PerformLine = 0,
+        UpperSeparator = 1,
         CutLine = 2,
         CopyLine = 3,
         PasteLine = 4,
@@ -61,7 +62,8 @@ public:
                                       const TreeGeometry& geometry);
     // The rows of the blank-space menu; codeBoxShown decides which code box row shows.
     static std::vector<MenuRow> BlankMenuRows(bool codeBoxShown);
-    // A chosen row. The Python row expects the user's consent to have been given.
+    // A chosen row. The Python row expects the user's consent to have been given;
+    // "Perform this Line" asks for the Python of the node and all below it to be run.
     ScriptRequest mnuNodeRightB_Click(int row);
     ScriptRequest mnuBlankRightB_Click(int row);
 

@@ -65,6 +65,10 @@ public:
                  int count = 0);
     void UndoFromLog() { undo_.UndoFromLog(); }
     const TreeUndoLog& TreeUndoRecords() const { return undo_; }
+    // Told whenever the undo log gains or loses a record.
+    void setUndoListener(std::function<void()> listener) {
+        undo_.setChangeListener(std::move(listener));
+    }
 
     // The node a drag would take, the button that pressed it, and where the last click
     // fell, in twips of the tree.

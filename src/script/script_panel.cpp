@@ -63,6 +63,12 @@ ScriptPanel::ScriptPanel(ScriptModel& model, QWidget* parent)
                     Show(clicks_.TreeView1_MouseUp(button, point, *treeView1_), *treeView1_);
                 });
             });
+    // The menu key asks for what a right click on the selected line would show.
+    connect(treeView1_, &TreeControlView::menuKeyPressed, this, [this](const QPoint& point) {
+        Guarded([&] {
+            Show(clicks_.TreeView1_MouseUp(Qt::RightButton, point, *treeView1_), *treeView1_);
+        });
+    });
     connect(commandLine_, &TreeControlView::MouseUp, this,
             [this](Qt::MouseButton button, const QPoint& point) {
                 Guarded([&] {
@@ -99,6 +105,13 @@ void ScriptPanel::Show(ScriptRequest request, TreeControlView& view) {
     case ScriptRequest::Kind::NodeMenu:
         PopUp(request, [this](int row) { NodeRowChosen(row); });
         return;
+    case ScriptRequest::Kind::Message: {
+        auto* box = new QMessageBox(QMessageBox::Information, request.Title, request.Value,
+                                    QMessageBox::Ok, this);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->open();
+        return;
+    }
     case ScriptRequest::Kind::BlankMenu:
         PopUp(request, [this, &view, request](int row) {
             Guarded([&] {

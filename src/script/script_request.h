@@ -30,7 +30,9 @@ struct ScriptRequest {
         SoundList,    // later: the sounds to choose from
         NodeMenu,     // the node menu with Rows
         BlankMenu,    // the blank-space menu with Rows
-        NodeCommand,  // later: row Number of the node menu (perform, cut, copy, paste, delete)
+        Message,      // tell the user Value, in a box titled Title
+        PerformLine,  // run Value, the Python of a line or block, at once in the scene
+        NodeCommand,  // later: row Number of the node menu (cut, copy, paste, delete)
         BlankCommand, // later: row Number of the blank-space menu (the Python code box)
         ObjectMenu,   // later: the action menu of the object named Value, at the mouse
     };

@@ -7,10 +7,20 @@
 #include "script/script_line.h"
 #include "script/tree_walks.h"
 
+#include <QScopeGuard>
+
 namespace vessa {
 
 namespace {
 const QString LineEnd = QStringLiteral("\r\n");
+
+// Tells the listener when the scope ends, however it ends.
+auto tellingListener(const std::function<void()>& listener) {
+    return qScopeGuard([&listener] {
+        if (listener)
+            listener();
+    });
+}
 } // namespace
 
 TreeUndoLog::TreeUndoLog(TreeControl& tree, TreeControl& junkyard,
@@ -26,12 +36,14 @@ QString TreeUndoLog::Text() const {
 }
 
 void TreeUndoLog::Clear() {
+    const auto tell = tellingListener(listener_);
     records_.clear();
 }
 
 void TreeUndoLog::UndoLog(UndoOperation operation, const TreeNode* node, const TreeNode* otherNode,
                           int count) {
     host_.scriptModified();
+    const auto tell = tellingListener(listener_);
     // A move's two paths are each taken as if the other node were not there: undo finds
     // the copy once the original is gone, and the original's place once the copy is.
     const QString paths = operation == UndoOperation::Moved
@@ -85,6 +97,7 @@ void TreeUndoLog::DropCopy(TreeNode* copy) {
 void TreeUndoLog::UndoFromLog() {
     if (records_.isEmpty())
         return;
+    const auto tell = tellingListener(listener_);
     const QString record = records_.takeLast();
     const QStringList fields = record.split(u',');
     const int count = ToInteger(fields.last());

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 namespace vessa {
 
 class AnimationNameList;
@@ -41,6 +43,9 @@ public:
     void UndoFromLog();
 
     bool IsEmpty() const { return records_.isEmpty(); }
+    // Told after every record added or taken, so that whoever offers undo can say
+    // whether there is anything to undo.
+    void setChangeListener(std::function<void()> listener) { listener_ = std::move(listener); }
     // The records, newest first, each ended by CR LF.
     QString Text() const;
     void Clear();
@@ -61,6 +66,7 @@ private:
     AnimationNameList& animationNames_; // Not owned.
     ScriptHost& host_;                  // Not owned.
     QStringList records_;               // oldest first
+    std::function<void()> listener_;
 };
 
 } // namespace vessa

@@ -1,6 +1,7 @@
 #include "shell/main_form.h"
 
 #include "controls/accessible_names.h"
+#include "controls/named_tab_bar.h"
 #include "gateway/output_limits.h"
 #include "scene/scene_panel.h"
 #include "script/script_panel.h"
@@ -10,16 +11,18 @@
 #include "shell/view_hosts.h"
 #include "world/open_world.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QChildEvent>
 #include <QCloseEvent>
 #include <QFrame>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScopedValueRollback>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QStyle>
-#include <QTabBar>
 #include <QTextEdit>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -118,6 +121,8 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
 
     outputText_->setObjectName(QStringLiteral("OutputText"));
     outputText_->setReadOnly(true);
+    // Read with the keyboard's caret, as a screen reader reads a document.
+    outputText_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     outputText_->setAcceptRichText(false);
     outputText_->setLineWrapMode(QTextEdit::WidgetWidth);
     outputText_->document()->setMaximumBlockCount(kOutputPaneLines);
@@ -129,12 +134,18 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     connect(&IdleTimer, &QTimer::timeout, this, &MainForm::IdleTimer_Timer);
 
     applyAccessibleNames(this);
+    addKeyboardCommands();
+    orderTabStops();
     world_.attachView(this);
     world_.status().addObserver(*this);
+    world_.script().setUndoListener([this] { showScriptUndoAvailable(); });
     SwitchToTab(0);
+    // Where a user begins: the objects of the scene.
+    scenePanel_->ObjectTreeView().setFocus();
 }
 
 MainForm::~MainForm() {
+    world_.script().setUndoListener({});
     world_.status().removeObserver(*this);
     world_.attachView(nullptr);
 }
@@ -166,6 +177,9 @@ QWidget* MainForm::buildOpeningScenePanel() {
     auto* panel = new QWidget(this);
     panel->setObjectName(QStringLiteral("OpeningScenePanel"));
     undoButton_ = makeUndoButton(QStringLiteral("UndoButton"), panel);
+    // The engine's own undo, disabled while the engine has nothing to undo, which its
+    // records tell.
+    connect(undoButton_, &QToolButton::clicked, this, &MainForm::UndoButton_MouseUp);
     auto* layout = new QVBoxLayout(panel);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(undoButton_, 0, Qt::AlignLeft);
@@ -173,47 +187,56 @@ QWidget* MainForm::buildOpeningScenePanel() {
     return panel;
 }
 
-// The engine's undo, on each tab: disabled while the engine has nothing to undo, which
-// the engine's records tell. The script's own changes are undone from the Edit menu.
 QToolButton* MainForm::makeUndoButton(const QString& control, QWidget* parent) {
     auto* button = new QToolButton(parent);
     button->setObjectName(control);
     button->setIcon(style()->standardIcon(QStyle::SP_ArrowBack));
-    button->setToolTip(QStringLiteral("Undo"));
+    button->setToolTip(accessibleNameOf(control));
     button->setEnabled(false);
-    connect(button, &QToolButton::clicked, this, [this, control] { UndoButton_MouseUp(control); });
     return button;
 }
 
-void MainForm::UndoButton_MouseUp(const QString& control) {
-    const QString routine = QStringLiteral("MainForm:") + control + QStringLiteral("_MouseUp: ");
+void MainForm::UndoButton_MouseUp() {
     try {
         runTool(engine_, reporter_, QStringLiteral("undo()"),
-                routine + QStringLiteral("Error calling undo."));
+                QStringLiteral("MainForm:UndoButton_MouseUp: Error calling undo."));
         runTool(engine_, reporter_, QStringLiteral("PlaySystemSound('Undo')"),
-                routine + QStringLiteral("Error playing sound."));
+                QStringLiteral("MainForm:UndoButton_MouseUp: Error playing sound."));
     } catch (const RunTimeError& e) {
-        reporter_.reportAtTop(
-            ReportForm::C,
-            QStringLiteral("VB:MainForm:") + control + QStringLiteral("_MouseUp() Error"), e);
+        reporter_.reportAtTop(ReportForm::C,
+                              QStringLiteral("VB:MainForm:UndoButton_MouseUp() Error"), e);
     }
+}
+
+// The script's own undo, from the Edit menu and from the button over the script. On the
+// events tab the event list's log will answer instead, once the list is built.
+void MainForm::EditUndoTextMenuButton_Click() {
+    scriptPanel_->UndoFromLog();
+}
+
+void MainForm::showScriptUndoAvailable() {
+    scriptUndoButton_->setEnabled(!world_.script().TreeUndoRecords().IsEmpty());
 }
 
 // The tab bar over the two panels: the opening scene, and the script that the
 // animation and event tabs share.
 QWidget* MainForm::buildScriptTabs() {
     auto* area = new QWidget(this);
-    switchTab_ = new QTabBar(area);
+    switchTab_ = new NamedTabBar(area);
     switchTab_->setObjectName(QStringLiteral("SwitchTab"));
     for (const char* caption : {"Opening Scene", "Animations", "Events"})
         switchTab_->addTab(QString::fromUtf8(caption));
-    connect(switchTab_, &QTabBar::tabBarClicked, this, [this](int tab) {
-        if (tab >= 0)
+    // However the current tab changes (a click, the arrow keys, a screen reader's
+    // press), the page follows.
+    connect(switchTab_, &QTabBar::currentChanged, this, [this](int tab) {
+        if (!switchingTab_ && tab >= 0)
             SwitchToTab(tab);
     });
 
-    scriptPanel_ = new ScriptPanel(world_.script(), area);
     scriptUndoButton_ = makeUndoButton(QStringLiteral("ScriptUndoButton"), area);
+    connect(scriptUndoButton_, &QToolButton::clicked, this,
+            &MainForm::EditUndoTextMenuButton_Click);
+    scriptPanel_ = new ScriptPanel(world_.script(), area);
     auto* scriptTab = new QWidget(area);
     auto* scriptLayout = new QVBoxLayout(scriptTab);
     scriptLayout->setContentsMargins(0, 0, 0, 0);
@@ -233,8 +256,9 @@ QWidget* MainForm::buildScriptTabs() {
 }
 
 void MainForm::SwitchToTab(int tab) {
+    const QScopedValueRollback<bool> switching(switchingTab_, true);
     const int old = world_.status().SceneScriptTab();
-    if (switchTab_->currentIndex() != tab || old != tab) {
+    if (old != tab) {
         try {
             if (tab == 0) {
                 enableMenuItems({"FileOpeningScene", "FileStartCameraHere", "EditFindMenuButton",
@@ -256,7 +280,6 @@ void MainForm::SwitchToTab(int tab) {
             if (tab == 2)
                 ObjectTree2_Update(world_.trees());
             world_.status().setSceneScriptTab(tab);
-            switchTab_->setCurrentIndex(tab);
             scenePanel_->showTab(tab);
             sceneScriptTab_->setCurrentIndex(tab == 0 ? 0 : 1);
             if (tab == 0 && engine_.isSet())
@@ -268,6 +291,8 @@ void MainForm::SwitchToTab(int tab) {
                                   e);
         }
     }
+    // The tab shown is the page shown, also when the switch failed half way.
+    switchTab_->setCurrentIndex(world_.status().SceneScriptTab());
     // The camera view lives in the opening-scene panel, and in the camera
     // window while a script tab shows.
     if (tab == 0 && old != 0)
@@ -281,6 +306,13 @@ QWidget* MainForm::cameraViewHost() const {
 }
 
 bool MainForm::eventFilter(QObject* watched, QEvent* event) {
+    // The engine's camera view, when it comes into the opening scene, is reached right
+    // after the undo button above it.
+    if (event->type() == QEvent::ChildPolished && watched == openingSceneFrame_) {
+        QObject* child = static_cast<QChildEvent*>(event)->child();
+        if (child->isWidgetType())
+            setTabOrder(undoButton_, static_cast<QWidget*>(child));
+    }
     if (event->type() == QEvent::Resize && watched == cameraViewHost() && engine_.isSet() &&
         !renderForm_.isMinimized()) {
         const QSize size = cameraViewHost()->size();
@@ -337,11 +369,51 @@ void MainForm::buildMenus() {
     findChild<QMenu*>(QStringLiteral("SiteSpecificMenuButton"))->menuAction()->setVisible(false);
     QAction* undo = findChild<QAction*>(QStringLiteral("EditUndoTextMenuButton"));
     undo->setShortcut(QKeySequence::Undo);
-    connect(undo, &QAction::triggered, this, [this] { scriptPanel_->UndoFromLog(); });
+    connect(undo, &QAction::triggered, this, &MainForm::EditUndoTextMenuButton_Click);
     QAction* exit = findChild<QAction*>(QStringLiteral("FileExitMenuButton"));
     exit->setEnabled(true);
     exit->setShortcut(QKeySequence::Quit);
     connect(exit, &QAction::triggered, this, &QWidget::close);
+}
+
+// The keys of the window as a whole: F10 opens the menus; Ctrl+Tab and Ctrl+PageDown go
+// to the next tab, Ctrl+Shift+Tab and Ctrl+PageUp to the one before, round the end.
+void MainForm::addKeyboardCommands() {
+    const auto command = [this](const QList<QKeySequence>& keys, auto work) {
+        auto* action = new QAction(this);
+        action->setShortcuts(keys);
+        connect(action, &QAction::triggered, this, work);
+        addAction(action);
+    };
+    command({Qt::Key_F10}, [this] { menuBar()->setActiveAction(menuBar()->actions().first()); });
+    const auto step = [this](int by) {
+        SwitchToTab((world_.status().SceneScriptTab() + by + switchTab_->count()) %
+                    switchTab_->count());
+    };
+    command({QKeySequence(Qt::CTRL | Qt::Key_Tab), QKeySequence(Qt::CTRL | Qt::Key_PageDown)},
+            [step] { step(1); });
+    command({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Backtab),
+             QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Tab),
+             QKeySequence(Qt::CTRL | Qt::Key_PageUp)},
+            [step] { step(-1); });
+}
+
+// Tab goes through the window as it reads: the scene's column top to bottom, then the
+// tabs and the page under them, then the output. Panels hidden by the tab are passed.
+void MainForm::orderTabStops() {
+    ScriptPanel& script = *scriptPanel_;
+    const QList<QWidget*> order = {&scenePanel_->ObjectTreeView(),
+                                   &scenePanel_->ObjectTree2View(),
+                                   &scenePanel_->SoundTreeView(),
+                                   switchTab_,
+                                   undoButton_,
+                                   scriptUndoButton_,
+                                   &script.ConstructTreeView(),
+                                   &script.TreeView1View(),
+                                   &script.CommandLineTreeviewView(),
+                                   outputText_};
+    for (qsizetype i = 1; i < order.size(); ++i)
+        setTabOrder(order[i - 1], order[i]);
 }
 
 QWidget* MainForm::OpeningSceneFrame() const {
@@ -477,7 +549,6 @@ void MainForm::LogMessage(const QString& text) {
 
 void MainForm::showUndoAvailable(bool available) {
     undoButton_->setEnabled(available);
-    scriptUndoButton_->setEnabled(available);
 }
 
 void MainForm::showWorldActive(bool active) {

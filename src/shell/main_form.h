@@ -11,12 +11,12 @@
 
 class QFrame;
 class QStackedWidget;
-class QTabBar;
 class QTextEdit;
 class QToolButton;
 
 namespace vessa {
 
+class NamedTabBar;
 class OpenWorld;
 class RenderForm;
 class ScenePanel;
@@ -42,6 +42,7 @@ public:
 
     // Shows tab 0 (opening scene), 1 (animations) or 2 (events). Leaving the
     // opening scene keeps its state aside in the engine; coming back puts it back.
+    // The world tabs follow; a change of the current tab by any way comes here.
     void SwitchToTab(int tab);
 
     QWidget* OpeningSceneFrame() const;
@@ -76,12 +77,17 @@ private:
     QWidget* buildColumns();
     QWidget* buildOpeningScenePanel();
     QWidget* buildScriptTabs();
+    void addKeyboardCommands();
+    void orderTabStops();
     void enableMenuItems(std::initializer_list<const char*> controls, bool enabled);
     void moveCameraView(QWidget* host);
     QWidget* cameraViewHost() const;
     QToolButton* makeUndoButton(const QString& control, QWidget* parent);
-    // Undoes the engine's last step; `control` is the button that was clicked.
-    void UndoButton_MouseUp(const QString& control);
+    // Undoes the engine's last step.
+    void UndoButton_MouseUp();
+    // Undoes the newest change of the script.
+    void EditUndoTextMenuButton_Click();
+    void showScriptUndoAvailable();
     void IdleTimer_Timer();
     // Answers whether the world was saved.
     bool FileSaveMenuButton_Click();
@@ -93,12 +99,13 @@ private:
     OpenWorld& world_;
     QTextEdit* outputText_;
     QFrame* openingSceneFrame_;
-    QTabBar* switchTab_ = nullptr;
+    NamedTabBar* switchTab_ = nullptr;
+    bool switchingTab_ = false;
     QStackedWidget* sceneScriptTab_ = nullptr; // 0 the opening scene, 1 the script
     ScriptPanel* scriptPanel_ = nullptr;
     ScenePanel* scenePanel_ = nullptr;
-    QToolButton* undoButton_ = nullptr;       // on the opening scene
-    QToolButton* scriptUndoButton_ = nullptr; // on the script's tabs
+    QToolButton* undoButton_ = nullptr;       // on the opening scene: the engine's undo
+    QToolButton* scriptUndoButton_ = nullptr; // on the script's tabs: the script's undo
     // Keeps the engine stepping while a dialog or an external tool holds the
     // main loop.
     QTimer IdleTimer;

@@ -4,6 +4,7 @@
 #include "shell/view_hosts.h"
 
 #include <QCheckBox>
+#include <QChildEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
@@ -16,11 +17,18 @@ RenderForm::RenderForm(QWidget* parent)
       fpsLabel_(new QLabel(this)) {
     setObjectName(QStringLiteral("RenderForm"));
     setWindowTitle(QStringLiteral("Vessa - Camera"));
+    // It comes up when a script tab is chosen, and leaves the keyboard where the user
+    // was working.
+    setAttribute(Qt::WA_ShowWithoutActivating);
     renderFrame_->setObjectName(QStringLiteral("RenderFrame"));
     markViewHost(renderFrame_, RenderFrameHost);
     renderFrame_->setMinimumSize(160, 120);
     check1_->setObjectName(QStringLiteral("Check1"));
     fpsLabel_->setObjectName(QStringLiteral("FPSLabel"));
+    // Its text is what it says, to the eye and to a screen reader alike; without a
+    // frame rate to show it stays out of the way.
+    fpsLabel_->hide();
+    renderFrame_->installEventFilter(this);
 
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(check1_);
@@ -38,6 +46,17 @@ RenderForm::RenderForm(QWidget* parent)
     // Beside the main window, until the user's own place is remembered.
     setGeometry(9285 / 15, 0, 4620 / 15, 6570 / 15);
     applyAccessibleNames(this);
+}
+
+bool RenderForm::eventFilter(QObject* watched, QEvent* event) {
+    // The engine's camera view, when it comes into the frame, is reached before the
+    // check box under it.
+    if (watched == renderFrame_ && event->type() == QEvent::ChildPolished) {
+        QObject* child = static_cast<QChildEvent*>(event)->child();
+        if (child->isWidgetType())
+            setTabOrder(static_cast<QWidget*>(child), check1_);
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 bool RenderForm::Check1Value() const {

@@ -24,6 +24,9 @@ Q_SIGNALS:
     // The user ticked or cleared "Always keep this window on top".
     void alwaysOnTopChosen(bool onTop);
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     QWidget* renderFrame_;
     QCheckBox* check1_;

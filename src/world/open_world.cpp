@@ -14,6 +14,17 @@ OpenWorld::OpenWorld(AppState& state, EngineLink& engine, ErrorReporter& reporte
     followers_.add([this](const QString& oldName, const QString& newName) {
         script_.ReplaceObjectName(oldName, newName);
     });
+    script_.requests().registerHandler(
+        ScriptRequest::Kind::PerformLine,
+        [this](const ScriptRequest& request) { RunSelectedLine(request.Value); });
+}
+
+void OpenWorld::RunSelectedLine(const QString& python) {
+    // Tagged as the script's own code, a mistake in it reaches the user as one in their
+    // script; the engine starts what the line makes at its next step.
+    reporter_.CheckInterpreterResult(
+        engine_.ExecuteCode(python, QStringLiteral("<treeview>")),
+        QStringLiteral("MainForm:RunSelectedLine: Error running the line."));
 }
 
 DifferenceResult OpenWorld::HandleDifferences(const QVariant& differences) {

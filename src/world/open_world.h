@@ -41,6 +41,9 @@ public:
 
     // The right-click menu of an object, from the object tree or the camera view.
     void showObjectMenu(const QString& objectName);
+    // "Perform this Line": runs the Python of a line or block of the script at once, in
+    // the scene as it stands.
+    void RunSelectedLine(const QString& python);
 
     // Whether closing or replacing the world would lose work worth saving.
     bool IsWorldDirty();

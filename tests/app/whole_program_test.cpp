@@ -60,6 +60,24 @@ TEST(WholeProgram, ShowsTheDefaultWorldVisitsEachTabAndExitsThroughTheFileMenu) 
         EXPECT_TRUE(run.errors.contains(QString::fromLatin1(line))) << line << errors;
 }
 
+TEST(WholeProgram, AScreenReaderHearsTheTitleAndTheWorldTabsAndTheKeyboardSwitchesThem) {
+    const ProgramRun run =
+        runProgram(QStringLiteral(VESSA_PROGRAM),
+                   QStringLiteral("reader:MainForm;reader:SwitchTab;key:Ctrl+Tab;reader:SwitchTab;"
+                                  "reader:RenderForm;exit"));
+    const std::string errors = run.errors.toStdString();
+    ASSERT_TRUE(run.finished) << errors;
+    EXPECT_EQ(run.exitCode, 0) << errors;
+    // The name is the title, with the engine's version in it.
+    EXPECT_TRUE(run.errors.contains(QStringLiteral("driver: reader: MainForm window \"Vessa47 [")))
+        << errors;
+    for (const char* line :
+         {"driver: reader: SwitchTab page-tab-list \"World tabs\" selected \"Opening Scene\"\n",
+          "driver: reader: SwitchTab page-tab-list \"World tabs\" selected \"Animations\"\n",
+          "driver: reader: RenderForm window \"Vessa - Camera\"\n"})
+        EXPECT_TRUE(run.errors.contains(QString::fromLatin1(line))) << line << errors;
+}
+
 TEST(WholeProgram, WithoutAnEngineItSaysWhyInABoxAndEnds) {
     // The program alone in a folder: no engine package beside it under either name.
     QTemporaryDir alone;

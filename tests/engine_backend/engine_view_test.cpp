@@ -1,5 +1,6 @@
 // The engine's Python layer with the compiled backend and a real view, as
 // the program hosts them: what a click in the picture becomes.
+#include <QAccessible>
 #include <QApplication>
 #include <QImage>
 #include <QTemporaryDir>
@@ -107,6 +108,10 @@ TEST_F(EngineViewTest, TheMoveToolKeepsTheObjectUnderThePointer) {
 TEST_F(EngineViewTest, KeysInTheViewReachTheWorldsResponses) {
     QWidget* view = viewIn(host);
     ASSERT_NE(view, nullptr);
+    // A stop of Tab that a screen reader names, since keys typed there reach the world.
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(view)->text(QAccessible::Name),
+              QStringLiteral("Camera view"));
+    EXPECT_TRUE(view->focusPolicy() & Qt::TabFocus);
     run("def seen(ev):\n    global _keys\n    _keys = _keys + [(ev.key, ev.rawkey)]\n"
         "_keys = []\nCamera._Window.addresponse(KeyDown, seen)\n");
     QTest::keyClick(view, Qt::Key_A);

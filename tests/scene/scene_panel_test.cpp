@@ -165,6 +165,16 @@ TEST(ObjectTreePanel, RightClickOnBlankSpaceShowsNoMenuButTellsTheSelectedObject
     EXPECT_EQ(c.trees.ObjectTree.SelectedItem(), c.bunny);
 }
 
+TEST(ObjectTreePanel, TheMenuKeyAsksForTheSelectedObjectsMenuAsARightClickDoes) {
+    Column c;
+    c.trees.ObjectTree.SetSelectedItem(c.sun);
+    QTest::keyClick(&c.panel->ObjectTreeView(), Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_EQ(c.objectMenus, QStringList{QStringLiteral("Sun")});
+    c.trees.ObjectTree.SetSelectedItem(nullptr);
+    QTest::keyClick(&c.panel->ObjectTreeView(), Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_EQ(c.objectMenus.size(), 1);
+}
+
 TEST(ObjectTree2Panel, GreyNodesCannotBeChosen) {
     Column c;
     c.tab = 2;

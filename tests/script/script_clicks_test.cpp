@@ -1,6 +1,7 @@
 #include "script/script_clicks.h"
 #include "script/script_model.h"
 #include "script_test_support.h"
+#include "support/qt_print.h"
 
 #include <QRandomGenerator>
 
@@ -99,19 +100,26 @@ TEST_F(Clicks, BlocksSoundsAndPythonLinesHaveTheirOwnEditors) {
     tree.RemoveObserver(&watch);
 }
 
-TEST_F(Clicks, ALineThatDoesNotParseStaysAsItIsAndNothingOpens) {
-    // No dot, an unknown command, an unknown keyword: no click anywhere opens anything.
+TEST_F(Clicks, ALineThatDoesNotParseStaysAsItIsAndTheUserIsToldWhichAndWhatToDo) {
+    // No dot, an unknown command, an unknown keyword: a click anywhere says so.
+    TreeNode* unreadable = nullptr;
     for (const QString& text :
          {QString("Camera Move(Forward, 1, more...)"), QString("Camera.Fly(Forward, 1, more...)"),
           QString("Camera.Move(Forward, 1, Speed=2, more...)")}) {
         TreeNode* line = Line(text);
-        for (int offset = 0; offset < text.size(); ++offset)
-            EXPECT_EQ(LeftAt(line, offset).What, Kind::None) << text.toStdString() << offset;
+        unreadable = line;
+        for (int offset = 0; offset < text.size(); ++offset) {
+            const ScriptRequest told = LeftAt(line, offset);
+            EXPECT_EQ(told.What, Kind::Message) << text.toStdString() << offset;
+            EXPECT_TRUE(told.Value.contains(text)) << told.Value.toStdString();
+        }
         EXPECT_EQ(line->Text(), text);
     }
+    EXPECT_TRUE(
+        LeftAt(unreadable, 3).Value.contains("\"Type Programming Language Code (Python)\""));
     // A value with a blank: the piece behind the blank is no value at all.
     TreeNode* blank = Line("Camera.Move(Forward, 1 2, more...)");
-    EXPECT_EQ(LeftAt(blank, 23).What, Kind::None);
+    EXPECT_EQ(LeftAt(blank, 23).What, Kind::Message);
     EXPECT_EQ(RightAt(blank, 23).Rows[ScriptClicks::RemoveValue].Visible, false);
     EXPECT_TRUE(script.TreeUndoRecords().IsEmpty());
 }
@@ -134,12 +142,13 @@ TEST_F(Clicks, APressSelectsAnyNodeButArmsADragForALineOnly) {
 TEST_F(Clicks, TheNodeMenuShowsTheRowsThatFitTheNode) {
     const ScriptRequest block = RightAt(action1, 2);
     EXPECT_EQ(block.What, Kind::NodeMenu);
-    EXPECT_EQ(Visible(block), QStringList({"Cut Line", "Copy Line", "Delete Line", "-",
-                                           "Change to DoTogether", "(Re)Name Line..."}));
+    EXPECT_EQ(Visible(block),
+              QStringList({"Perform this Line", "-", "Cut Line", "Copy Line", "Delete Line", "-",
+                           "Change to DoTogether", "(Re)Name Line..."}));
     EXPECT_EQ(tree.SelectedItem(), action1);
 
     EXPECT_EQ(Visible(RightAt(Line("PlaySound(bell.wav)"), 3)),
-              QStringList({"Cut Line", "Copy Line", "Delete Line", "-",
+              QStringList({"Perform this Line", "-", "Cut Line", "Copy Line", "Delete Line", "-",
                            "Type Programming Language Code (Python)"}));
 
     TreeNode* line = Line("Camera.Move(Forward, 1, Duration=2, more...)");
@@ -174,6 +183,24 @@ TEST_F(Clicks, NodeMenuRowsChangeTheLineOrPassTheRequestOn) {
     const ScriptRequest cut = clicks.mnuNodeRightB_Click(ScriptClicks::CutLine);
     EXPECT_EQ(cut.What, Kind::NodeCommand);
     EXPECT_EQ(cut.Number, ScriptClicks::CutLine);
+
+    // Perform this Line asks for the Python of what was clicked and all below it, blocks
+    // by their bare word.
+    TreeNode* hop = tree.Add(action1, Relation::Child, "", "DoInOrder : Hop");
+    tree.Add(hop, Relation::Child, "", "Camera.Turn(Left, 1/4, more...)");
+    RightAt(line, 2);
+    const ScriptRequest oneLine = clicks.mnuNodeRightB_Click(ScriptClicks::PerformLine);
+    EXPECT_EQ(oneLine.What, Kind::PerformLine);
+    EXPECT_EQ(oneLine.Value, "Camera.Move(Forward, 1),\r\n");
+    RightAt(action1, 2);
+    EXPECT_EQ(clicks.mnuNodeRightB_Click(ScriptClicks::PerformLine).Value,
+              "DoTogether(\r\n"
+              "\tCamera.Move(Forward, 1),\r\n"
+              "\tDoInOrder(\r\n"
+              "\t\tCamera.Turn(Left, 1/4),\r\n"
+              "\t),\r\n"
+              ")\r\n");
+    tree.Remove(hop->Index());
 
     script.UndoFromLog();
     script.UndoFromLog();

@@ -195,3 +195,31 @@ TEST_F(Panel, APythonLineIsOfferedNoValueRows) {
         EXPECT_FALSE(row->isVisible() && row->text().startsWith("Remove"))
             << row->text().toStdString();
 }
+
+TEST_F(Panel, AClickOnALineThatCannotBeReadSaysWhichLineAndWhatToDo) {
+    script.TreeView1().SetText(line, "Camera.Fly(Forward, 1, more...)");
+    Click(Qt::LeftButton, AtCharacter(line, 13));
+    auto* box = panel.findChild<QMessageBox*>();
+    ASSERT_NE(box, nullptr);
+    EXPECT_TRUE(box->isVisible());
+    EXPECT_TRUE(box->text().contains("Camera.Fly(Forward, 1, more...)"));
+    EXPECT_TRUE(box->text().contains("Python"));
+    EXPECT_EQ(line->Text(), "Camera.Fly(Forward, 1, more...)");
+    box->button(QMessageBox::Ok)->click();
+}
+
+TEST_F(Panel, TheMenuKeyOpensTheSelectedLinesMenuWherePerformThisLineRunsIt) {
+    Click(Qt::LeftButton, AtCharacter(line, 2));
+    ASSERT_EQ(script.TreeView1().SelectedItem(), line);
+    host.requests.clear();
+    view.setFocus();
+    QTest::keyClick(&view, Qt::Key_F10, Qt::ShiftModifier);
+    ASSERT_NE(panel.OpenMenu(), nullptr);
+    EXPECT_TRUE(panel.OpenMenu()->isVisible());
+    ASSERT_NE(MenuRow("Perform this Line"), nullptr);
+    EXPECT_TRUE(MenuRow("Perform this Line")->isVisible());
+    MenuRow("Perform this Line")->trigger();
+    ASSERT_EQ(host.requests.size(), 1u);
+    EXPECT_EQ(host.requests[0].What, Kind::PerformLine);
+    EXPECT_EQ(host.requests[0].Value, "Camera.Move(Forward, 1, Duration=2),\r\n");
+}

@@ -31,7 +31,11 @@ QSurfaceFormat viewFormat(bool highQuality) {
 ViewWidget::ViewWidget(SceneGraph& scene, InputQueue& input, bool highQuality, QWidget* parent)
     : QOpenGLWidget(parent), view_(std::make_unique<WorldView>(scene)), input_(input) {
     setObjectName(QStringLiteral("ImageNavigator"));
+    setAccessibleName(QStringLiteral("Camera view"));
+    setAccessibleDescription(QStringLiteral("The arrow keys and Page Up and Page Down move the "
+                                            "camera; other keys go to the world."));
     setFormat(viewFormat(highQuality));
+    // Keys belong to the world and drive the camera: a stop of Tab and of a click.
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(false);
     view_->setHighQuality(highQuality);

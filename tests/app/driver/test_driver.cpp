@@ -10,12 +10,17 @@
 //   "dump:NAME"   print the items of the tree view NAME, one per line, indented
 //                 by depth: "driver: NAME: <indent><text>"
 //   "wait:MS"     let the program run for MS milliseconds
+//   "key:KEYS"    press KEYS ("Ctrl+Tab") where the keyboard focus is
+//   "reader:NAME" print what assistive technology reads of the window or widget NAME:
+//                 "driver: reader: NAME <role> "<name>"", and for a tab list the
+//                 selected tab: " selected "<tab>""
 //   "exit"        open the File menu with Alt+F and choose E&xit with X
 // Whatever the script, it reports on standard error when the main window is
 // shown with its final caption: "driver: main window shown". An error box that
 // comes up at any time is reported, "driver: ErrorForm: <caption> | <details>"
 // with line ends shown as "/", and closed with its OK button.
 
+#include <QAccessible>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QGenericPlugin>
@@ -97,6 +102,10 @@ private:
             dumpTree(argument);
         else if (step.startsWith(QStringLiteral("wait:")))
             pause = argument.toInt();
+        else if (step.startsWith(QStringLiteral("key:")))
+            pressKeys(QKeySequence::fromString(argument));
+        else if (step.startsWith(QStringLiteral("reader:")))
+            printReading(argument);
         else
             std::fprintf(stderr, "driver: unknown step %s\n", qPrintable(step));
         QTimer::singleShot(pause, this, &Driver::nextStep);
@@ -121,6 +130,41 @@ private:
                          qPrintable(index.data().toString()));
             dumpRows(name, model, index, depth + 1);
         }
+    }
+
+    void pressKeys(const QKeySequence& keys) {
+        QWidget* focus = QApplication::focusWidget();
+        const QKeyCombination key = keys[0];
+        QTest::keyClick(focus ? focus : main_, key.key(), key.keyboardModifiers());
+    }
+
+    void printReading(const QString& name) {
+        QWidget* widget = nullptr;
+        for (QWidget* window : QApplication::topLevelWidgets())
+            if (window->objectName() == name)
+                widget = window;
+        if (!widget)
+            widget = main_->findChild<QWidget*>(name);
+        QAccessibleInterface* reading =
+            widget ? QAccessible::queryAccessibleInterface(widget) : nullptr;
+        if (!reading) {
+            std::fprintf(stderr, "driver: reader: %s is not there\n", qPrintable(name));
+            return;
+        }
+        const QAccessible::Role role = reading->role();
+        QString line = name + QLatin1Char(' ') +
+                       (role == QAccessible::Window        ? QStringLiteral("window")
+                        : role == QAccessible::PageTabList ? QStringLiteral("page-tab-list")
+                                                           : QString::number(role)) +
+                       QStringLiteral(" \"") + reading->text(QAccessible::Name) + QLatin1Char('"');
+        for (int child = 0; child < reading->childCount(); ++child) {
+            QAccessibleInterface* tab = reading->child(child);
+            if (tab && tab->role() == QAccessible::PageTab && tab->state().selected)
+                line += QStringLiteral(" selected \"") + tab->text(QAccessible::Name) +
+                        QLatin1Char('"');
+        }
+        std::fprintf(stderr, "driver: reader: %s\n", qPrintable(line));
+        std::fflush(stderr);
     }
 
     void clickTab(int index) {
