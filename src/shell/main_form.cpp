@@ -1,6 +1,7 @@
 #include "shell/main_form.h"
 
 #include "controls/accessible_names.h"
+#include "events/event_panel.h"
 #include "gateway/output_limits.h"
 #include "scene/scene_panel.h"
 #include "script/script_panel.h"
@@ -186,6 +187,10 @@ QToolButton* MainForm::makeUndoButton(const QString& control, QWidget* parent) {
 }
 
 void MainForm::UndoButton_MouseUp(const QString& control) {
+    if (control == scriptUndoButton_->objectName() && world_.status().SceneScriptTab() == 2) {
+        eventPanel_->LVUndoFromLog();
+        return;
+    }
     const QString routine = QStringLiteral("MainForm:") + control + QStringLiteral("_MouseUp: ");
     try {
         runTool(engine_, reporter_, QStringLiteral("undo()"),
@@ -212,13 +217,17 @@ QWidget* MainForm::buildScriptTabs() {
             SwitchToTab(tab);
     });
 
-    scriptPanel_ = new ScriptPanel(world_.script(), area);
     scriptUndoButton_ = makeUndoButton(QStringLiteral("ScriptUndoButton"), area);
+    // Made before the script, so that Tab reaches the events before the script below them.
+    eventPanel_ = new EventPanel(world_.events(), world_.trees().ObjectTree2, area);
+    connect(eventPanel_, &EventPanel::listUndoAvailable, this, [this] { showScriptUndoEnabled(); });
+    scriptPanel_ = new ScriptPanel(world_.script(), area);
     auto* scriptTab = new QWidget(area);
     auto* scriptLayout = new QVBoxLayout(scriptTab);
     scriptLayout->setContentsMargins(0, 0, 0, 0);
     scriptLayout->addWidget(scriptUndoButton_, 0, Qt::AlignLeft);
-    scriptLayout->addWidget(scriptPanel_, 1);
+    scriptLayout->addWidget(eventPanel_, 1);
+    scriptLayout->addWidget(scriptPanel_, 2);
 
     sceneScriptTab_ = new QStackedWidget(area);
     sceneScriptTab_->addWidget(buildOpeningScenePanel());
@@ -252,6 +261,7 @@ void MainForm::SwitchToTab(int tab) {
                                  "EditCopyMenuButton", "EditDeleteMenuButton"},
                                 true);
                 scriptPanel_->ConstructTreeView().setVisible(tab == 1);
+                eventPanel_->setVisible(tab == 2);
             }
             if (tab == 2)
                 ObjectTree2_Update(world_.trees());
@@ -259,6 +269,7 @@ void MainForm::SwitchToTab(int tab) {
             switchTab_->setCurrentIndex(tab);
             scenePanel_->showTab(tab);
             sceneScriptTab_->setCurrentIndex(tab == 0 ? 0 : 1);
+            showScriptUndoEnabled();
             if (tab == 0 && engine_.isSet())
                 reporter_.CheckInterpreterResult(
                     engine_.call(QStringLiteral("SetIsDirty"), {0}),
@@ -337,7 +348,12 @@ void MainForm::buildMenus() {
     findChild<QMenu*>(QStringLiteral("SiteSpecificMenuButton"))->menuAction()->setVisible(false);
     QAction* undo = findChild<QAction*>(QStringLiteral("EditUndoTextMenuButton"));
     undo->setShortcut(QKeySequence::Undo);
-    connect(undo, &QAction::triggered, this, [this] { scriptPanel_->UndoFromLog(); });
+    connect(undo, &QAction::triggered, this, [this] {
+        if (world_.status().SceneScriptTab() == 2)
+            eventPanel_->LVUndoFromLog();
+        else
+            scriptPanel_->UndoFromLog();
+    });
     QAction* exit = findChild<QAction*>(QStringLiteral("FileExitMenuButton"));
     exit->setEnabled(true);
     exit->setShortcut(QKeySequence::Quit);
@@ -476,8 +492,15 @@ void MainForm::LogMessage(const QString& text) {
 }
 
 void MainForm::showUndoAvailable(bool available) {
+    engineUndoAvailable_ = available;
     undoButton_->setEnabled(available);
-    scriptUndoButton_->setEnabled(available);
+    showScriptUndoEnabled();
+}
+
+void MainForm::showScriptUndoEnabled() {
+    scriptUndoButton_->setEnabled(world_.status().SceneScriptTab() == 2
+                                      ? !world_.events().ListUndoLog().IsEmpty()
+                                      : engineUndoAvailable_);
 }
 
 void MainForm::showWorldActive(bool active) {

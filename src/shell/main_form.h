@@ -17,6 +17,7 @@ class QToolButton;
 
 namespace vessa {
 
+class EventPanel;
 class OpenWorld;
 class RenderForm;
 class ScenePanel;
@@ -46,6 +47,7 @@ public:
 
     QWidget* OpeningSceneFrame() const;
     ScriptPanel& scriptPanel() { return *scriptPanel_; }
+    EventPanel& eventPanel() { return *eventPanel_; }
     ScenePanel& scenePanel() { return *scenePanel_; }
     QTextEdit* OutputText() const { return outputText_; }
 
@@ -80,8 +82,12 @@ private:
     void moveCameraView(QWidget* host);
     QWidget* cameraViewHost() const;
     QToolButton* makeUndoButton(const QString& control, QWidget* parent);
-    // Undoes the engine's last step; `control` is the button that was clicked.
+    // Undoes the engine's last step, or on the events tab the script's undo button
+    // undoes the last change of the event rows; `control` is the button that was clicked.
     void UndoButton_MouseUp(const QString& control);
+    // The script's undo button follows the event rows' log on the events tab, the
+    // engine's undo stack elsewhere.
+    void showScriptUndoEnabled();
     void IdleTimer_Timer();
     // Answers whether the world was saved.
     bool FileSaveMenuButton_Click();
@@ -96,9 +102,11 @@ private:
     QTabBar* switchTab_ = nullptr;
     QStackedWidget* sceneScriptTab_ = nullptr; // 0 the opening scene, 1 the script
     ScriptPanel* scriptPanel_ = nullptr;
+    EventPanel* eventPanel_ = nullptr; // on the events tab, above the script
     ScenePanel* scenePanel_ = nullptr;
     QToolButton* undoButton_ = nullptr;       // on the opening scene
     QToolButton* scriptUndoButton_ = nullptr; // on the script's tabs
+    bool engineUndoAvailable_ = false;        // as the engine's records last said
     // Keeps the engine stepping while a dialog or an external tool holds the
     // main loop.
     QTimer IdleTimer;
