@@ -34,7 +34,6 @@ public:
 
     ScriptModel& Script() const { return script_; }
     ListControl& ListView1() { return listView1_; }
-    const ListControl& ListView1() const { return listView1_; }
     int EventRowCounter() const { return eventRowCounter_; }
     EventUndoLog& ListUndoLog() { return listUndoLog_; }
     EventUndoLog& TreeListUndoLog() { return treeListUndoLog_; }

@@ -175,7 +175,8 @@ QWidget* MainForm::buildOpeningScenePanel() {
 }
 
 // The engine's undo, on each tab: disabled while the engine has nothing to undo, which
-// the engine's records tell. The script's own changes are undone from the Edit menu.
+// the engine's records tell. The script's own changes are undone from the Edit menu; on
+// the events tab the script's button undoes the event rows' changes, as the menu does.
 QToolButton* MainForm::makeUndoButton(const QString& control, QWidget* parent) {
     auto* button = new QToolButton(parent);
     button->setObjectName(control);

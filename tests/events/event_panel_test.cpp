@@ -25,171 +25,97 @@ struct Builder : ::testing::Test {
     ScriptModel script{host};
     EventList events{script};
     TreeControl objectTree2;
-    TreeNode* bunny = nullptr;
-    std::vector<ScriptRequest> requests;
+    QStringList requests; // "<kind>:<value>"
     std::unique_ptr<EventPanel> panel;
     ListControlView* view = nullptr;
     QToolButton* makeEvent = nullptr;
 
     void SetUp() override {
-        TreeNode* scene = objectTree2.AddRoot("k1", "Scene");
-        bunny = objectTree2.Add(scene, Relation::Child, "k2", "Bunny");
-        objectTree2.SetTag(bunny, "Bunny");
         for (Kind kind :
              {Kind::EventConditionMenu, Kind::EventObjectPicker, Kind::EventResponseMenu})
-            script.requests().registerHandler(
-                kind, [this](const ScriptRequest& request) { requests.push_back(request); });
+            script.requests().registerHandler(kind, [this](const ScriptRequest& request) {
+                requests << QString::number(static_cast<int>(request.What)) + u':' + request.Value;
+            });
         panel = std::make_unique<EventPanel>(events, objectTree2);
         view = &panel->ListView1View();
         makeEvent = &panel->MakeEventButton();
         panel->resize(600, 300);
         panel->show();
         QApplication::setActiveWindow(panel.get());
-        QApplication::processEvents();
+        QTest::mouseClick(makeEvent, Qt::LeftButton);
     }
-
     void TearDown() override { panel.reset(); }
 
-    QPoint Cell(int position, int column) const {
-        return view->visualRect(view->model()->index(position, column)).center();
-    }
-
-    void Click(Qt::MouseButton button, const QPoint& point) {
-        QTest::mouseClick(view->viewport(), button, {}, point);
-    }
-
-    // The node drag the program has under way, carried onto the list and dropped.
-    bool Drop(const QByteArray& mimeType) {
-        QMimeData carried;
-        carried.setData(QString::fromLatin1(mimeType), "k2");
-        const QPoint at = Cell(0, EventList::When);
-        QDragEnterEvent enter(at, Qt::CopyAction, &carried, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(view->viewport(), &enter);
-        QDropEvent drop(QPointF(at), Qt::CopyAction, &carried, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(view->viewport(), &drop);
-        return enter.isAccepted();
-    }
-
-    QStringList Kinds() const {
-        QStringList kinds;
-        for (const ScriptRequest& request : requests)
-            kinds << QString::number(static_cast<int>(request.What)) + u':' + request.Value;
-        return kinds;
+    void Click(Qt::MouseButton button, int position, int column) {
+        const QPoint at = view->visualRect(view->model()->index(position, column)).center();
+        QTest::mouseClick(view->viewport(), button, {}, at);
     }
 };
 
-QString Kinded(Kind kind, const QString& value) {
+QString Asked(Kind kind, const QString& value) {
     return QString::number(static_cast<int>(kind)) + u':' + value;
 }
 
 } // namespace
 
-TEST_F(Builder, MakeEventMakesASelectedRowByMouseOrKeyboardWhileThereIsAnAnimation) {
-    QTest::mouseClick(makeEvent, Qt::LeftButton);
-    ASSERT_EQ(events.ListView1().Count(), 2);
-    EXPECT_EQ(events.ListView1().SelectedItem(), events.ListView1().Row(1));
-    EXPECT_EQ(view->selectionModel()->selectedRows().value(0).row(), 1);
-
+TEST_F(Builder, MakeEventWorksByKeyboardAndTheRowsAreReachedAndReadWhole) {
+    ASSERT_EQ(events.ListView1().Count(), 2); // the start row and the click's
     makeEvent->setFocus();
     QTest::keyClick(makeEvent, Qt::Key_Space);
-    EXPECT_EQ(events.ListView1().Count(), 3);
-
-    // Without an animation the button is off, and comes back with the next one.
-    script.TreeView1().Clear();
-    EXPECT_FALSE(makeEvent->isEnabled());
-    QTest::mouseClick(makeEvent, Qt::LeftButton);
-    EXPECT_EQ(events.ListView1().Count(), 3);
-    script.AddNewAnimation();
-    EXPECT_TRUE(makeEvent->isEnabled());
-}
-
-TEST_F(Builder, TabReachesTheListFromTheButtonAndArrowsMoveAlongTheRows) {
-    QTest::mouseClick(makeEvent, Qt::LeftButton);
-    makeEvent->setFocus();
+    EXPECT_EQ(events.ListView1().SelectedItem(), events.ListView1().Row(2));
     QTest::keyClick(makeEvent, Qt::Key_Tab);
     ASSERT_EQ(QApplication::focusWidget(), view);
     QTest::keyClick(view, Qt::Key_Up);
+    QTest::keyClick(view, Qt::Key_Up);
     EXPECT_EQ(events.ListView1().SelectedItem(), events.ListView1().Row(0));
-    // The row the keyboard is on reads whole.
     QAccessibleInterface* focus = QAccessible::queryAccessibleInterface(view)->focusChild();
     ASSERT_TRUE(focus);
     EXPECT_EQ(focus->text(QAccessible::Name),
               "When: World Start, Happens To: - - -, Do Animation: Action1");
-    QTest::keyClick(view, Qt::Key_Down);
-    EXPECT_EQ(events.ListView1().SelectedItem(), events.ListView1().Row(1));
+
+    // Without an animation the button is off, and back with the next one.
+    script.TreeView1().Clear();
+    EXPECT_FALSE(makeEvent->isEnabled());
+    script.AddNewAnimation();
+    EXPECT_TRUE(makeEvent->isEnabled());
 }
 
-TEST_F(Builder, AClickInAColumnAsksForThatColumnsEditor) {
-    QTest::mouseClick(makeEvent, Qt::LeftButton);
-    Click(Qt::LeftButton, Cell(1, EventList::When));
-    Click(Qt::LeftButton, Cell(1, EventList::HappensTo));
-    Click(Qt::LeftButton, Cell(1, EventList::DoAnimation));
-    EXPECT_EQ(Kinds(), (QStringList{Kinded(Kind::EventConditionMenu, "LeftMouseButtonDown"),
-                                    Kinded(Kind::EventObjectPicker, "AnyWhere"),
-                                    Kinded(Kind::EventResponseMenu, "Action1")}));
-    EXPECT_EQ(requests.back().ScreenPoint,
-              view->viewport()->mapToGlobal(Cell(1, EventList::DoAnimation)));
-    EXPECT_EQ(events.CurrentColumn(), EventList::DoAnimation);
-
-    // The start row's Happens To, the right button and blank space ask for nothing.
-    requests.clear();
-    Click(Qt::LeftButton, Cell(0, EventList::HappensTo));
+TEST_F(Builder, AClickOrReturnAsksForTheEditorOfItsColumn) {
+    for (int column : {EventList::When, EventList::HappensTo, EventList::DoAnimation})
+        Click(Qt::LeftButton, 1, column);
+    // Nothing happens to the start row; the right button asks for nothing.
+    Click(Qt::LeftButton, 0, EventList::HappensTo);
     EXPECT_EQ(events.ListView1().SelectedItem(), events.ListView1().Row(0));
-    Click(Qt::RightButton, Cell(1, EventList::When));
-    Click(Qt::LeftButton, QPoint(5, view->viewport()->height() - 5));
-    EXPECT_TRUE(requests.empty());
+    Click(Qt::RightButton, 1, EventList::When);
+    EXPECT_EQ(requests, (QStringList{Asked(Kind::EventConditionMenu, "LeftMouseButtonDown"),
+                                     Asked(Kind::EventObjectPicker, "AnyWhere"),
+                                     Asked(Kind::EventResponseMenu, "Action1")}));
+    // The arrows choose the column, within the three, and Return opens its editor.
+    Click(Qt::LeftButton, 0, EventList::When);
+    requests.clear();
+    for (Qt::Key key : {Qt::Key_Left, Qt::Key_Return, Qt::Key_Right, Qt::Key_Right, Qt::Key_Right,
+                        Qt::Key_Return})
+        QTest::keyClick(view, key);
+    EXPECT_EQ(requests, (QStringList{Asked(Kind::EventConditionMenu, "World Start"),
+                                     Asked(Kind::EventResponseMenu, "Action1")}));
 }
 
-TEST_F(Builder, ReturnAsksForTheEditorOfTheColumnTheArrowsChose) {
-    QTest::mouseClick(makeEvent, Qt::LeftButton);
-    view->setFocus();
-    QTest::keyClick(view, Qt::Key_Return);
-    QTest::keyClick(view, Qt::Key_Right);
-    QTest::keyClick(view, Qt::Key_Return);
-    QTest::keyClick(view, Qt::Key_Right);
-    QTest::keyClick(view, Qt::Key_Right); // no further than the last column
-    QTest::keyClick(view, Qt::Key_Return);
-    QTest::keyClick(view, Qt::Key_Left);
-    QTest::keyClick(view, Qt::Key_Return);
-    for (int step = 0; step < 3; ++step) // no further than the first
-        QTest::keyClick(view, Qt::Key_Left);
-    QTest::keyClick(view, Qt::Key_Return);
-    EXPECT_EQ(Kinds(), (QStringList{Kinded(Kind::EventConditionMenu, "LeftMouseButtonDown"),
-                                    Kinded(Kind::EventObjectPicker, "AnyWhere"),
-                                    Kinded(Kind::EventResponseMenu, "Action1"),
-                                    Kinded(Kind::EventObjectPicker, "AnyWhere"),
-                                    Kinded(Kind::EventConditionMenu, "LeftMouseButtonDown")}));
-    EXPECT_EQ(events.ListView1().SelectedItem(), events.ListView1().Row(1));
-}
-
-TEST_F(Builder, AnObjectDroppedFromObjectTree2MakesItsRowAndNoOtherDropDoes) {
-    // A node of another tree, and data that is no node, are refused.
-    script.DragNode = NodeRef::To(script.TreeView1(), script.TreeView1().FirstRoot());
-    EXPECT_FALSE(Drop(NodeDragMimeType));
-    script.DragNode = NodeRef::To(objectTree2, bunny);
-    EXPECT_FALSE(Drop("text/plain"));
-    EXPECT_EQ(events.ListView1().Count(), 1);
-
-    EXPECT_TRUE(Drop(NodeDragMimeType));
-    ASSERT_EQ(events.ListView1().Count(), 2);
-    const ListRow* row = events.ListView1().Row(1);
-    EXPECT_EQ(row->Key(), "key1");
-    EXPECT_EQ(row->SubItems(EventList::HappensTo), "Bunny");
-    EXPECT_EQ(events.ListView1().SelectedItem(), row);
-}
-
-TEST_F(Builder, ARowReadsAsItsColumnsAndTheControlsByTheirNames) {
-    events.addRow("KeyDown (\"A\" key)", "Camera", "Hop");
-    QApplication::processEvents(); // the view lays out its new row
-    QAccessibleInterface* list = QAccessible::queryAccessibleInterface(view);
-    ASSERT_TRUE(list && list->tableInterface());
-    EXPECT_EQ(list->text(QAccessible::Name), "Events");
-    QAccessibleInterface* row = list->tableInterface()->cellAt(1, 0);
-    ASSERT_TRUE(row);
-    EXPECT_EQ(row->text(QAccessible::Name),
-              "When: KeyDown (\"A\" key), Happens To: Camera, Do Animation: Hop");
-    EXPECT_EQ(list->tableInterface()->cellAt(1, EventList::HappensTo)->text(QAccessible::Name),
-              "Camera");
-    EXPECT_EQ(QAccessible::queryAccessibleInterface(makeEvent)->text(QAccessible::Name),
-              "Make event");
+TEST_F(Builder, OnlyAnObjectDraggedFromObjectTree2MakesARowWhenDropped) {
+    TreeNode* bunny = objectTree2.AddRoot("k2", "Bunny");
+    objectTree2.SetTag(bunny, "Bunny.Head");
+    const auto drop = [&](const NodeRef& dragged, const char* mimeType) {
+        script.DragNode = dragged;
+        QMimeData carried;
+        carried.setData(QString::fromLatin1(mimeType), "k2");
+        QDragEnterEvent entered(QPoint(10, 10), Qt::CopyAction, &carried, Qt::LeftButton, {});
+        QApplication::sendEvent(view->viewport(), &entered);
+        QDropEvent dropped(QPointF(10, 10), Qt::CopyAction, &carried, Qt::LeftButton, {});
+        QApplication::sendEvent(view->viewport(), &dropped);
+    };
+    drop(NodeRef::To(script.TreeView1(), script.TreeView1().FirstRoot()), NodeDragMimeType);
+    drop(NodeRef::To(objectTree2, bunny), "text/plain");
+    EXPECT_EQ(events.ListView1().Count(), 2);
+    drop(NodeRef::To(objectTree2, bunny), NodeDragMimeType);
+    ASSERT_EQ(events.ListView1().Count(), 3);
+    EXPECT_EQ(events.ListView1().Row(2)->SubItems(EventList::HappensTo), "Bunny.Head");
 }

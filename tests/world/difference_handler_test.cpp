@@ -198,11 +198,8 @@ TEST(SceneRecords, ARenameReachesScriptLinesAndEventRowsBeforeTheNode) {
     TreeNode* root = h.script.AddRoot(QStringLiteral("hop"), QStringLiteral("Hop = DoInOrder"));
     TreeNode* line = h.script.Add(root, Relation::Child, QString(),
                                   QStringLiteral("Bunny.Head.Turn(Left, 1/4, more...)"));
-    EventList& events = h.world.events();
-    const ListRow* head = events.addRow(QStringLiteral("LeftMouseButtonDown"),
-                                        QStringLiteral("Bunny.Head"), QStringLiteral("Hop"));
-    const ListRow* other = events.addRow(QStringLiteral("LeftMouseButtonDown"),
-                                         QStringLiteral("Bunnyhop"), QStringLiteral("Hop"));
+    const ListRow* head = h.world.events().addRow("LeftMouseButtonDown", "Bunny.Head", "Hop");
+    const ListRow* other = h.world.events().addRow("LeftMouseButtonDown", "Bunnyhop", "Hop");
     h.handle(batch({nameChange(QStringLiteral("4"), QStringLiteral("Hare")),
                     nameChange(QStringLiteral("5"), QStringLiteral("Hare.Head"))}));
     EXPECT_EQ(line->Text(), QStringLiteral("Hare.Head.Turn(Left, 1/4, more...)"));
