@@ -32,7 +32,8 @@ EventPanel::EventPanel(EventList& list, const TreeControl& objectTree2, QWidget*
             [this] { guarded([this] { list_.MakeEvent(); }); });
 
     listView1_->setObjectName(QStringLiteral("ListView1"));
-    // The first column is the row's own text, which stays empty.
+    // The first column is the row's own text, which stays empty; to assistive technology
+    // it reads as the whole row.
     listView1_->setColumnHidden(0, true);
     listView1_->setSelectionMode(QAbstractItemView::SingleSelection);
     listView1_->setSelectionBehavior(QAbstractItemView::SelectRows);
