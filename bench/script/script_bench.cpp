@@ -24,6 +24,7 @@ class QuietHost : public ScriptHost {
 public:
     void scriptModified() override {}
     void LVUndoFromLog() override {}
+    int ReplaceInListView(const QString&, const QString&) override { return 0; }
     void ReportError(const RunTimeError&) override {}
 };
 

@@ -33,6 +33,9 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("SplitterH2"), QStringLiteral("Divider above the sounds")},
         {QStringLiteral("SplitterV"), QStringLiteral("Divider beside the scene")},
         {QStringLiteral("SoundTree"), QStringLiteral("Sounds")},
+        {QStringLiteral("EventPanel"), QStringLiteral("Event builder")},
+        {QStringLiteral("ListView1"), QStringLiteral("Events")},
+        {QStringLiteral("MakeEvent"), QStringLiteral("Make event")},
         {QStringLiteral("menuBar"), QStringLiteral("Menu bar")},
         {QStringLiteral("SplitterH1"), QStringLiteral("Divider above the output")},
         // Camera window

@@ -23,7 +23,18 @@ QVariant ListItemModel::data(const QModelIndex& index, int role) const {
     const ListRow* row = RowOf(index);
     if (!row || (role != Qt::DisplayRole && role != Qt::AccessibleTextRole))
         return {};
+    if (role == Qt::AccessibleTextRole && list_.ColumnHeaders().value(index.column()).isEmpty())
+        return RowSummary(*row);
     return row->SubItems(index.column());
+}
+
+QString ListItemModel::RowSummary(const ListRow& row) const {
+    QStringList columns;
+    const QStringList& headers = list_.ColumnHeaders();
+    for (int column = 0; column < headers.size(); ++column)
+        if (!headers[column].isEmpty())
+            columns << headers[column] + QStringLiteral(": ") + row.SubItems(column);
+    return columns.join(QStringLiteral(", "));
 }
 
 QVariant ListItemModel::headerData(int section, Qt::Orientation orientation, int role) const {

@@ -7,6 +7,8 @@
 namespace vessa {
 
 // Shows a ListControl to Qt's item views: one row per list row, one column per header.
+// A column without a header reads, to assistive technology, as the whole row: each
+// other column's header and text, "When: KeyDown (Space Bar), Happens To: Bunny".
 class ListItemModel : public QAbstractTableModel, private ListObserver {
     Q_OBJECT
 public:
@@ -22,6 +24,7 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:
+    QString RowSummary(const ListRow& row) const;
     void RowAboutToBeAdded(int position) override;
     void RowAdded() override;
     void RowAboutToBeRemoved(int position) override;

@@ -2,6 +2,10 @@
 
 namespace vessa {
 
+// What a drag of a node carries between the program's views: the node itself is the
+// program's one DragNode; the data only tells a drop target that a node is coming.
+inline constexpr char NodeDragMimeType[] = "application/x-vessa47-node";
+
 class TreeControl;
 class TreeNode;
 

@@ -21,10 +21,6 @@ namespace vessa {
 
 namespace {
 
-// What a drag from the scene's trees carries: the node itself is the program's
-// DragNode; the data only tells drop targets that a node is coming.
-const QString kNodeMimeType = QStringLiteral("application/x-vessa47-node");
-
 TreeControlView* makeView(TreeControl& tree, const QString& name, QWidget* parent) {
     auto* view = new TreeControlView(tree, parent);
     view->setObjectName(name);
@@ -202,7 +198,7 @@ TreeNode* ScenePanel::ObjectTree_MouseMove(Qt::MouseButtons buttons, const QPoin
 void ScenePanel::beginDrag(TreeControlView& view, TreeNode* node) {
     pressedSelectedNode_ = false; // a drag is no click to rename
     auto* carried = new QMimeData;
-    carried->setData(kNodeMimeType, node->Key().toUtf8());
+    carried->setData(QString::fromLatin1(NodeDragMimeType), node->Key().toUtf8());
     auto* drag = new QDrag(&view);
     drag->setMimeData(carried);
     const QRect rect = view.NodeRect(node);
@@ -218,7 +214,7 @@ bool ScenePanel::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::DragEnter:
     case QEvent::DragMove: {
         auto* drag = static_cast<QDragMoveEvent*>(event);
-        if (!inDrag_ || !drag->mimeData()->hasFormat(kNodeMimeType))
+        if (!inDrag_ || !drag->mimeData()->hasFormat(QString::fromLatin1(NodeDragMimeType)))
             return false;
         ObjectTree_DragOver(drag->position().toPoint());
         drag->acceptProposedAction();

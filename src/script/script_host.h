@@ -1,5 +1,7 @@
 #pragma once
 
+class QString;
+
 namespace vessa {
 
 class RunTimeError;
@@ -11,9 +13,13 @@ public:
 
     // The script changed: the open world now holds unsaved work.
     virtual void scriptModified() = 0;
-    // Undoes one record of the event list's log. A tree change that renamed event rows
-    // carries how many of their records to undo before it.
+    // Undoes one record of the event list's log of what script edits did to its rows. A
+    // tree change that renamed or removed event rows carries how many of their records
+    // to undo before it.
     virtual void LVUndoFromLog() = 0;
+    // An animation was renamed: the event rows that do it follow, each recorded in that
+    // log. Answers how many rows changed.
+    virtual int ReplaceInListView(const QString& oldName, const QString& newName) = 0;
     // A failure inside one of the script's handlers, for the program's error report.
     virtual void ReportError(const RunTimeError& error) = 0;
 };

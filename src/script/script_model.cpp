@@ -1,6 +1,8 @@
 #include "script/script_model.h"
 
+#include "base/run_time_error.h"
 #include "script/basic_text.h"
+#include "script/script_host.h"
 #include "script/script_icons.h"
 #include "script/tree_walks.h"
 
@@ -94,6 +96,24 @@ void ScriptModel::AfterLabelEdit(TreeNode* node, const QString& text) {
     if (treeView1_.Contains(node))
         UndoLog(UndoOperation::Changed, node);
     node->Owner().SetText(node, text);
+}
+
+bool ScriptModel::RenameAnimation(TreeNode* root, const QString& newName) {
+    try {
+        treeView1_.SetKey(root, newName.toLower());
+    } catch (const RunTimeError& error) {
+        if (error.number() != RunTimeError::KeyNotUnique)
+            throw;
+        return false;
+    }
+    const QString& line = root->Text();
+    const QString oldName = AnimationName(line);
+    // The rows' records go first, so that undo finds them on top when it replays them.
+    const int rows = host_.ReplaceInListView(oldName, newName);
+    UndoLog(UndoOperation::Changed, root, nullptr, rows);
+    treeView1_.SetText(root, newName + line.mid(oldName.size()));
+    animationNames_.Rename(oldName, newName);
+    return true;
 }
 
 void ScriptModel::ReplaceObjectName(const QString& oldName, const QString& newName) {

@@ -58,6 +58,11 @@ public:
     void RemoveValue(TreeNode* node);
     // A node's text edited in place: recorded like any other change of a line.
     void AfterLabelEdit(TreeNode* node, const QString& text);
+    // Gives the animation root the name newName: its Key becomes the name in lower case,
+    // its text "<newName> = " and its block, and AnimationNames and the event rows that
+    // do it follow; one undo record for all. False, with nothing changed, when another
+    // animation holds that key.
+    bool RenameAnimation(TreeNode* root, const QString& newName);
     // An object was renamed: the lines that call it or name it after "=" follow.
     void ReplaceObjectName(const QString& oldName, const QString& newName);
 

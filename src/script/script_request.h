@@ -16,9 +16,9 @@ struct MenuRow {
     bool Enabled = true;
 };
 
-// What a click asks for. The script decides; whoever shows menus and editors carries
-// it out. Requests of the kinds marked "later" are answered by the menus, editors and
-// commands that other parts of the program add.
+// What a click asks for. The script, or the event list, decides; whoever shows menus
+// and editors carries it out. Requests of the kinds marked "later" are answered by the menus,
+// editors and commands that other parts of the program add.
 struct ScriptRequest {
     enum class Kind {
         None,
@@ -35,6 +35,10 @@ struct ScriptRequest {
         NodeCommand,  // later: row Number of the node menu (cut, copy, paste, delete)
         BlankCommand, // later: row Number of the blank-space menu (the Python code box)
         ObjectMenu,   // later: the action menu of the object named Value, at the mouse
+        // The editors of the event list's CurrentRow, column Number, whose text is Value:
+        EventConditionMenu, // later: the conditions
+        EventObjectPicker,  // later: who it happens to, with "AnyWhere"; Value to select
+        EventResponseMenu,  // later: the animations, one of Rows each
     };
 
     Kind What = Kind::None;

@@ -2,6 +2,7 @@
 
 #include "controls/accessible_names.h"
 #include "controls/named_tab_bar.h"
+#include "events/event_panel.h"
 #include "gateway/output_limits.h"
 #include "scene/scene_panel.h"
 #include "script/script_panel.h"
@@ -208,14 +209,19 @@ void MainForm::UndoButton_MouseUp() {
     }
 }
 
-// The script's own undo, from the Edit menu and from the button over the script. On the
-// events tab the event list's log will answer instead, once the list is built.
+// The undo of what the user edits on the tab shown, from the Edit menu and from the
+// button over the script: the script's log, or on the events tab the event rows' log.
 void MainForm::EditUndoTextMenuButton_Click() {
-    scriptPanel_->UndoFromLog();
+    if (world_.status().SceneScriptTab() == 2)
+        eventPanel_->LVUndoFromLog();
+    else
+        scriptPanel_->UndoFromLog();
 }
 
 void MainForm::showScriptUndoAvailable() {
-    scriptUndoButton_->setEnabled(!world_.script().TreeUndoRecords().IsEmpty());
+    scriptUndoButton_->setEnabled(world_.status().SceneScriptTab() == 2
+                                      ? !world_.events().ListUndoLog().IsEmpty()
+                                      : !world_.script().TreeUndoRecords().IsEmpty());
 }
 
 // The tab bar over the two panels: the opening scene, and the script that the
@@ -236,12 +242,17 @@ QWidget* MainForm::buildScriptTabs() {
     scriptUndoButton_ = makeUndoButton(QStringLiteral("ScriptUndoButton"), area);
     connect(scriptUndoButton_, &QToolButton::clicked, this,
             &MainForm::EditUndoTextMenuButton_Click);
+    // Made before the script, so that Tab reaches the events before the script below them.
+    eventPanel_ = new EventPanel(world_.events(), world_.trees().ObjectTree2, area);
+    connect(eventPanel_, &EventPanel::listUndoAvailable, this,
+            [this] { showScriptUndoAvailable(); });
     scriptPanel_ = new ScriptPanel(world_.script(), area);
     auto* scriptTab = new QWidget(area);
     auto* scriptLayout = new QVBoxLayout(scriptTab);
     scriptLayout->setContentsMargins(0, 0, 0, 0);
     scriptLayout->addWidget(scriptUndoButton_, 0, Qt::AlignLeft);
-    scriptLayout->addWidget(scriptPanel_, 1);
+    scriptLayout->addWidget(eventPanel_, 1);
+    scriptLayout->addWidget(scriptPanel_, 2);
 
     sceneScriptTab_ = new QStackedWidget(area);
     sceneScriptTab_->addWidget(buildOpeningScenePanel());
@@ -276,12 +287,14 @@ void MainForm::SwitchToTab(int tab) {
                                  "EditCopyMenuButton", "EditDeleteMenuButton"},
                                 true);
                 scriptPanel_->ConstructTreeView().setVisible(tab == 1);
+                eventPanel_->setVisible(tab == 2);
             }
             if (tab == 2)
                 ObjectTree2_Update(world_.trees());
             world_.status().setSceneScriptTab(tab);
             scenePanel_->showTab(tab);
             sceneScriptTab_->setCurrentIndex(tab == 0 ? 0 : 1);
+            showScriptUndoAvailable();
             if (tab == 0 && engine_.isSet())
                 reporter_.CheckInterpreterResult(
                     engine_.call(QStringLiteral("SetIsDirty"), {0}),

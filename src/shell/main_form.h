@@ -16,6 +16,7 @@ class QToolButton;
 
 namespace vessa {
 
+class EventPanel;
 class NamedTabBar;
 class OpenWorld;
 class RenderForm;
@@ -47,6 +48,7 @@ public:
 
     QWidget* OpeningSceneFrame() const;
     ScriptPanel& scriptPanel() { return *scriptPanel_; }
+    EventPanel& eventPanel() { return *eventPanel_; }
     ScenePanel& scenePanel() { return *scenePanel_; }
     QTextEdit* OutputText() const { return outputText_; }
 
@@ -85,7 +87,7 @@ private:
     QToolButton* makeUndoButton(const QString& control, QWidget* parent);
     // Undoes the engine's last step.
     void UndoButton_MouseUp();
-    // Undoes the newest change of the script.
+    // Undoes the newest change of the tab's own log: the script's, or the event rows'.
     void EditUndoTextMenuButton_Click();
     void showScriptUndoAvailable();
     void IdleTimer_Timer();
@@ -103,9 +105,10 @@ private:
     bool switchingTab_ = false;
     QStackedWidget* sceneScriptTab_ = nullptr; // 0 the opening scene, 1 the script
     ScriptPanel* scriptPanel_ = nullptr;
+    EventPanel* eventPanel_ = nullptr; // on the events tab, above the script
     ScenePanel* scenePanel_ = nullptr;
     QToolButton* undoButton_ = nullptr;       // on the opening scene: the engine's undo
-    QToolButton* scriptUndoButton_ = nullptr; // on the script's tabs: the script's undo
+    QToolButton* scriptUndoButton_ = nullptr; // on the script's tabs: the tab's own undo
     // Keeps the engine stepping while a dialog or an external tool holds the
     // main loop.
     QTimer IdleTimer;

@@ -32,8 +32,8 @@ public:
     virtual void showUserError(const ErrorFormContent& content) = 0;
 };
 
-// What hold names of objects and sounds and follow their renames: the script's lines,
-// and the event list's rows when it comes. Each is told the old and the new full name.
+// What hold names of objects and sounds and follow their renames: the script's lines
+// and the event list's rows. Each is told the old and the new full name.
 class RenameFollowers {
 public:
     using Follower = std::function<void(const QString& oldName, const QString& newName)>;

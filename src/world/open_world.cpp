@@ -7,12 +7,13 @@
 namespace vessa {
 
 OpenWorld::OpenWorld(AppState& state, EngineLink& engine, ErrorReporter& reporter)
-    : state_(state), engine_(engine), reporter_(reporter), script_(*this),
+    : state_(state), engine_(engine), reporter_(reporter), script_(*this), events_(script_),
       differences_(state, engine, reporter, trees_, followers_,
                    [this](const QString& objectName) { showObjectMenu(objectName); }) {
     InitSoundTree(trees_);
     followers_.add([this](const QString& oldName, const QString& newName) {
         script_.ReplaceObjectName(oldName, newName);
+        events_.ListviewReplaceString(oldName, newName);
     });
     script_.requests().registerHandler(
         ScriptRequest::Kind::PerformLine,
@@ -61,12 +62,11 @@ void OpenWorld::SetSaveName(const QString& name) {
 }
 
 void OpenWorld::LVUndoFromLog() {
-    // Only a rename that changed event rows records a count, and there is no event
-    // list yet: a count here means the log is not what it should be.
-    throw RunTimeError(RunTimeError::InternalError,
-                       QStringLiteral("The script's undo record counts event rows, but there is "
-                                      "no event list"),
-                       QStringLiteral("UndoFromLog"));
+    events_.LVUndoFromLog(events_.TreeListUndoLog());
+}
+
+int OpenWorld::ReplaceInListView(const QString& oldName, const QString& newName) {
+    return events_.ReplaceInListView(oldName, newName);
 }
 
 void OpenWorld::ReportError(const RunTimeError& error) {

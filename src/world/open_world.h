@@ -1,5 +1,6 @@
 #pragma once
 
+#include "events/event_list.h"
 #include "scene/scene_trees.h"
 #include "script/script_host.h"
 #include "script/script_model.h"
@@ -13,9 +14,10 @@ class EngineLink;
 class ErrorReporter;
 
 // The world the user has open, without a window: the trees that mirror the engine's
-// scene, the script, whether the world holds unsaved work, and what the engine's
-// difference records change. The main window shows it; it owns no data of its own.
-// The event list joins the script here when it is built.
+// scene, the script and the event list, whether the world holds unsaved work, and what
+// the engine's difference records change. The main window shows it; it owns no data of
+// its own. Renames of objects reach the script's lines and the event rows; renames and
+// removals of animations reach the event rows through the script's host.
 //
 // Records that need the window (output, dialogs, pictures) go to the view attached;
 // a record of that kind while none is attached fails like any other bad record.
@@ -27,6 +29,7 @@ public:
 
     SceneTrees& trees() { return trees_; }
     ScriptModel& script() { return script_; }
+    EventList& events() { return events_; }
     WorldStatus& status() { return status_; }
     // Whoever holds names of objects and sounds registers here to follow renames.
     RenameFollowers& renameFollowers() { return followers_; }
@@ -54,6 +57,7 @@ public:
     // ScriptHost
     void scriptModified() override { status_.markModified(); }
     void LVUndoFromLog() override;
+    int ReplaceInListView(const QString& oldName, const QString& newName) override;
     void ReportError(const RunTimeError& error) override;
 
 private:
@@ -62,6 +66,7 @@ private:
     ErrorReporter& reporter_; // Not owned.
     SceneTrees trees_;
     ScriptModel script_;
+    EventList events_;
     WorldStatus status_;
     RenameFollowers followers_;
     DifferenceHandler differences_;

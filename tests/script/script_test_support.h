@@ -19,6 +19,10 @@ class FakeScriptHost : public ScriptHost {
 public:
     void scriptModified() override { ++modifications; }
     void LVUndoFromLog() override { ++eventUndos; }
+    int ReplaceInListView(const QString& oldName, const QString& newName) override {
+        animationRenames << oldName + QStringLiteral(" -> ") + newName;
+        return eventRowsOfRenamedAnimation;
+    }
     void ReportError(const RunTimeError& error) override { errors.push_back(error.number()); }
 
     void RecordRequestsOf(ScriptModel& model) {
@@ -30,6 +34,8 @@ public:
 
     int modifications = 0;
     int eventUndos = 0;
+    QStringList animationRenames;        // "old -> new", as the event list was told
+    int eventRowsOfRenamedAnimation = 0; // what the event list answers
     std::vector<ScriptRequest> requests;
     std::vector<int> errors;
 };

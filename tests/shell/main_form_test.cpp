@@ -1,4 +1,5 @@
 #include "controls/tree_control_view.h"
+#include "events/event_panel.h"
 #include "script/script_panel.h"
 #include "shell/error_form.h"
 
@@ -210,4 +211,40 @@ TEST(UndoButtons, TheScenesUndoesTheEnginesLastStepAndTheScriptsItsOwnLastChange
     EXPECT_TRUE(h.newStatements().isEmpty());
     EXPECT_EQ(script->accessibleName(), QStringLiteral("Undo Changes to Script"));
     EXPECT_NE(scene->accessibleName(), script->accessibleName());
+}
+
+TEST(EventsTab, TheEditMenusUndoAndTheUndoButtonTakeBackEventRowsThere) {
+    MainFormHarness h;
+    h.form->show();
+    auto* tabs = h.form->findChild<QTabBar*>(QStringLiteral("SwitchTab"));
+    auto* undoButton = h.form->findChild<QToolButton*>(QStringLiteral("ScriptUndoButton"));
+    EventPanel& events = h.form->eventPanel();
+    const ListControl& rows = h.world.events().ListView1();
+    const auto undoFromTheEditMenu = [&] {
+        QMenuBar* bar = h.form->menuBar();
+        auto* edit = h.form->findChild<QMenu*>(QStringLiteral("EditMenuButton"));
+        QTest::mouseClick(bar, Qt::LeftButton, {},
+                          bar->actionGeometry(edit->menuAction()).center());
+        QAction* undo = h.form->findChild<QAction*>(QStringLiteral("EditUndoTextMenuButton"));
+        QTest::mouseClick(edit, Qt::LeftButton, {}, edit->actionGeometry(undo).center());
+    };
+
+    h.world.script().AddNewAnimation();
+    QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(2).center());
+    ASSERT_TRUE(events.isVisible());
+    EXPECT_FALSE(undoButton->isEnabled());
+    QTest::mouseClick(&events.MakeEventButton(), Qt::LeftButton);
+    QTest::mouseClick(&events.MakeEventButton(), Qt::LeftButton);
+    undoFromTheEditMenu();
+    EXPECT_EQ(rows.Count(), 2);
+    QTest::mouseClick(undoButton, Qt::LeftButton);
+    EXPECT_EQ(rows.Count(), 1);
+    EXPECT_FALSE(undoButton->isEnabled());
+    EXPECT_EQ(h.world.script().TreeView1().RootCount(), 2);
+
+    // On the animations tab the same menu row undoes the script.
+    QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());
+    EXPECT_FALSE(events.isVisible());
+    undoFromTheEditMenu();
+    EXPECT_EQ(h.world.script().TreeView1().RootCount(), 1);
 }

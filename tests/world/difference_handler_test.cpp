@@ -19,7 +19,7 @@ QVariant batch(std::initializer_list<QVariantList> records) {
 }
 
 // The open world over a scripted engine, shown by a view that remembers, with a
-// follower of renames standing where the event list will.
+// follower of renames of its own after the script's and the event list's.
 struct Harness : ScriptedProgram {
     RecordingView view;
     OpenWorld world{state, engine, reporter};
@@ -198,9 +198,14 @@ TEST(SceneRecords, ARenameReachesScriptLinesAndEventRowsBeforeTheNode) {
     TreeNode* root = h.script.AddRoot(QStringLiteral("hop"), QStringLiteral("Hop = DoInOrder"));
     TreeNode* line = h.script.Add(root, Relation::Child, QString(),
                                   QStringLiteral("Bunny.Head.Turn(Left, 1/4, more...)"));
+    const ListRow* head = h.world.events().addRow("LeftMouseButtonDown", "Bunny.Head", "Hop");
+    const ListRow* other = h.world.events().addRow("LeftMouseButtonDown", "Bunnyhop", "Hop");
     h.handle(batch({nameChange(QStringLiteral("4"), QStringLiteral("Hare")),
                     nameChange(QStringLiteral("5"), QStringLiteral("Hare.Head"))}));
     EXPECT_EQ(line->Text(), QStringLiteral("Hare.Head.Turn(Left, 1/4, more...)"));
+    // Only whole names change: another object whose name begins alike keeps it.
+    EXPECT_EQ(head->SubItems(EventList::HappensTo), QStringLiteral("Hare.Head"));
+    EXPECT_EQ(other->SubItems(EventList::HappensTo), QStringLiteral("Bunnyhop"));
     EXPECT_EQ(h.renames, (QStringList{QStringLiteral("Bunny->Hare"),
                                       QStringLiteral("Bunny.Head->Hare.Head")}));
     EXPECT_EQ(objectNode(h, QStringLiteral("5"))->Text(), QStringLiteral("Head"));

@@ -74,3 +74,33 @@ TEST(Requests, ARightClickInTheCameraViewReachesWhoeverRegisteredForTheObjectMen
     w.world.showObjectMenu(QStringLiteral("Sun")); // as from the object tree
     EXPECT_EQ(menus, (QStringList{QStringLiteral("Bunny"), QStringLiteral("Sun")}));
 }
+
+TEST(EventRows, AnAnimationsRenameTakesItsRowsAlongAndTheScriptsUndoBringsThemBack) {
+    World w;
+    w.world.SetSaveName(QString());
+    ScriptModel& script = w.world.script();
+    EventList& events = w.world.events();
+    TreeNode* action1 = script.TreeView1().FirstRoot();
+    events.MakeEvent();
+    events.MakeEvent();
+    ASSERT_TRUE(script.RenameAnimation(action1, QStringLiteral("Walk")));
+    EXPECT_EQ(w.view.status, (QStringList{QStringLiteral("named "), QStringLiteral("modified")}));
+    EXPECT_EQ(action1->Key(), QStringLiteral("walk"));
+    EXPECT_EQ(events.ListView1().Row(2)->SubItems(EventList::DoAnimation), QStringLiteral("Walk"));
+
+    // The event tab's undo takes the last row away; the script's undo then puts the old
+    // name back in the rows still there, and passes by the one that went.
+    events.LVUndoFromLog(events.ListUndoLog());
+    script.UndoFromLog();
+    EXPECT_EQ(action1->Text(), QStringLiteral("Action1 = DoInOrder"));
+    ASSERT_EQ(events.ListView1().Count(), 2);
+    for (int position : {0, 1})
+        EXPECT_EQ(events.ListView1().Row(position)->SubItems(EventList::DoAnimation),
+                  QStringLiteral("Action1"));
+
+    // A name another animation holds, case ignored, is refused and changes nothing.
+    script.AddNewAnimation();
+    EXPECT_FALSE(script.RenameAnimation(action1, QStringLiteral("ACTION2")));
+    EXPECT_EQ(action1->Text(), QStringLiteral("Action1 = DoInOrder"));
+    EXPECT_TRUE(events.TreeListUndoLog().IsEmpty());
+}

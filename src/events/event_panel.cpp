@@ -1,0 +1,195 @@
+#include "events/event_panel.h"
+
+#include "base/run_time_error.h"
+#include "controls/accessible_names.h"
+#include "controls/list_control_view.h"
+#include "controls/node_ref.h"
+#include "events/event_list.h"
+#include "script/script_host.h"
+#include "script/script_model.h"
+
+#include <QDragMoveEvent>
+#include <QDropEvent>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace vessa {
+
+EventPanel::EventPanel(EventList& list, const TreeControl& objectTree2, QWidget* parent)
+    : QWidget(parent), list_(list), objectTree2_(objectTree2), makeEvent_(new QToolButton(this)),
+      listView1_(new ListControlView(list.ListView1(), this)) {
+    setObjectName(QStringLiteral("EventPanel"));
+    makeEvent_->setObjectName(QStringLiteral("MakeEvent"));
+    makeEvent_->setText(tr("Make Event"));
+    makeEvent_->setToolTip(tr("A new event for the newest animation"));
+    connect(makeEvent_, &QToolButton::clicked, this,
+            [this] { guarded([this] { list_.MakeEvent(); }); });
+
+    listView1_->setObjectName(QStringLiteral("ListView1"));
+    // The first column is the row's own text, which stays empty; to assistive technology
+    // it reads as the whole row.
+    listView1_->setColumnHidden(0, true);
+    listView1_->setSelectionMode(QAbstractItemView::SingleSelection);
+    listView1_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    listView1_->setAllColumnsShowFocus(true);
+    listView1_->header()->setSectionsMovable(false);
+    listView1_->viewport()->setAcceptDrops(true);
+    listView1_->viewport()->installEventFilter(this);
+    listView1_->installEventFilter(this);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(makeEvent_, 0, Qt::AlignLeft);
+    layout->addWidget(listView1_, 1);
+    applyAccessibleNames(this);
+
+    list_.Script().TreeView1().AddObserver(this);
+    list_.ListUndoLog().setWatcher([this](bool canUndo) { Q_EMIT listUndoAvailable(canUndo); });
+    showMakeEventEnabled();
+}
+
+EventPanel::~EventPanel() {
+    list_.ListUndoLog().setWatcher({});
+    list_.Script().TreeView1().RemoveObserver(this);
+}
+
+void EventPanel::NodeAdded(TreeNode*) {
+    showMakeEventEnabled();
+}
+
+void EventPanel::NodeRemoved() {
+    showMakeEventEnabled();
+}
+
+void EventPanel::Cleared() {
+    showMakeEventEnabled();
+}
+
+void EventPanel::showMakeEventEnabled() {
+    makeEvent_->setEnabled(list_.Script().TreeView1().RootCount() > 0);
+}
+
+void EventPanel::LVUndoFromLog() {
+    guarded([this] { list_.LVUndoFromLog(list_.ListUndoLog()); });
+}
+
+void EventPanel::guarded(const std::function<void()>& work) {
+    // A failure ends the handler and is reported; it never reaches the event loop.
+    try {
+        work();
+    } catch (const RunTimeError& error) {
+        list_.Script().Host().ReportError(error);
+    }
+}
+
+bool EventPanel::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == listView1_ && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Left ||
+            key == Qt::Key_Right) {
+            ListView1_KeyDown(key);
+            return true;
+        }
+        return false;
+    }
+    if (watched != listView1_->viewport())
+        return QWidget::eventFilter(watched, event);
+    switch (event->type()) {
+    case QEvent::MouseButtonRelease: {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        ListView1_MouseUp(mouse->button(), mouse->position().toPoint());
+        return false; // the view finishes the click
+    }
+    case QEvent::DragEnter:
+    case QEvent::DragMove: {
+        auto* drag = static_cast<QDragMoveEvent*>(event);
+        if (ListView1_DragOver(drag->mimeData()))
+            drag->acceptProposedAction();
+        else
+            drag->ignore();
+        return true;
+    }
+    case QEvent::Drop: {
+        auto* drop = static_cast<QDropEvent*>(event);
+        if (!ListView1_DragOver(drop->mimeData()))
+            return true;
+        ListView1_DragDrop();
+        drop->acceptProposedAction();
+        return true;
+    }
+    case QEvent::Resize: {
+        // The three columns share the width; the user may move their borders after.
+        const int third = static_cast<QResizeEvent*>(event)->size().width() / 3;
+        for (int column : {EventList::When, EventList::HappensTo})
+            listView1_->setColumnWidth(column, third);
+        return false;
+    }
+    default:
+        return false;
+    }
+}
+
+ListRow* EventPanel::rowAt(const QPoint& point) const {
+    const QModelIndex index = listView1_->indexAt(point);
+    return index.isValid() ? list_.ListView1().Row(index.row()) : nullptr;
+}
+
+void EventPanel::ListView1_MouseUp(Qt::MouseButton button, const QPoint& point) {
+    guarded([&] {
+        ScriptRequest request =
+            list_.ListView1_MouseUp(button, rowAt(point), listView1_->columnAt(point.x()));
+        request.TreePoint = point;
+        routeRequest(request);
+    });
+}
+
+void EventPanel::ListView1_KeyDown(int key) {
+    ListRow* row = list_.ListView1().SelectedItem();
+    if (!row)
+        return;
+    const int position = list_.ListView1().PositionOf(row);
+    // The hidden first column stands for When.
+    int column = std::clamp(listView1_->currentIndex().column(), int{EventList::When},
+                            int{EventList::DoAnimation});
+    if (key == Qt::Key_Left || key == Qt::Key_Right) {
+        column = std::clamp(column + (key == Qt::Key_Left ? -1 : 1), int{EventList::When},
+                            int{EventList::DoAnimation});
+        listView1_->selectionModel()->setCurrentIndex(listView1_->model()->index(position, column),
+                                                      QItemSelectionModel::NoUpdate);
+        return;
+    }
+    // Return is a click in the middle of the column the keyboard works on.
+    const QPoint point =
+        listView1_->visualRect(listView1_->model()->index(position, column)).center();
+    guarded([&] {
+        ScriptRequest request = list_.ListView1_MouseUp(Qt::LeftButton, row, column);
+        request.TreePoint = point;
+        routeRequest(request);
+    });
+}
+
+bool EventPanel::ListView1_DragOver(const QMimeData* carried) const {
+    const NodeRef& dragged = list_.Script().DragNode;
+    return carried->hasFormat(QString::fromLatin1(NodeDragMimeType)) &&
+           dragged.Tree == &objectTree2_ && dragged.Get();
+}
+
+void EventPanel::ListView1_DragDrop() {
+    const QString objectName = list_.Script().DragNode.Get()->Tag();
+    guarded([&] { list_.addDroppedObject(objectName); });
+}
+
+void EventPanel::routeRequest(ScriptRequest request) {
+    if (request.What == ScriptRequest::Kind::None)
+        return;
+    request.ScreenPoint = listView1_->viewport()->mapToGlobal(request.TreePoint);
+    list_.Script().requests().route(request);
+}
+
+} // namespace vessa

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "controls/tree_control.h"
+#include "script/script_request.h"
+
+#include <QWidget>
+#include <functional>
+
+class QMimeData;
+class QToolButton;
+
+namespace vessa {
+
+class EventList;
+class ListControlView;
+class ListRow;
+
+// The events tab's event builder: the MakeEvent button over ListView1, whose rows show
+// under "When", "Happens To" and "Do Animation". A click in a column, or Return on the
+// selected row, asks for that column's editor through the script's requests; Left and
+// Right choose the column the keyboard works on. An object dragged from ObjectTree2 and
+// dropped on the list makes a row for it. MakeEvent is enabled while the script has an
+// animation.
+class EventPanel : public QWidget, private TreeObserver {
+    Q_OBJECT
+public:
+    // objectTree2 is the tree whose drags make rows.
+    EventPanel(EventList& list, const TreeControl& objectTree2, QWidget* parent = nullptr);
+    ~EventPanel() override;
+
+    ListControlView& ListView1View() { return *listView1_; }
+    QToolButton& MakeEventButton() { return *makeEvent_; }
+
+public Q_SLOTS:
+    // Reverses the newest change made on the event tab.
+    void LVUndoFromLog();
+
+Q_SIGNALS:
+    // Whether the event tab has anything to undo, after every change of its log.
+    void listUndoAvailable(bool available);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    // TreeObserver: the script's animations come and go.
+    void NodeAdded(TreeNode* node) override;
+    void NodeRemoved() override;
+    void Cleared() override;
+    void showMakeEventEnabled();
+
+    void ListView1_MouseUp(Qt::MouseButton button, const QPoint& point);
+    void ListView1_KeyDown(int key);
+    bool ListView1_DragOver(const QMimeData* carried) const;
+    void ListView1_DragDrop();
+    void routeRequest(ScriptRequest request);
+    ListRow* rowAt(const QPoint& point) const;
+    void guarded(const std::function<void()>& work);
+
+    EventList& list_;                // Not owned.
+    const TreeControl& objectTree2_; // Not owned.
+    QToolButton* makeEvent_;         // Owned by Qt.
+    ListControlView* listView1_;     // Owned by Qt.
+};
+
+} // namespace vessa

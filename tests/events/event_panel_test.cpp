@@ -1,0 +1,121 @@
+#include "events/event_panel.h"
+
+#include "controls/list_control_view.h"
+#include "events/event_list.h"
+#include "script/script_model.h"
+#include "script/script_test_support.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QTest>
+#include <QToolButton>
+
+#include <gtest/gtest.h>
+
+using namespace vessa;
+using vessa::testing::FakeScriptHost;
+using Kind = ScriptRequest::Kind;
+
+namespace {
+
+struct Builder : ::testing::Test {
+    FakeScriptHost host;
+    ScriptModel script{host};
+    EventList events{script};
+    TreeControl objectTree2;
+    QStringList requests; // "<kind>:<value>"
+    std::unique_ptr<EventPanel> panel;
+    ListControlView* view = nullptr;
+    QToolButton* makeEvent = nullptr;
+
+    void SetUp() override {
+        for (Kind kind :
+             {Kind::EventConditionMenu, Kind::EventObjectPicker, Kind::EventResponseMenu})
+            script.requests().registerHandler(kind, [this](const ScriptRequest& request) {
+                requests << QString::number(static_cast<int>(request.What)) + u':' + request.Value;
+            });
+        panel = std::make_unique<EventPanel>(events, objectTree2);
+        view = &panel->ListView1View();
+        makeEvent = &panel->MakeEventButton();
+        panel->resize(600, 300);
+        panel->show();
+        QApplication::setActiveWindow(panel.get());
+        QTest::mouseClick(makeEvent, Qt::LeftButton);
+    }
+    void TearDown() override { panel.reset(); }
+
+    void Click(Qt::MouseButton button, int position, int column) {
+        const QPoint at = view->visualRect(view->model()->index(position, column)).center();
+        QTest::mouseClick(view->viewport(), button, {}, at);
+    }
+};
+
+QString Asked(Kind kind, const QString& value) {
+    return QString::number(static_cast<int>(kind)) + u':' + value;
+}
+
+} // namespace
+
+TEST_F(Builder, MakeEventWorksByKeyboardAndTheRowsAreReachedAndReadWhole) {
+    ASSERT_EQ(events.ListView1().Count(), 2); // the start row and the click's
+    makeEvent->setFocus();
+    QTest::keyClick(makeEvent, Qt::Key_Space);
+    EXPECT_EQ(events.ListView1().SelectedItem(), events.ListView1().Row(2));
+    QTest::keyClick(makeEvent, Qt::Key_Tab);
+    ASSERT_EQ(QApplication::focusWidget(), view);
+    QTest::keyClick(view, Qt::Key_Up);
+    QTest::keyClick(view, Qt::Key_Up);
+    EXPECT_EQ(events.ListView1().SelectedItem(), events.ListView1().Row(0));
+    QAccessibleInterface* focus = QAccessible::queryAccessibleInterface(view)->focusChild();
+    ASSERT_TRUE(focus);
+    EXPECT_EQ(focus->text(QAccessible::Name),
+              "When: World Start, Happens To: - - -, Do Animation: Action1");
+
+    // Without an animation the button is off, and back with the next one.
+    script.TreeView1().Clear();
+    EXPECT_FALSE(makeEvent->isEnabled());
+    script.AddNewAnimation();
+    EXPECT_TRUE(makeEvent->isEnabled());
+}
+
+TEST_F(Builder, AClickOrReturnAsksForTheEditorOfItsColumn) {
+    for (int column : {EventList::When, EventList::HappensTo, EventList::DoAnimation})
+        Click(Qt::LeftButton, 1, column);
+    // Nothing happens to the start row; the right button asks for nothing.
+    Click(Qt::LeftButton, 0, EventList::HappensTo);
+    EXPECT_EQ(events.ListView1().SelectedItem(), events.ListView1().Row(0));
+    Click(Qt::RightButton, 1, EventList::When);
+    EXPECT_EQ(requests, (QStringList{Asked(Kind::EventConditionMenu, "LeftMouseButtonDown"),
+                                     Asked(Kind::EventObjectPicker, "AnyWhere"),
+                                     Asked(Kind::EventResponseMenu, "Action1")}));
+    // The arrows choose the column, within the three, and Return opens its editor.
+    Click(Qt::LeftButton, 0, EventList::When);
+    requests.clear();
+    for (Qt::Key key : {Qt::Key_Left, Qt::Key_Return, Qt::Key_Right, Qt::Key_Right, Qt::Key_Right,
+                        Qt::Key_Return})
+        QTest::keyClick(view, key);
+    EXPECT_EQ(requests, (QStringList{Asked(Kind::EventConditionMenu, "World Start"),
+                                     Asked(Kind::EventResponseMenu, "Action1")}));
+}
+
+TEST_F(Builder, OnlyAnObjectDraggedFromObjectTree2MakesARowWhenDropped) {
+    TreeNode* bunny = objectTree2.AddRoot("k2", "Bunny");
+    objectTree2.SetTag(bunny, "Bunny.Head");
+    const auto drop = [&](const NodeRef& dragged, const char* mimeType) {
+        script.DragNode = dragged;
+        QMimeData carried;
+        carried.setData(QString::fromLatin1(mimeType), "k2");
+        QDragEnterEvent entered(QPoint(10, 10), Qt::CopyAction, &carried, Qt::LeftButton, {});
+        QApplication::sendEvent(view->viewport(), &entered);
+        QDropEvent dropped(QPointF(10, 10), Qt::CopyAction, &carried, Qt::LeftButton, {});
+        QApplication::sendEvent(view->viewport(), &dropped);
+    };
+    drop(NodeRef::To(script.TreeView1(), script.TreeView1().FirstRoot()), NodeDragMimeType);
+    drop(NodeRef::To(objectTree2, bunny), "text/plain");
+    EXPECT_EQ(events.ListView1().Count(), 2);
+    drop(NodeRef::To(objectTree2, bunny), NodeDragMimeType);
+    ASSERT_EQ(events.ListView1().Count(), 3);
+    EXPECT_EQ(events.ListView1().Row(2)->SubItems(EventList::HappensTo), "Bunny.Head");
+}
