@@ -217,7 +217,12 @@ ScriptRequest ScriptClicks::mnuNodeRightB_Click(int row) {
     switch (row) {
     case PerformLine: {
         ScriptRequest perform = Request(ScriptRequest::Kind::PerformLine);
-        TraverseTreeForLine(node, QString(), perform.Value);
+        // A Python line on its own runs as the statement it is: the comma that
+        // makes it an item of a block would turn `x = 5` into a tuple.
+        if (node->Tag() == PythonLineTag)
+            perform.Value = node->Text() + QStringLiteral("\r\n");
+        else
+            TraverseTreeForLine(node, QString(), perform.Value);
         return perform;
     }
     case PythonLine:

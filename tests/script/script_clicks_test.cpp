@@ -192,6 +192,11 @@ TEST_F(Clicks, NodeMenuRowsChangeTheLineOrPassTheRequestOn) {
     const ScriptRequest oneLine = clicks.mnuNodeRightB_Click(ScriptClicks::PerformLine);
     EXPECT_EQ(oneLine.What, Kind::PerformLine);
     EXPECT_EQ(oneLine.Value, "Camera.Move(Forward, 1),\r\n");
+    TreeNode* python = tree.Add(action1, Relation::Child, "", "x = 5");
+    tree.SetTag(python, "1");
+    RightAt(python, 1);
+    EXPECT_EQ(clicks.mnuNodeRightB_Click(ScriptClicks::PerformLine).Value, "x = 5\r\n");
+    tree.Remove(python->Index());
     RightAt(action1, 2);
     EXPECT_EQ(clicks.mnuNodeRightB_Click(ScriptClicks::PerformLine).Value,
               "DoTogether(\r\n"
