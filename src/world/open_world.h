@@ -3,6 +3,7 @@
 #include "scene/scene_trees.h"
 #include "script/script_host.h"
 #include "script/script_model.h"
+#include "world/code_box_text.h"
 #include "world/difference_handler.h"
 #include "world/world_status.h"
 
@@ -28,6 +29,8 @@ public:
     SceneTrees& trees() { return trees_; }
     ScriptModel& script() { return script_; }
     WorldStatus& status() { return status_; }
+    // The text of the code box, which the world's files keep and its Python ends with.
+    CodeBoxText& ArbitraryCodeBox() { return codeBox_; }
     // Whoever holds names of objects and sounds registers here to follow renames.
     RenameFollowers& renameFollowers() { return followers_; }
 
@@ -60,6 +63,7 @@ private:
     SceneTrees trees_;
     ScriptModel script_;
     WorldStatus status_;
+    CodeBoxText codeBox_;
     RenameFollowers followers_;
     DifferenceHandler differences_;
     DifferenceView* view_ = nullptr; // Not owned.

@@ -1,0 +1,258 @@
+#include "world/python_generator.h"
+
+#include "controls/list_control.h"
+#include "controls/tree_control.h"
+#include "script/basic_text.h"
+#include "script/tree_walks.h"
+
+#include <vector>
+
+namespace vessa {
+
+namespace {
+
+const QString LineEnd = QStringLiteral("\r\n");
+const QString Tab = QStringLiteral("\t");
+
+// An event row as the generator reads it, each column read once.
+struct EventRow {
+    QString when;
+    QString happensTo;
+    QString animation;
+    QString animationKey; // the key of the animation's node: its name in lower case
+    QString keyEvent;     // When up to " (": "KeyDown" of `KeyDown ("A" key)`
+    // Whether the row names a key a test in Python can be written for: it has the " ("
+    // of a key event, and a character key behind its double quote, if it has one, that
+    // is neither missing nor a double quote or a backslash (`KeyDown ("" key)`), which
+    // would break the Python of the whole world.
+    bool namesKey = false;
+};
+
+bool NamesKey(const QString& when, qsizetype bracket) {
+    if (bracket < 0)
+        return false;
+    const qsizetype quote = when.indexOf(u'"');
+    if (quote < 0)
+        return true;
+    const QChar key = quote + 1 < when.size() ? when[quote + 1] : QChar();
+    return !key.isNull() && key != u'"' && key != u'\\';
+}
+
+std::vector<EventRow> ReadRows(const ListControl& list) {
+    std::vector<EventRow> rows;
+    rows.reserve(static_cast<size_t>(list.Count()));
+    for (int position = 0; position < list.Count(); ++position) {
+        const ListRow* row = list.Row(position);
+        EventRow read;
+        read.when = row->SubItems(1);
+        read.happensTo = row->SubItems(2);
+        read.animation = row->SubItems(3);
+        read.animationKey = read.animation.toLower();
+        const qsizetype bracket = read.when.indexOf(QStringLiteral(" ("));
+        read.namesKey = NamesKey(read.when, bracket);
+        read.keyEvent = read.when.left(bracket);
+        rows.push_back(std::move(read));
+    }
+    return rows;
+}
+
+// A name as Python takes it: each blank becomes "_".
+QString Underscored(QString name) {
+    return name.replace(u' ', u'_');
+}
+
+// The Windows key code a key row without a character key tests. Each word found
+// overwrites the one before, over the whole When, "KeyDown" and "KeyUp" included; a
+// When with none of the words keeps the code of the row before.
+int RawKeyCode(const QString& when, int previous) {
+    static const std::pair<QString, int> words[] = {
+        {QStringLiteral("Enter"), 13}, {QStringLiteral("Space"), 32}, {QStringLiteral("Left"), 37},
+        {QStringLiteral("Right"), 39}, {QStringLiteral("Up"), 38},    {QStringLiteral("Down"), 40}};
+    int code = previous;
+    for (const auto& [word, wordCode] : words) {
+        if (when.contains(word, Qt::CaseInsensitive))
+            code = wordCode;
+    }
+    return code;
+}
+
+class Generator {
+public:
+    Generator(const TreeControl& tree, const ListControl& list)
+        : tree_(tree), rows_(ReadRows(list)), done_(rows_.size(), false) {}
+
+    PythonScript Make(const QString& code) {
+        for (size_t i = 0; i < rows_.size(); ++i) {
+            if (done_[i])
+                continue;
+            if (text::Like(rows_[i].when, u"Key*"))
+                KeyForm(i);
+            else
+                PlainForm(i);
+        }
+        DefineTheRest();
+        script_.handEditedLine = LineOfPosition(buffer_, buffer_.size()) + 2;
+        buffer_ += LineEnd + HandEditedMarker + LineEnd + code;
+        script_.text = std::move(buffer_);
+        return std::move(script_);
+    }
+
+private:
+    void Notice(size_t i, const QString& message) {
+        const EventRow& row = rows_[i];
+        script_.notices.append(
+            {static_cast<int>(i) + 1,
+             QStringLiteral("Row %1 of the event list (%2, %3, %4) %5: the row is left out of "
+                            "the world's Python.")
+                 .arg(i + 1)
+                 .arg(row.when, row.happensTo, row.animation, message)});
+    }
+
+    const TreeNode* AnimationOf(size_t i) {
+        const TreeNode* node = tree_.NodeByKey(rows_[i].animationKey);
+        if (!node)
+            Notice(i, QStringLiteral("names an animation this world does not have"));
+        return node;
+    }
+
+    bool IsDefined(const QString& name) const { return doneNames_.contains(u'[' + name + u']'); }
+
+    void Define(const QString& name, const TreeNode* node) {
+        buffer_ += LineEnd + name + QStringLiteral(" = ");
+        MakePythonNode(node, QString(), buffer_);
+        StopClosing();
+        doneNames_ += u'[' + name + u']';
+    }
+
+    // A definition is built stopped: ")" becomes ").stop()", and a plain line loses its
+    // comma.
+    void StopClosing() {
+        buffer_.chop(EndsInComma() ? 3 : 2);
+        buffer_ += QStringLiteral(".stop()") + LineEnd;
+    }
+
+    bool EndsInComma() const { return buffer_.size() >= 3 && buffer_[buffer_.size() - 3] == u','; }
+
+    // One function for the key event of row i and its animation, testing the keys of
+    // every later row of the same event and animation; each such row is done here.
+    void KeyForm(size_t i) {
+        const EventRow& row = rows_[i];
+        if (!row.namesKey) {
+            Notice(i, QStringLiteral("names no key"));
+            return;
+        }
+        const TreeNode* node = AnimationOf(i);
+        if (!node)
+            return;
+        const QString name =
+            QStringLiteral("TVDef_") + row.keyEvent + u'_' + Underscored(row.animation);
+        QString responses;
+        buffer_ += LineEnd + QStringLiteral("def ") + name + QStringLiteral("(ev):") + LineEnd;
+        for (size_t j = i; j < rows_.size(); ++j) {
+            const EventRow& other = rows_[j];
+            if (other.animationKey != row.animationKey || !other.namesKey ||
+                !other.when.contains(row.keyEvent, Qt::CaseInsensitive))
+                continue;
+            done_[j] = true;
+            responses += text::Replace(LineEnd + other.happensTo + QStringLiteral(".addresponse(") +
+                                           other.keyEvent + QStringLiteral(", ") + name + u')',
+                                       u"AnyWhere.", u"Camera._Window.");
+            buffer_ += (j == i ? Tab + QStringLiteral("if") : QStringLiteral(" or")) + KeyTest(j);
+        }
+        buffer_ += u':' + LineEnd;
+        MakePythonNode(node, Tab + Tab, buffer_);
+        if (EndsInComma()) {
+            buffer_.chop(3);
+            buffer_ += LineEnd;
+        }
+        buffer_ += responses + LineEnd;
+    }
+
+    // ` ev.key == "A"` for a character key, ` ev.rawkey == 13` for a named one.
+    QString KeyTest(size_t j) {
+        const QString& when = rows_[j].when;
+        const qsizetype quote = when.indexOf(u'"');
+        if (quote >= 0)
+            return QStringLiteral(" ev.key == \"") + when.mid(quote + 1, 1) + u'"';
+        rawKeyCode_ = RawKeyCode(when, rawKeyCode_);
+        return QStringLiteral(" ev.rawkey == ") + QString::number(rawKeyCode_);
+    }
+
+    // The animation's definition, unless a row has defined it, and the row's response.
+    void PlainForm(size_t i) {
+        const EventRow& row = rows_[i];
+        const QString name = Underscored(row.animation);
+        QString response;
+        if (text::Like(row.when, u"World Start")) {
+            response = name + QStringLiteral(".Copy().Start()");
+        } else {
+            response = row.happensTo + QStringLiteral(".addresponse(") + row.when +
+                       QStringLiteral(", ") + name + u')';
+            response = text::Replace(response, u"AnyWhere.", u"Camera._Window.");
+            response = text::Replace(response, u"LeftMouseButtonDown,", u"LeftMouseDown,");
+            response = text::Replace(response, u"LeftMouseButtonUp,", u"LeftMouseUp,");
+            response = text::Replace(response, u"RightMouseButtonDown,", u"RightMouseDown,");
+            response = text::Replace(response, u"RightMouseButtonUp,", u"RightMouseUp,");
+        }
+        if (IsDefined(name)) {
+            buffer_ += response + LineEnd;
+            return;
+        }
+        const TreeNode* node = AnimationOf(i);
+        if (!node)
+            return;
+        Define(name, node);
+        buffer_ += LineEnd + response + LineEnd;
+    }
+
+    // Every animation no row defined, in tree order, under its name as it stands.
+    void DefineTheRest() {
+        static const QString nameSeparator = QStringLiteral(" = ");
+        for (const TreeNode* root = tree_.FirstRoot(); root; root = root->Next()) {
+            const qsizetype separator = root->Text().indexOf(nameSeparator);
+            if (separator < 0) {
+                script_.notices.append(
+                    {0, QStringLiteral("The animation \"%1\" has no name (a name and \" = \" "
+                                       "before it): it is left out of the world's Python.")
+                            .arg(root->Text())});
+                continue;
+            }
+            const QString name = root->Text().left(separator);
+            if (!IsDefined(name))
+                Define(name, root);
+        }
+    }
+
+    const TreeControl& tree_;
+    const std::vector<EventRow> rows_;
+    std::vector<bool> done_;
+    // The names defined so far as "[Hop][Fly_Away]", searched as text.
+    QString doneNames_;
+    int rawKeyCode_ = 0;
+    QString buffer_;
+    PythonScript script_;
+};
+
+} // namespace
+
+PythonScript MakePythonScript(const TreeControl& TreeView1, const ListControl& ListView1,
+                              const QString& code) {
+    return Generator(TreeView1, ListView1).Make(code);
+}
+
+void MakePythonNode(const TreeNode* node, const QString& indent, QString& buffer) {
+    TraverseTreeForScript(node, indent, buffer);
+}
+
+int LineOfPosition(const QString& text, qsizetype position) {
+    int line = 0;
+    const qsizetype end = std::min(position, text.size());
+    for (qsizetype at = 0; at < end; ++at) {
+        if (text[at] == u'\n' ||
+            (text[at] == u'\r' && (at + 1 >= text.size() || text[at + 1] != u'\n')))
+            ++line;
+    }
+    return line;
+}
+
+} // namespace vessa
