@@ -1,5 +1,7 @@
 #include "world/standalone_script.h"
 
+#include "world/world_folder.h"
+
 namespace vessa {
 
 StandaloneScript::StandaloneScript()
@@ -17,6 +19,13 @@ ScriptTargets StandaloneScript::targets() {
                 ListView1.SetSubItem(row, 3, animation);
             },
             ArbitraryCodeBox};
+}
+
+ScriptFileRead StandaloneScript::LoadScriptFiles(const QString& worldPath) {
+    ScriptFileRead read = ReadTreeScript(FileInFolder(worldPath, world_files::TreeScript));
+    if (read.ok())
+        FillScriptControls(read.content, targets());
+    return read;
 }
 
 PythonScript StandaloneScript::python() const {

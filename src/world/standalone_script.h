@@ -22,6 +22,9 @@ public:
 
     // Where a script file is read into.
     ScriptTargets targets();
+    // Reads the world's script files and, when they can be used, holds what they hold;
+    // answers what was read, or the problem.
+    ScriptFileRead LoadScriptFiles(const QString& worldPath);
     // The world's Python from what is held now.
     PythonScript python() const;
 
