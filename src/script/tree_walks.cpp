@@ -22,16 +22,27 @@ enum class BlockHeader { AsWritten, BareWord };
 
 void WriteNode(const TreeNode* node, const QString& indent, BlockHeader header, QString& buffer) {
     const QString& line = node->Text();
-    if (!IsBlock(line)) {
-        buffer += indent + NormalizeLine(line) + u',' + LineEnd;
+    const BlockKind kind = BlockKindOf(line);
+    buffer += indent;
+    if (kind == BlockKind::None) {
+        buffer += NormalizeLine(line);
+        buffer += u',';
+        buffer += LineEnd;
         return;
     }
-    buffer +=
-        indent + (header == BlockHeader::BareWord ? BareBlockWord(line) : line) + u'(' + LineEnd;
+    if (header == BlockHeader::AsWritten)
+        buffer += line;
+    else
+        buffer +=
+            kind == BlockKind::InOrder ? QStringLiteral("DoInOrder") : QStringLiteral("DoTogether");
+    buffer += u'(';
+    buffer += LineEnd;
     const QString inner = indent + u'\t';
     for (const TreeNode* child = node->Child(); child; child = child->Next())
         WriteNode(child, inner, header, buffer);
-    buffer += indent + (node->Parent() ? QStringLiteral("),") : QStringLiteral(")")) + LineEnd;
+    buffer += indent;
+    buffer += node->Parent() ? QStringLiteral("),") : QStringLiteral(")");
+    buffer += LineEnd;
 }
 
 } // namespace

@@ -5,6 +5,10 @@
 #include "script/basic_text.h"
 #include "script/tree_walks.h"
 
+#include <QHash>
+#include <QSet>
+
+#include <algorithm>
 #include <vector>
 
 namespace vessa {
@@ -20,6 +24,7 @@ struct EventRow {
     QString happensTo;
     QString animation;
     QString animationKey; // the key of the animation's node: its name in lower case
+    int animationId = 0;  // the same for rows of the same key
     QString keyEvent;     // When up to " (": "KeyDown" of `KeyDown ("A" key)`
     // Whether the row names a key a test in Python can be written for: it has the " ("
     // of a key event, and a character key behind its double quote, if it has one, that
@@ -41,6 +46,7 @@ bool NamesKey(const QString& when, qsizetype bracket) {
 std::vector<EventRow> ReadRows(const ListControl& list) {
     std::vector<EventRow> rows;
     rows.reserve(static_cast<size_t>(list.Count()));
+    QHash<QString, int> ids;
     for (int position = 0; position < list.Count(); ++position) {
         const ListRow* row = list.Row(position);
         EventRow read;
@@ -48,6 +54,7 @@ std::vector<EventRow> ReadRows(const ListControl& list) {
         read.happensTo = row->SubItems(2);
         read.animation = row->SubItems(3);
         read.animationKey = read.animation.toLower();
+        read.animationId = *ids.insert(read.animationKey, ids.value(read.animationKey, ids.size()));
         const qsizetype bracket = read.when.indexOf(QStringLiteral(" ("));
         read.namesKey = NamesKey(read.when, bracket);
         read.keyEvent = read.when.left(bracket);
@@ -115,13 +122,26 @@ private:
         return node;
     }
 
-    bool IsDefined(const QString& name) const { return doneNames_.contains(u'[' + name + u']'); }
+    // "[name]" searched in "[Hop][Fly_Away]", the list of the names defined. Only names
+    // with brackets in them can be found there without being one of them; for others a
+    // set gives the same answer.
+    bool IsDefined(const QString& name) const {
+        if (bracketed_ || HasBracket(name))
+            return doneNames_.contains(u'[' + name + u']');
+        return defined_.contains(name);
+    }
+
+    static bool HasBracket(const QString& name) {
+        return name.contains(u'[') || name.contains(u']');
+    }
 
     void Define(const QString& name, const TreeNode* node) {
         buffer_ += LineEnd + name + QStringLiteral(" = ");
         MakePythonNode(node, QString(), buffer_);
         StopClosing();
         doneNames_ += u'[' + name + u']';
+        defined_.insert(name);
+        bracketed_ = bracketed_ || HasBracket(name);
     }
 
     // A definition is built stopped: ")" becomes ").stop()", and a plain line loses its
@@ -150,7 +170,7 @@ private:
         buffer_ += LineEnd + QStringLiteral("def ") + name + QStringLiteral("(ev):") + LineEnd;
         for (size_t j = i; j < rows_.size(); ++j) {
             const EventRow& other = rows_[j];
-            if (other.animationKey != row.animationKey || !other.namesKey ||
+            if (other.animationId != row.animationId || !other.namesKey ||
                 !other.when.contains(row.keyEvent, Qt::CaseInsensitive))
                 continue;
             done_[j] = true;
@@ -226,8 +246,10 @@ private:
     const TreeControl& tree_;
     const std::vector<EventRow> rows_;
     std::vector<bool> done_;
-    // The names defined so far as "[Hop][Fly_Away]", searched as text.
+    // The names defined so far as "[Hop][Fly_Away]", and as a set.
     QString doneNames_;
+    QSet<QString> defined_;
+    bool bracketed_ = false;
     int rawKeyCode_ = 0;
     QString buffer_;
     PythonScript script_;
@@ -245,14 +267,15 @@ void MakePythonNode(const TreeNode* node, const QString& indent, QString& buffer
 }
 
 int LineOfPosition(const QString& text, qsizetype position) {
-    int line = 0;
-    const qsizetype end = std::min(position, text.size());
-    for (qsizetype at = 0; at < end; ++at) {
-        if (text[at] == u'\n' ||
-            (text[at] == u'\r' && (at + 1 >= text.size() || text[at + 1] != u'\n')))
-            ++line;
+    // Every LF ends a line, and every CR that no LF follows.
+    const QStringView before =
+        QStringView(text).first(std::clamp<qsizetype>(position, 0, text.size()));
+    qsizetype breaks = before.count(u'\n');
+    for (qsizetype cr = before.indexOf(u'\r'); cr >= 0; cr = before.indexOf(u'\r', cr + 1)) {
+        if (cr + 1 >= text.size() || text[cr + 1] != u'\n')
+            ++breaks;
     }
-    return line;
+    return static_cast<int>(breaks);
 }
 
 } // namespace vessa
