@@ -23,7 +23,8 @@ bool SameLetter(QChar a, QChar b) {
 
 // Position of the first find at or after from, case ignored; -1 when there is none.
 qsizetype FindNoCase(QStringView text, QStringView find, qsizetype from) {
-    if (find.isEmpty() || from < 0 || !QtPrivate::isAscii(find) || !QtPrivate::isAscii(text))
+    if (find.isEmpty() || from < 0 || from > text.size() || !QtPrivate::isAscii(find) ||
+        !QtPrivate::isAscii(text.sliced(from)))
         return text.indexOf(find, from, Qt::CaseInsensitive);
     // Where the first letter stands in either case, found by the quick search for a
     // character; then the rest compared.
@@ -31,9 +32,9 @@ qsizetype FindNoCase(QStringView text, QStringView find, qsizetype from) {
     const QChar lower(folded);
     const QChar upper(
         folded >= u'a' && folded <= u'z' ? static_cast<char16_t>(folded - (u'a' - u'A')) : folded);
-    for (qsizetype at = from;;) {
-        const qsizetype low = text.indexOf(lower, at);
-        const qsizetype high = upper == lower ? -1 : text.indexOf(upper, at);
+    qsizetype low = text.indexOf(lower, from);
+    qsizetype high = upper == lower ? -1 : text.indexOf(upper, from);
+    for (;;) {
         const qsizetype candidate = low < 0 ? high : (high < 0 ? low : std::min(low, high));
         if (candidate < 0 || candidate + find.size() > text.size())
             return -1;
@@ -43,7 +44,11 @@ qsizetype FindNoCase(QStringView text, QStringView find, qsizetype from) {
             ++matched;
         if (matched == find.size())
             return candidate;
-        at = candidate + 1;
+        // Only the letter that stood there is looked for again.
+        if (candidate == low)
+            low = text.indexOf(lower, candidate + 1);
+        else
+            high = text.indexOf(upper, candidate + 1);
     }
 }
 

@@ -23,9 +23,9 @@ struct EventRow {
     QString when;
     QString happensTo;
     QString animation;
-    QString animationKey; // the key of the animation's node: its name in lower case
-    int animationId = 0;  // the same for rows of the same key
-    QString keyEvent;     // When up to " (": "KeyDown" of `KeyDown ("A" key)`
+    QString animationKey;       // the key of the animation's node: its name in lower case
+    size_t animationNumber = 0; // the same for rows of the same key
+    QString keyEvent;           // When up to " (": "KeyDown" of `KeyDown ("A" key)`
     // Whether the row names a key a test in Python can be written for: it has the " ("
     // of a key event, and a character key behind its double quote, if it has one, that
     // is neither missing nor a double quote or a backslash (`KeyDown ("" key)`), which
@@ -43,24 +43,36 @@ bool NamesKey(const QString& when, qsizetype bracket) {
     return !key.isNull() && key != u'"' && key != u'\\';
 }
 
-std::vector<EventRow> ReadRows(const ListControl& list) {
+// The rows in list order, and for each animation its rows in that order.
+struct EventRows {
     std::vector<EventRow> rows;
-    rows.reserve(static_cast<size_t>(list.Count()));
-    QHash<QString, int> ids;
+    std::vector<std::vector<size_t>> ofAnimation;
+};
+
+EventRows ReadRows(const ListControl& list) {
+    EventRows read;
+    read.rows.reserve(static_cast<size_t>(list.Count()));
+    QHash<QString, size_t> numbers;
     for (int position = 0; position < list.Count(); ++position) {
-        const ListRow* row = list.Row(position);
-        EventRow read;
-        read.when = row->SubItems(1);
-        read.happensTo = row->SubItems(2);
-        read.animation = row->SubItems(3);
-        read.animationKey = read.animation.toLower();
-        read.animationId = *ids.insert(read.animationKey, ids.value(read.animationKey, ids.size()));
-        const qsizetype bracket = read.when.indexOf(QStringLiteral(" ("));
-        read.namesKey = NamesKey(read.when, bracket);
-        read.keyEvent = read.when.left(bracket);
-        rows.push_back(std::move(read));
+        const ListRow* listRow = list.Row(position);
+        EventRow row;
+        row.when = listRow->SubItems(1);
+        row.happensTo = listRow->SubItems(2);
+        row.animation = listRow->SubItems(3);
+        row.animationKey = row.animation.toLower();
+        auto number = numbers.constFind(row.animationKey);
+        if (number == numbers.cend()) {
+            number = numbers.insert(row.animationKey, read.ofAnimation.size());
+            read.ofAnimation.emplace_back();
+        }
+        row.animationNumber = *number;
+        read.ofAnimation[*number].push_back(read.rows.size());
+        const qsizetype bracket = row.when.indexOf(QStringLiteral(" ("));
+        row.namesKey = NamesKey(row.when, bracket);
+        row.keyEvent = row.when.left(bracket);
+        read.rows.push_back(std::move(row));
     }
-    return rows;
+    return read;
 }
 
 // A name as Python takes it: each blank becomes "_".
@@ -86,7 +98,7 @@ int RawKeyCode(const QString& when, int previous) {
 class Generator {
 public:
     Generator(const TreeControl& tree, const ListControl& list)
-        : tree_(tree), rows_(ReadRows(list)), done_(rows_.size(), false) {}
+        : tree_(tree), read_(ReadRows(list)), rows_(read_.rows), done_(rows_.size(), false) {}
 
     PythonScript Make(const QString& code) {
         for (size_t i = 0; i < rows_.size(); ++i) {
@@ -168,10 +180,12 @@ private:
             QStringLiteral("TVDef_") + row.keyEvent + u'_' + Underscored(row.animation);
         QString responses;
         buffer_ += LineEnd + QStringLiteral("def ") + name + QStringLiteral("(ev):") + LineEnd;
-        for (size_t j = i; j < rows_.size(); ++j) {
+        const std::vector<size_t>& sameAnimation = read_.ofAnimation[row.animationNumber];
+        for (auto at = std::lower_bound(sameAnimation.begin(), sameAnimation.end(), i);
+             at != sameAnimation.end(); ++at) {
+            const size_t j = *at;
             const EventRow& other = rows_[j];
-            if (other.animationId != row.animationId || !other.namesKey ||
-                !other.when.contains(row.keyEvent, Qt::CaseInsensitive))
+            if (!other.namesKey || !other.when.contains(row.keyEvent, Qt::CaseInsensitive))
                 continue;
             done_[j] = true;
             responses += text::Replace(LineEnd + other.happensTo + QStringLiteral(".addresponse(") +
@@ -244,7 +258,8 @@ private:
     }
 
     const TreeControl& tree_;
-    const std::vector<EventRow> rows_;
+    const EventRows read_;
+    const std::vector<EventRow>& rows_;
     std::vector<bool> done_;
     // The names defined so far as "[Hop][Fly_Away]", and as a set.
     QString doneNames_;
