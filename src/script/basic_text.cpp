@@ -128,6 +128,8 @@ QString ReplaceWhere(const QString& text, QStringView find, QStringView with, Wh
             at = FindNoCase(text, find, at + 1);
             continue;
         }
+        if (result.isNull())
+            result.reserve(text.size() - find.size() + with.size());
         result.append(QStringView(text).mid(done, at - done)).append(with);
         done = at + find.size();
         at = FindNoCase(text, find, done);

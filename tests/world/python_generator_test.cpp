@@ -63,12 +63,10 @@ TEST(PythonGenerator, MouseRowsDefineTheAnimationOnceAndRespondBelowIt) {
 
 TEST(PythonGenerator, AnEmptyWorldIsTheMarkerAndTheCode) {
     ScriptFixture world;
-    PythonScript script = world.python();
-    EXPECT_EQ(script.text, "\r\n" + Marker + "\r\n");
-    EXPECT_EQ(script.handEditedLine, 2);
     world.ArbitraryCodeBox.Text = "print(1)\r\nprint(2)";
-    script = world.python();
+    const PythonScript script = world.python();
     EXPECT_EQ(script.text, "\r\n" + Marker + "\r\nprint(1)\r\nprint(2)");
+    EXPECT_EQ(script.handEditedLine, 2);
 }
 
 TEST(PythonGenerator, AnimationsWithoutRowsAreDefinedStoppedInTreeOrder) {
@@ -199,18 +197,6 @@ TEST(PythonGenerator, KeyFunctionsHoldTheirOwnCopyAndPlainRowsStillDefine) {
                          Marker,
                          ""})
                   .toStdString());
-}
-
-TEST(PythonGenerator, AnAnimationThatIsAPlainLineLosesItsComma) {
-    ScriptFixture world;
-    world.animation("Hop = Camera.Move(Up, 1, more...)");
-    world.row("KeyDown (Space Bar)", "AnyWhere", "Hop");
-    const QString text = world.python().text;
-    // In the key function the line keeps no comma; as a definition it is stopped.
-    EXPECT_TRUE(text.contains("\tif ev.rawkey == 40:\r\n\t\tHop = Camera.Move(Up, 1)\r\n\r\n"))
-        << text.toStdString();
-    EXPECT_TRUE(text.contains("\r\nHop = Hop = Camera.Move(Up, 1).stop()\r\n"))
-        << text.toStdString();
 }
 
 TEST(PythonGenerator, WhatWouldBreakTheWorldIsLeftOutAndNamed) {

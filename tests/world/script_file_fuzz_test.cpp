@@ -126,21 +126,3 @@ TEST(TreeScriptFileFuzz, DamagedFilesAreRefusedAtALineOfThemOrReadWithinTheRules
     EXPECT_GT(read, 1000);
     EXPECT_GT(refused, 1000);
 }
-
-TEST(TreeScriptFileFuzz, RandomBytesAndEveryCutAreSafe) {
-    std::mt19937 random(11);
-    for (int round = 0; round < 2000; ++round) {
-        QByteArray bytes(static_cast<qsizetype>(random() % 600), '\0');
-        for (char& byte : bytes)
-            byte = static_cast<char>(random() % 256);
-        for (const ScriptFileRead& result :
-             {ParseScriptFile(bytes, "noise.tv"), ParsePythonScriptFile(bytes, "noise.py")}) {
-            ASSERT_LE(result.problem.line, LineCount(bytes));
-        }
-    }
-    for (qsizetype cut = 0; cut <= Sound.size(); ++cut) {
-        const ScriptFileRead result = ParseScriptFile(Sound.left(cut), "cut.tv");
-        if (result.ok())
-            ExpectKeepsTheRules(result.content, LineCount(Sound.left(cut)));
-    }
-}

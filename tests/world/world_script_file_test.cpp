@@ -49,7 +49,6 @@ QStringList Rows(const ListControl& list) {
 // A world folder in a temporary folder, kept when a test fails.
 struct Folder {
     QTemporaryDir dir;
-    Folder() { dir.setAutoRemove(!::testing::Test::HasFailure()); }
     ~Folder() { dir.setAutoRemove(!::testing::Test::HasFailure()); }
     QString path(const QString& name) const { return dir.filePath(name); }
     QString write(const QString& name, const QByteArray& bytes) const {
@@ -174,29 +173,27 @@ TEST(TreeScriptFile, TheFileIsLaidOutAsOlderWorldsHoldIt) {
             .toStdString());
 }
 
-TEST(TreeScriptFile, WithoutAnimationsTheRowsAreNotKeptAndTheUserIsTold) {
+TEST(TreeScriptFile, WhatTheFileCannotHoldIsSavedChangedOrLeftOutAndNamed) {
     ScriptFixture world;
     world.row("World Start", "- - -", "Hop");
-    const ScriptFileText file = MakeTVscript(world.TreeView1, world.ListView1, "x = 1");
+    // Without animations the file has no rows.
+    ScriptFileText file = MakeTVscript(world.TreeView1, world.ListView1, "x = 1");
     EXPECT_EQ(file.text, "###\r\nx = 1\r\n");
     ASSERT_EQ(file.notices.size(), 1);
     EXPECT_TRUE(file.notices[0].contains("rows were not saved"));
-}
 
-TEST(TreeScriptFile, TextsTheFileCannotHoldAreSavedChangedAndNamed) {
-    ScriptFixture world;
     TreeNode* hop = world.animation("Hop = DoInOrder");
-    world.pythonLine(hop, "###");
+    world.pythonLine(hop, "###"); // would end the tree in the file
     world.pythonLine(hop, "x = 1\ny = 2");
-    const ScriptFileText file = MakeTVscript(world.TreeView1, world.ListView1, "");
+    file = MakeTVscript(world.TreeView1, world.ListView1, "");
     EXPECT_EQ(file.notices.size(), 2);
     Folder folder;
     Loaded loaded;
     Load(loaded, folder.write("world_script.tv", ScriptFileBytes(file.text)));
     ASSERT_TRUE(loaded.problem.isEmpty()) << loaded.problem.text().toStdString();
-    // The line "###" would have ended the tree in the file.
     EXPECT_EQ(loaded.script.TreeView1.FirstRoot()->ChildAt(0)->Text(), "### ");
     EXPECT_EQ(loaded.script.TreeView1.FirstRoot()->ChildAt(1)->Text(), "x = 1 y = 2");
+    EXPECT_EQ(Rows(loaded.script.ListView1), QStringList{"World Start|- - -|Hop"});
 }
 
 TEST(TreeScriptFile, OlderFormsAreReadAsTheyAlwaysWere) {
@@ -227,32 +224,27 @@ TEST(TreeScriptFile, OlderFormsAreReadAsTheyAlwaysWere) {
     EXPECT_FALSE(loaded.script.ArbitraryCodeBox.Visible);
 }
 
-TEST(TreeScriptFile, AnEmptyTreeIsFollowedByTheCodeAlone) {
+TEST(TreeScriptFile, AnEmptyTreeOrAWorldOfPlainPythonOpensWithCodeAlone) {
     Folder folder;
     Loaded loaded;
+    loaded.script.animation("Old = DoInOrder");
     Load(loaded, folder.write("world_script.tv", "###\r\nLeftMouseButtonDown\r\nx = 1\r\n"));
     ASSERT_TRUE(loaded.problem.isEmpty()) << loaded.problem.text().toStdString();
     EXPECT_EQ(loaded.script.TreeView1.Count(), 0);
     EXPECT_EQ(loaded.script.ListView1.Count(), 0);
     EXPECT_EQ(loaded.script.ArbitraryCodeBox.Text, "LeftMouseButtonDown\r\nx = 1\r\n\r\n");
     EXPECT_TRUE(loaded.script.ArbitraryCodeBox.Visible);
-}
 
-TEST(TreeScriptFile, AWorldOfPlainPythonOpensWithItAllAsCode) {
-    Folder folder;
+    // Without a tree script file, the Python file, in any case, is all code.
+    QFile::remove(folder.path("world_script.tv"));
     folder.write("World_Script.PY", "print(1)\nprint(2)\n");
-    Loaded loaded;
-    loaded.script.animation("Old = DoInOrder");
     loaded.problem = LoadScriptFiles(folder.dir.path(), loaded.script.targets());
     ASSERT_TRUE(loaded.problem.isEmpty()) << loaded.problem.text().toStdString();
-    EXPECT_EQ(loaded.script.TreeView1.Count(), 0);
     EXPECT_EQ(loaded.script.ArbitraryCodeBox.Text, "print(1)\r\nprint(2)\r\n\r\n");
     // With neither file the script is empty.
     QFile::remove(folder.path("World_Script.PY"));
-    loaded.script.animation("Old = DoInOrder");
     loaded.problem = LoadScriptFiles(folder.dir.path(), loaded.script.targets());
     EXPECT_TRUE(loaded.problem.isEmpty());
-    EXPECT_EQ(loaded.script.TreeView1.Count(), 0);
     EXPECT_EQ(loaded.script.ArbitraryCodeBox.Text, "");
 }
 
