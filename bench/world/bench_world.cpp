@@ -77,7 +77,7 @@ void BM_LoadScriptFiles(benchmark::State& state) {
     QFile file(folder.filePath(QStringLiteral("world_script.tv")));
     if (!file.open(QIODevice::WriteOnly))
         state.SkipWithError("the file can't be written");
-    file.write(ScriptFileBytes(
+    file.write(scriptFileBytes(
         MakeTVscript(big.script.TreeView1, big.script.ListView1, big.script.ArbitraryCodeBox.Text)
             .text));
     file.close();

@@ -33,14 +33,14 @@ int runCommand(int argc, char** argv) {
     const QString programDir = prepareProgramDir();
     vessa::InterpreterRegistry registry;
     vessa::registerPythonEngine(registry, programDir + QStringLiteral("/python"));
-    return vessa::RunCommandLine(app.arguments(),
+    return vessa::runCommandLine(app.arguments(),
                                  [&registry] { return registry.create(vessa::kEngineProgId); });
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc > 1 && vessa::IsCommandLineCall(QString::fromLocal8Bit(argv[1])))
+    if (argc > 1 && vessa::isCommandLineCall(QString::fromLocal8Bit(argv[1])))
         return runCommand(argc, argv);
 
     // The engine's camera view moves between windows; shared contexts keep its

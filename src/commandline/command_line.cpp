@@ -33,17 +33,17 @@ constexpr double MostSeconds = 24 * 60 * 60;
 constexpr QSize DefaultThumbnail(320, 240);
 constexpr int MostPixels = 4096;
 
-void Write(std::FILE* stream, const QByteArray& bytes) {
+void writeBytes(std::FILE* stream, const QByteArray& bytes) {
     std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stream);
     std::fflush(stream);
 }
 
-void Out(const QString& text) {
-    Write(stdout, text.toUtf8());
+void out(const QString& text) {
+    writeBytes(stdout, text.toUtf8());
 }
 
-void Err(const QString& text) {
-    Write(stderr, text.toUtf8());
+void err(const QString& text) {
+    writeBytes(stderr, text.toUtf8());
 }
 
 const QString Overview = QStringLiteral(
@@ -81,7 +81,7 @@ const Command Commands[] = {
      "WORLD..."},
 };
 
-const Command* CommandNamed(const QString& name) {
+const Command* commandNamed(const QString& name) {
     for (const Command& command : Commands) {
         if (command.name == name)
             return &command;
@@ -89,13 +89,13 @@ const Command* CommandNamed(const QString& name) {
     return nullptr;
 }
 
-int BadArguments(const QString& why) {
-    Err(QStringLiteral("vessa47: %1\nRun 'vessa47 --help' to see how it is used.\n").arg(why));
+int badArguments(const QString& why) {
+    err(QStringLiteral("vessa47: %1\nRun 'vessa47 --help' to see how it is used.\n").arg(why));
     return ExitBadArguments;
 }
 
 // "world/file:line: message", as compilers and editors read it.
-QString Located(const QString& world, const WorldError& error) {
+QString located(const QString& world, const WorldError& error) {
     if (error.file == world)
         return world + QStringLiteral(": ") + error.message;
     QString where = QDir(world).filePath(error.file);
@@ -104,7 +104,7 @@ QString Located(const QString& world, const WorldError& error) {
     return where + QStringLiteral(": ") + error.message;
 }
 
-QByteArray Json(const WorldReport& report) {
+QByteArray jsonLine(const WorldReport& report) {
     QJsonArray errors;
     for (const WorldError& error : report.errors)
         errors.append(QJsonObject{{"file", error.file},
@@ -122,7 +122,7 @@ struct StartedEngine {
     QString failure;
 };
 
-void StartEngine(StartedEngine& engine,
+void startEngine(StartedEngine& engine,
                  const std::function<std::unique_ptr<Interpreter>()>& makeEngine) {
     try {
         asRunTimeError([&] {
@@ -136,7 +136,7 @@ void StartEngine(StartedEngine& engine,
     }
 }
 
-void CloseEngine(EngineLink& engine) {
+void closeEngine(EngineLink& engine) {
     try {
         engine.call(QStringLiteral("Close"));
     } catch (const RunTimeError&) {
@@ -145,33 +145,33 @@ void CloseEngine(EngineLink& engine) {
     engine.release();
 }
 
-int RunGenerate(const QStringList& worlds) {
+int runGenerate(const QStringList& worlds) {
     if (worlds.size() != 1)
-        return BadArguments(QStringLiteral("generate takes one world folder"));
+        return badArguments(QStringLiteral("generate takes one world folder"));
     const QString& world = worlds.front();
-    if (!IsWorldFolder(world)) {
-        Err(NotAWorldMessage(world) + u'\n');
+    if (!isWorldFolder(world)) {
+        err(notAWorldMessage(world) + u'\n');
         return ExitWorldError;
     }
     StandaloneScript script;
     const ScriptFileRead read = script.LoadScriptFiles(world);
     if (!read.ok()) {
-        Err(read.problem.text() + u'\n');
+        err(read.problem.text() + u'\n');
         return ExitWorldError;
     }
     const PythonScript python = script.python();
     for (const ScriptNotice& notice : python.notices)
-        Err(world + QStringLiteral(": ") + notice.message + u'\n');
-    Write(stdout, ScriptFileBytes(python.text));
+        err(world + QStringLiteral(": ") + notice.message + u'\n');
+    writeBytes(stdout, scriptFileBytes(python.text));
     return ExitClean;
 }
 
-int RunCheck(const QStringList& worlds, double seconds, bool json,
+int runCheck(const QStringList& worlds, double seconds, bool json,
              const std::function<std::unique_ptr<Interpreter>()>& makeEngine) {
     StartedEngine engine;
-    StartEngine(engine, makeEngine);
+    startEngine(engine, makeEngine);
     if (!engine.failure.isEmpty()) {
-        Err(QStringLiteral("vessa47: the engine could not be started: ") + engine.failure + u'\n');
+        err(QStringLiteral("vessa47: the engine could not be started: ") + engine.failure + u'\n');
         return ExitWorldError;
     }
     bool clean = true;
@@ -189,31 +189,31 @@ int RunCheck(const QStringList& worlds, double seconds, bool json,
         }
         clean = clean && report.clean();
         if (json) {
-            Write(stdout, Json(report));
+            writeBytes(stdout, jsonLine(report));
             continue;
         }
         for (const WorldError& error : report.errors)
-            Out(Located(world, error) + u'\n');
+            out(located(world, error) + u'\n');
         if (report.clean())
-            Out(world + QStringLiteral(": no errors\n"));
+            out(world + QStringLiteral(": no errors\n"));
     }
-    CloseEngine(engine.link);
+    closeEngine(engine.link);
     return clean ? ExitClean : ExitWorldError;
 }
 
-int RunThumbnail(const QStringList& worlds, QSize size,
+int runThumbnail(const QStringList& worlds, QSize size,
                  const std::function<std::unique_ptr<Interpreter>()>& makeEngine) {
     StartedEngine engine;
-    StartEngine(engine, makeEngine);
+    startEngine(engine, makeEngine);
     if (!engine.failure.isEmpty()) {
-        Err(QStringLiteral("vessa47: the engine could not be started: ") + engine.failure + u'\n');
+        err(QStringLiteral("vessa47: the engine could not be started: ") + engine.failure + u'\n');
         return ExitWorldError;
     }
     bool written = true;
     for (const QString& world : worlds) {
         QString failure;
-        if (!IsWorldFolder(world)) {
-            failure = NotAWorldMessage(world);
+        if (!isWorldFolder(world)) {
+            failure = notAWorldMessage(world);
         } else {
             const QString folder = QFileInfo(world).absoluteFilePath();
             try {
@@ -229,19 +229,19 @@ int RunThumbnail(const QStringList& worlds, QSize size,
             }
         }
         if (failure.isEmpty()) {
-            Out(FileInFolder(world, world_files::Thumbnail) + u'\n');
+            out(fileInFolder(world, world_files::Thumbnail) + u'\n');
         } else {
-            Err(world + QStringLiteral(": ") + failure + u'\n');
+            err(world + QStringLiteral(": ") + failure + u'\n');
             written = false;
         }
     }
-    CloseEngine(engine.link);
+    closeEngine(engine.link);
     return written ? ExitClean : ExitWorldError;
 }
 
 } // namespace
 
-bool IsCommandLineCall(const QString& firstArgument) {
+bool isCommandLineCall(const QString& firstArgument) {
     static const QStringList ours = {QStringLiteral("-h"), QStringLiteral("--help"),
                                      QStringLiteral("--help-all"), QStringLiteral("-v"),
                                      QStringLiteral("--version")};
@@ -249,9 +249,9 @@ bool IsCommandLineCall(const QString& firstArgument) {
            (!firstArgument.startsWith(u'-') || ours.contains(firstArgument));
 }
 
-int RunCommandLine(const QStringList& arguments,
+int runCommandLine(const QStringList& arguments,
                    const std::function<std::unique_ptr<Interpreter>()>& makeEngine) {
-    const Command* command = CommandNamed(arguments.value(1));
+    const Command* command = commandNamed(arguments.value(1));
     QCommandLineParser parser;
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
@@ -284,36 +284,36 @@ int RunCommandLine(const QStringList& arguments,
                                      QStringLiteral("generate, check or thumbnail"));
     }
     if (!parser.parse(arguments))
-        return BadArguments(parser.errorText());
+        return badArguments(parser.errorText());
     if (parser.isSet(version)) {
-        Out(QStringLiteral("vessa47 ") + QCoreApplication::applicationVersion() + u'\n');
+        out(QStringLiteral("vessa47 ") + QCoreApplication::applicationVersion() + u'\n');
         return ExitClean;
     }
     if (parser.isSet(help)) {
-        Out(parser.helpText());
+        out(parser.helpText());
         return ExitClean;
     }
     if (!command)
-        return BadArguments(QStringLiteral("there is no command '%1'").arg(arguments.value(1)));
+        return badArguments(QStringLiteral("there is no command '%1'").arg(arguments.value(1)));
     QStringList worlds = parser.positionalArguments();
     worlds.removeFirst();
     if (worlds.isEmpty())
-        return BadArguments(QStringLiteral("%1 needs a world folder").arg(command->name));
+        return badArguments(QStringLiteral("%1 needs a world folder").arg(command->name));
 
     if (command->name == Generate)
-        return RunGenerate(worlds);
+        return runGenerate(worlds);
     if (command->name == Check) {
         double runFor = DefaultSeconds;
         if (parser.isSet(seconds)) {
             bool number = false;
             runFor = parser.value(seconds).toDouble(&number);
             if (!number || !std::isfinite(runFor) || runFor < 0 || runFor > MostSeconds)
-                return BadArguments(QStringLiteral("--seconds wants a number of seconds from 0 to "
+                return badArguments(QStringLiteral("--seconds wants a number of seconds from 0 to "
                                                    "%1, not '%2'")
                                         .arg(MostSeconds)
                                         .arg(parser.value(seconds)));
         }
-        return RunCheck(worlds, runFor, parser.isSet(json), makeEngine);
+        return runCheck(worlds, runFor, parser.isSet(json), makeEngine);
     }
     QSize pictureSize = DefaultThumbnail;
     if (parser.isSet(size)) {
@@ -323,12 +323,12 @@ int RunCommandLine(const QStringList& arguments,
                                        : QSize();
         if (pictureSize.isEmpty() || pictureSize.width() > MostPixels ||
             pictureSize.height() > MostPixels)
-            return BadArguments(QStringLiteral("--size wants WIDTHxHEIGHT in pixels, 1 to %1 "
+            return badArguments(QStringLiteral("--size wants WIDTHxHEIGHT in pixels, 1 to %1 "
                                                "each, such as 320x240, not '%2'")
                                     .arg(MostPixels)
                                     .arg(parser.value(size)));
     }
-    return RunThumbnail(worlds, pictureSize, makeEngine);
+    return runThumbnail(worlds, pictureSize, makeEngine);
 }
 
 } // namespace vessa

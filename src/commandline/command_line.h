@@ -22,12 +22,12 @@ enum CommandLineExit { ExitClean = 0, ExitWorldError = 1, ExitBadArguments = 2 }
 // Whether the program was started for the command line rather than its windows: its
 // first argument is a command (anything not starting with "-"), --help or --version.
 // Other options are Qt's own, for the windows.
-bool IsCommandLineCall(const QString& firstArgument);
+bool isCommandLineCall(const QString& firstArgument);
 
 // Runs the command of arguments (as QCoreApplication gives them, the program first)
 // with its output on the standard output and errors on the standard error; answers the
 // exit code. makeEngine makes the engine for the commands that need it.
-int RunCommandLine(const QStringList& arguments,
+int runCommandLine(const QStringList& arguments,
                    const std::function<std::unique_ptr<Interpreter>()>& makeEngine);
 
 } // namespace vessa

@@ -60,9 +60,9 @@ private:
         source_.clear();
         // Lines count from 1 at the first line of the part that was run.
         int fileLine = 0;
-        if (line > 0 && source == GeneratedSourceTag)
+        if (line > 0 && source == kGeneratedSourceTag)
             fileLine = line;
-        else if (line > 0 && source == HandEditedSourceTag)
+        else if (line > 0 && source == kHandEditedSourceTag)
             fileLine = handEditedLine_ + line;
         report_.errors.append({world_files::Python, fileLine, message});
     }
@@ -73,7 +73,7 @@ private:
 };
 
 // "World_Scene.py line 3: what is wrong" as the engine refuses a scene file.
-WorldError SceneError(const QString& failure) {
+WorldError sceneError(const QString& failure) {
     static const QRegularExpression withLine(QStringLiteral("^(\\S+) line (\\d+): (.*)$"),
                                              QRegularExpression::DotMatchesEverythingOption);
     const QRegularExpressionMatch match = withLine.match(failure.trimmed());
@@ -82,7 +82,7 @@ WorldError SceneError(const QString& failure) {
     return {world_files::Scene, 0, failure.trimmed()};
 }
 
-bool Failed(const QVariant& result) {
+bool failed(const QVariant& result) {
     return !isSuccessResult(result);
 }
 
@@ -91,8 +91,8 @@ bool Failed(const QVariant& result) {
 WorldReport WorldChecker::check(const QString& world) {
     WorldReport report;
     report.world = world;
-    if (!IsWorldFolder(world)) {
-        report.errors.append({world, 0, NotAWorldMessage(world)});
+    if (!isWorldFolder(world)) {
+        report.errors.append({world, 0, notAWorldMessage(world)});
         return report;
     }
     const QString folder = QFileInfo(world).absoluteFilePath();
@@ -105,8 +105,8 @@ WorldReport WorldChecker::check(const QString& world) {
     engine_.call(QStringLiteral("flushout"));
     const QVariantList loadRecords =
         engine_.call(QStringLiteral("PollForMiscDifferences")).toList();
-    if (Failed(loaded)) {
-        report.errors.append(SceneError(loaded.toString()));
+    if (failed(loaded)) {
+        report.errors.append(sceneError(loaded.toString()));
         return report;
     }
     // Model and sound files that can't be read are told as output while loading.
@@ -135,9 +135,9 @@ WorldReport WorldChecker::check(const QString& world) {
         records.take(engine_.call(QStringLiteral("PollForMiscDifferences")));
         engine_.call(QStringLiteral("PollForTreeDifferences"));
     };
-    const ScriptRunResults ran = RunPythonScript(engine_, python);
+    const ScriptRunResults ran = runPythonScript(engine_, python);
     for (const QVariant& result : {ran.generated, ran.handEdited}) {
-        if (Failed(result))
+        if (failed(result))
             report.errors.append({world_files::Python, 0, result.toString().trimmed()});
     }
     poll();
@@ -148,7 +148,7 @@ WorldReport WorldChecker::check(const QString& world) {
             break;
         engine_.call(QStringLiteral("AdvanceClock"), {StepSeconds});
         const QVariant looped = engine_.call(QStringLiteral("Loop"));
-        if (Failed(looped))
+        if (failed(looped))
             report.errors.append({world_files::Python, 0, looped.toString().trimmed()});
         poll();
     }

@@ -178,7 +178,7 @@ QString DefaultLine(const QString& object, const QString& commandName) {
 
 namespace {
 
-bool HasEllipsis(const QString& line) {
+bool hasEllipsis(const QString& line) {
     for (qsizetype dot = line.indexOf(u'.'); dot >= 0; dot = line.indexOf(u'.', dot + 1)) {
         if (dot + 2 < line.size() && line[dot + 1] == u'.' && line[dot + 2] == u'.')
             return true;
@@ -192,9 +192,9 @@ QString NormalizeLine(const QString& line) {
     // What is taken out holds "..." or "-": a line without them is left as it is,
     // without a search that ignores case.
     QString result = line;
-    if (HasEllipsis(result)) {
+    if (hasEllipsis(result)) {
         result = text::Replace(result, u", more...", u"");
-        if (HasEllipsis(result))
+        if (hasEllipsis(result))
             result = text::Replace(result, u"(more...)", u"()");
     }
     if (result.contains(u'-')) {
@@ -221,7 +221,7 @@ ScriptRequest EditorForClick(const ParseState& state) {
     return request;
 }
 
-BlockKind BlockKindOf(const QString& line) {
+BlockKind blockKindOf(const QString& line) {
     // One pass over the places "Do" stands, for both words.
     bool together = false;
     for (int at = text::InStr(line, u"Do"); at > 0; at = text::InStr(at + 1, line, u"Do")) {
@@ -234,11 +234,11 @@ BlockKind BlockKindOf(const QString& line) {
 }
 
 bool IsBlock(const QString& line) {
-    return BlockKindOf(line) != BlockKind::None;
+    return blockKindOf(line) != BlockKind::None;
 }
 
 bool IsInOrderBlock(const QString& line) {
-    return BlockKindOf(line) == BlockKind::InOrder;
+    return blockKindOf(line) == BlockKind::InOrder;
 }
 
 QString BareBlockWord(const QString& line) {

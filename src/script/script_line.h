@@ -67,7 +67,7 @@ ScriptRequest EditorForClick(const ParseState& state);
 // Blocks are told from lines by their text alone: a text holding "DoInOrder", in any
 // case, is an in-order block; one holding "DoTogether" and not that, a together block.
 enum class BlockKind { None, InOrder, Together };
-BlockKind BlockKindOf(const QString& text);
+BlockKind blockKindOf(const QString& text);
 bool IsBlock(const QString& text);
 bool IsInOrderBlock(const QString& text);
 // "DoInOrder" or "DoTogether", what a block runs as.

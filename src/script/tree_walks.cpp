@@ -22,7 +22,7 @@ enum class BlockHeader { AsWritten, BareWord };
 
 void WriteNode(const TreeNode* node, const QString& indent, BlockHeader header, QString& buffer) {
     const QString& line = node->Text();
-    const BlockKind kind = BlockKindOf(line);
+    const BlockKind kind = blockKindOf(line);
     buffer += indent;
     if (kind == BlockKind::None) {
         buffer += NormalizeLine(line);
@@ -123,7 +123,7 @@ void TraverseTreeForScript(const TreeNode* node, const QString& indent, QString&
     WriteNode(node, indent, BlockHeader::BareWord, buffer);
 }
 
-QString TreeFileField(const QString& text) {
+QString treeFileField(const QString& text) {
     static const QString separator = QStringLiteral("###");
     if (text == separator)
         return separator + u' ';
@@ -136,7 +136,7 @@ QString TreeFileField(const QString& text) {
 
 void TraverseTreeToFile(const TreeNode* node, int depth, QString& buffer, QStringList* changed) {
     const auto field = [changed](const QString& text) {
-        QString written = TreeFileField(text);
+        QString written = treeFileField(text);
         if (changed && written != text)
             changed->append(text);
         return written;

@@ -50,10 +50,10 @@ void TraverseTreeForScript(const TreeNode* node, const QString& indent, QString&
 // A text as a field of the tree script file can hold it: a line end becomes a blank, and
 // a field that reads "###" alone, which would end the script tree in the file, gets a
 // blank behind it.
-QString TreeFileField(const QString& text);
+QString treeFileField(const QString& text);
 // The records of the tree script file: per node its Text, depth, "1" or "0" for
 // Expanded, and Tag, a line each; the node, its subtree and, for a root, the roots after.
-// Texts that TreeFileField had to change are added to changed, when it is given.
+// Texts that treeFileField had to change are added to changed, when it is given.
 void TraverseTreeToFile(const TreeNode* node, int depth, QString& buffer,
                         QStringList* changed = nullptr);
 

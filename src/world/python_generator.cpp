@@ -33,7 +33,7 @@ struct EventRow {
     bool namesKey = false;
 };
 
-bool NamesKey(const QString& when, qsizetype bracket) {
+bool namesKeyIn(const QString& when, qsizetype bracket) {
     if (bracket < 0)
         return false;
     const qsizetype quote = when.indexOf(u'"');
@@ -49,7 +49,7 @@ struct EventRows {
     std::vector<std::vector<size_t>> ofAnimation;
 };
 
-EventRows ReadRows(const ListControl& list) {
+EventRows readRows(const ListControl& list) {
     EventRows read;
     read.rows.reserve(static_cast<size_t>(list.Count()));
     QHash<QString, size_t> numbers;
@@ -68,7 +68,7 @@ EventRows ReadRows(const ListControl& list) {
         row.animationNumber = *number;
         read.ofAnimation[*number].push_back(read.rows.size());
         const qsizetype bracket = row.when.indexOf(QStringLiteral(" ("));
-        row.namesKey = NamesKey(row.when, bracket);
+        row.namesKey = namesKeyIn(row.when, bracket);
         row.keyEvent = row.when.left(bracket);
         read.rows.push_back(std::move(row));
     }
@@ -76,14 +76,14 @@ EventRows ReadRows(const ListControl& list) {
 }
 
 // A name as Python takes it: each blank becomes "_".
-QString Underscored(QString name) {
+QString underscored(QString name) {
     return name.replace(u' ', u'_');
 }
 
 // The Windows key code a key row without a character key tests. Each word found
 // overwrites the one before, over the whole When, "KeyDown" and "KeyUp" included; a
 // When with none of the words keeps the code of the row before.
-int RawKeyCode(const QString& when, int previous) {
+int rawKeyCode(const QString& when, int previous) {
     static const std::pair<QString, int> words[] = {
         {QStringLiteral("Enter"), 13}, {QStringLiteral("Space"), 32}, {QStringLiteral("Left"), 37},
         {QStringLiteral("Right"), 39}, {QStringLiteral("Up"), 38},    {QStringLiteral("Down"), 40}};
@@ -98,26 +98,26 @@ int RawKeyCode(const QString& when, int previous) {
 class Generator {
 public:
     Generator(const TreeControl& tree, const ListControl& list)
-        : tree_(tree), read_(ReadRows(list)), rows_(read_.rows), done_(rows_.size(), false) {}
+        : tree_(tree), read_(readRows(list)), rows_(read_.rows), done_(rows_.size(), false) {}
 
-    PythonScript Make(const QString& code) {
+    PythonScript make(const QString& code) {
         for (size_t i = 0; i < rows_.size(); ++i) {
             if (done_[i])
                 continue;
             if (text::Like(rows_[i].when, u"Key*"))
-                KeyForm(i);
+                keyForm(i);
             else
-                PlainForm(i);
+                plainForm(i);
         }
-        DefineTheRest();
-        script_.handEditedLine = LineOfPosition(buffer_, buffer_.size()) + 2;
-        buffer_ += LineEnd + HandEditedMarker + LineEnd + code;
+        defineTheRest();
+        script_.handEditedLine = lineOfPosition(buffer_, buffer_.size()) + 2;
+        buffer_ += LineEnd + kHandEditedMarker + LineEnd + code;
         script_.text = std::move(buffer_);
         return std::move(script_);
     }
 
 private:
-    void Notice(size_t i, const QString& message) {
+    void notice(size_t i, const QString& message) {
         const EventRow& row = rows_[i];
         script_.notices.append(
             {static_cast<int>(i) + 1,
@@ -127,57 +127,57 @@ private:
                  .arg(row.when, row.happensTo, row.animation, message)});
     }
 
-    const TreeNode* AnimationOf(size_t i) {
+    const TreeNode* animationOf(size_t i) {
         const TreeNode* node = tree_.NodeByKey(rows_[i].animationKey);
         if (!node)
-            Notice(i, QStringLiteral("names an animation this world does not have"));
+            notice(i, QStringLiteral("names an animation this world does not have"));
         return node;
     }
 
     // "[name]" searched in "[Hop][Fly_Away]", the list of the names defined. Only names
     // with brackets in them can be found there without being one of them; for others a
     // set gives the same answer.
-    bool IsDefined(const QString& name) const {
-        if (bracketed_ || HasBracket(name))
+    bool isDefined(const QString& name) const {
+        if (bracketed_ || hasBracket(name))
             return doneNames_.contains(u'[' + name + u']');
         return defined_.contains(name);
     }
 
-    static bool HasBracket(const QString& name) {
+    static bool hasBracket(const QString& name) {
         return name.contains(u'[') || name.contains(u']');
     }
 
-    void Define(const QString& name, const TreeNode* node) {
+    void define(const QString& name, const TreeNode* node) {
         buffer_ += LineEnd + name + QStringLiteral(" = ");
         MakePythonNode(node, QString(), buffer_);
-        StopClosing();
+        stopClosing();
         doneNames_ += u'[' + name + u']';
         defined_.insert(name);
-        bracketed_ = bracketed_ || HasBracket(name);
+        bracketed_ = bracketed_ || hasBracket(name);
     }
 
     // A definition is built stopped: ")" becomes ").stop()", and a plain line loses its
     // comma.
-    void StopClosing() {
-        buffer_.chop(EndsInComma() ? 3 : 2);
+    void stopClosing() {
+        buffer_.chop(endsInComma() ? 3 : 2);
         buffer_ += QStringLiteral(".stop()") + LineEnd;
     }
 
-    bool EndsInComma() const { return buffer_.size() >= 3 && buffer_[buffer_.size() - 3] == u','; }
+    bool endsInComma() const { return buffer_.size() >= 3 && buffer_[buffer_.size() - 3] == u','; }
 
     // One function for the key event of row i and its animation, testing the keys of
     // every later row of the same event and animation; each such row is done here.
-    void KeyForm(size_t i) {
+    void keyForm(size_t i) {
         const EventRow& row = rows_[i];
         if (!row.namesKey) {
-            Notice(i, QStringLiteral("names no key"));
+            notice(i, QStringLiteral("names no key"));
             return;
         }
-        const TreeNode* node = AnimationOf(i);
+        const TreeNode* node = animationOf(i);
         if (!node)
             return;
         const QString name =
-            QStringLiteral("TVDef_") + row.keyEvent + u'_' + Underscored(row.animation);
+            QStringLiteral("TVDef_") + row.keyEvent + u'_' + underscored(row.animation);
         QString responses;
         buffer_ += LineEnd + QStringLiteral("def ") + name + QStringLiteral("(ev):") + LineEnd;
         const std::vector<size_t>& sameAnimation = read_.ofAnimation[row.animationNumber];
@@ -191,11 +191,11 @@ private:
             responses += text::Replace(LineEnd + other.happensTo + QStringLiteral(".addresponse(") +
                                            other.keyEvent + QStringLiteral(", ") + name + u')',
                                        u"AnyWhere.", u"Camera._Window.");
-            buffer_ += (j == i ? Tab + QStringLiteral("if") : QStringLiteral(" or")) + KeyTest(j);
+            buffer_ += (j == i ? Tab + QStringLiteral("if") : QStringLiteral(" or")) + keyTest(j);
         }
         buffer_ += u':' + LineEnd;
         MakePythonNode(node, Tab + Tab, buffer_);
-        if (EndsInComma()) {
+        if (endsInComma()) {
             buffer_.chop(3);
             buffer_ += LineEnd;
         }
@@ -203,19 +203,19 @@ private:
     }
 
     // ` ev.key == "A"` for a character key, ` ev.rawkey == 13` for a named one.
-    QString KeyTest(size_t j) {
+    QString keyTest(size_t j) {
         const QString& when = rows_[j].when;
         const qsizetype quote = when.indexOf(u'"');
         if (quote >= 0)
             return QStringLiteral(" ev.key == \"") + when.mid(quote + 1, 1) + u'"';
-        rawKeyCode_ = RawKeyCode(when, rawKeyCode_);
+        rawKeyCode_ = rawKeyCode(when, rawKeyCode_);
         return QStringLiteral(" ev.rawkey == ") + QString::number(rawKeyCode_);
     }
 
     // The animation's definition, unless a row has defined it, and the row's response.
-    void PlainForm(size_t i) {
+    void plainForm(size_t i) {
         const EventRow& row = rows_[i];
-        const QString name = Underscored(row.animation);
+        const QString name = underscored(row.animation);
         QString response;
         if (text::Like(row.when, u"World Start")) {
             response = name + QStringLiteral(".Copy().Start()");
@@ -228,19 +228,19 @@ private:
             response = text::Replace(response, u"RightMouseButtonDown,", u"RightMouseDown,");
             response = text::Replace(response, u"RightMouseButtonUp,", u"RightMouseUp,");
         }
-        if (IsDefined(name)) {
+        if (isDefined(name)) {
             buffer_ += response + LineEnd;
             return;
         }
-        const TreeNode* node = AnimationOf(i);
+        const TreeNode* node = animationOf(i);
         if (!node)
             return;
-        Define(name, node);
+        define(name, node);
         buffer_ += LineEnd + response + LineEnd;
     }
 
     // Every animation no row defined, in tree order, under its name as it stands.
-    void DefineTheRest() {
+    void defineTheRest() {
         static const QString nameSeparator = QStringLiteral(" = ");
         for (const TreeNode* root = tree_.FirstRoot(); root; root = root->Next()) {
             const qsizetype separator = root->Text().indexOf(nameSeparator);
@@ -252,8 +252,8 @@ private:
                 continue;
             }
             const QString name = root->Text().left(separator);
-            if (!IsDefined(name))
-                Define(name, root);
+            if (!isDefined(name))
+                define(name, root);
         }
     }
 
@@ -274,14 +274,14 @@ private:
 
 PythonScript MakePythonScript(const TreeControl& TreeView1, const ListControl& ListView1,
                               const QString& code) {
-    return Generator(TreeView1, ListView1).Make(code);
+    return Generator(TreeView1, ListView1).make(code);
 }
 
 void MakePythonNode(const TreeNode* node, const QString& indent, QString& buffer) {
     TraverseTreeForScript(node, indent, buffer);
 }
 
-int LineOfPosition(const QString& text, qsizetype position) {
+int lineOfPosition(const QString& text, qsizetype position) {
     // Every LF ends a line, and every CR that no LF follows.
     const QStringView before =
         QStringView(text).first(std::clamp<qsizetype>(position, 0, text.size()));

@@ -10,7 +10,7 @@ class TreeControl;
 class TreeNode;
 
 // The line that parts the generated Python from the hand-edited code.
-inline const QString HandEditedMarker =
+inline const QString kHandEditedMarker =
     QStringLiteral("### Everything below this line is hand-edited Python Code ###");
 
 // Something the generator could not turn into Python and left out, for the user. row
@@ -50,6 +50,6 @@ void MakePythonNode(const TreeNode* node, const QString& indent, QString& buffer
 
 // The line of the character at position (from 0) in text, lines counted from 0 as the
 // engine splits them: at CR LF, CR or LF.
-int LineOfPosition(const QString& text, qsizetype position);
+int lineOfPosition(const QString& text, qsizetype position);
 
 } // namespace vessa

@@ -13,20 +13,20 @@ using script_file::LineEnd;
 using script_file::Separator;
 
 // A value quoted in a message, cut short when it is long.
-QString Quoted(const QString& value) {
+QString quoted(const QString& value) {
     constexpr int Shown = 40;
     return u'"' + (value.size() > Shown ? value.left(Shown) + QStringLiteral("...") : value) + u'"';
 }
 
 // Characters no text file holds: the control characters but tab, line feed, form feed
 // and carriage return. UTF-8 never uses these bytes inside a character.
-bool IsBinaryByte(char byte) {
+bool isBinaryByte(char byte) {
     const auto value = static_cast<unsigned char>(byte);
     return (value < 0x20 && value != '\t' && value != '\n' && value != '\f' && value != '\r') ||
            value == 0x7F;
 }
 
-QString Decoded(QByteArrayView bytes) {
+QString decoded(QByteArrayView bytes) {
     if (bytes.startsWith("\xEF\xBB\xBF"))
         bytes = bytes.sliced(3);
     QStringDecoder utf8(QStringConverter::Utf8);
@@ -41,18 +41,18 @@ struct Lines {
     FileProblem problem;
 };
 
-Lines SplitLines(const QByteArray& bytes, const QString& fileName) {
+Lines splitLines(const QByteArray& bytes, const QString& fileName) {
     Lines result;
     int line = 1;
     for (const char byte : bytes) {
         if (byte == '\n')
             ++line;
-        else if (IsBinaryByte(byte)) {
+        else if (isBinaryByte(byte)) {
             result.problem = {fileName, line, QStringLiteral("this is not text")};
             return result;
         }
     }
-    const QString text = Decoded(bytes);
+    const QString text = decoded(bytes);
     qsizetype start = 0;
     for (;;) {
         const qsizetype end = text.indexOf(u'\n', start);
@@ -72,11 +72,11 @@ Lines SplitLines(const QByteArray& bytes, const QString& fileName) {
     return result;
 }
 
-bool IsSeparator(const QString& line) {
+bool isSeparator(const QString& line) {
     return line == Separator;
 }
 
-QString CodeFrom(const QStringList& lines, qsizetype first) {
+QString codeFrom(const QStringList& lines, qsizetype first) {
     QString code;
     for (qsizetype index = first; index < lines.size(); ++index)
         code += lines[index] + LineEnd;
@@ -88,81 +88,81 @@ class Parser {
 public:
     Parser(const QStringList& lines, const QString& fileName) : lines_(lines), file_(fileName) {}
 
-    ScriptFileRead Parse() {
+    ScriptFileRead parse() {
         qsizetype codeStart = 1; // an empty tree: the code follows the first line
-        if (!IsSeparator(lines_[0])) {
-            const qsizetype treeEnd = ReadTree();
+        if (!isSeparator(lines_[0])) {
+            const qsizetype treeEnd = readTree();
             if (!read_.ok())
                 return read_;
-            codeStart = ReadRows(treeEnd + 1);
+            codeStart = readRows(treeEnd + 1);
             if (!read_.ok())
                 return read_;
         }
-        read_.content.code = CodeFrom(lines_, codeStart);
+        read_.content.code = codeFrom(lines_, codeStart);
         return read_;
     }
 
 private:
-    int Last() const { return static_cast<int>(lines_.size()) - 1; }
+    int last() const { return static_cast<int>(lines_.size()) - 1; }
 
-    void Refuse(qsizetype index, const QString& message) {
+    void refuse(qsizetype index, const QString& message) {
         read_.problem = {file_, static_cast<int>(index) + 1, message};
     }
 
     // The tree's records from the first line on; answers the index of the "###" after
     // them.
-    qsizetype ReadTree() {
+    qsizetype readTree() {
         int previousDepth = 0;
         qsizetype k = 0;
         for (;; k += 4) {
-            if (k > 0 && k <= Last() && IsSeparator(lines_[k]))
+            if (k > 0 && k <= last() && isSeparator(lines_[k]))
                 return k;
-            if (k + 3 > Last()) {
-                Refuse(std::min<qsizetype>(k, Last()),
+            if (k + 3 > last()) {
+                refuse(std::min<qsizetype>(k, last()),
                        QStringLiteral("the file ends inside the script tree, without the line "
                                       "### that ends it"));
                 return k;
             }
             if (read_.content.nodes.size() == script_file::MaxNodes) {
-                Refuse(k, QStringLiteral("the script has more than 200,000 lines"));
+                refuse(k, QStringLiteral("the script has more than 200,000 lines"));
                 return k;
             }
             ScriptFileNode node;
             node.text = lines_[k];
             node.tag = lines_[k + 3];
             node.line = static_cast<int>(k) + 1;
-            if (!ReadDepth(k + 1, previousDepth, node.depth) || !ReadExpanded(k + 2, node.expanded))
+            if (!readDepth(k + 1, previousDepth, node.depth) || !readExpanded(k + 2, node.expanded))
                 return k;
             previousDepth = node.depth;
             read_.content.nodes.append(node);
         }
     }
 
-    bool ReadDepth(qsizetype index, int previousDepth, int& depth) {
+    bool readDepth(qsizetype index, int previousDepth, int& depth) {
         bool number = false;
         depth = lines_[index].trimmed().toInt(&number);
         if (!number)
-            Refuse(index, QStringLiteral("the depth of a line of the script should be a whole "
+            refuse(index, QStringLiteral("the depth of a line of the script should be a whole "
                                          "number, not ") +
-                              Quoted(lines_[index]));
+                              quoted(lines_[index]));
         else if (previousDepth == 0 && depth != 1)
-            Refuse(index,
+            refuse(index,
                    QStringLiteral("the first animation should have depth 1, not %1").arg(depth));
         else if (depth < 1)
-            Refuse(index, QStringLiteral("a depth of %1, but depths begin at 1").arg(depth));
+            refuse(index, QStringLiteral("a depth of %1, but depths begin at 1").arg(depth));
         else if (depth > previousDepth + 1)
-            Refuse(index, QStringLiteral("the depth goes from %1 to %2, but a line can only be "
+            refuse(index, QStringLiteral("the depth goes from %1 to %2, but a line can only be "
                                          "one deeper than the line before it")
                               .arg(previousDepth)
                               .arg(depth));
         else if (depth > script_file::MaxDepth)
-            Refuse(index, QStringLiteral("the script is more than 100 levels deep"));
+            refuse(index, QStringLiteral("the script is more than 100 levels deep"));
         return read_.ok();
     }
 
     // A truth value as the older worlds wrote it: a number (not 0 is true), or the words
     // True and False.
-    bool ReadExpanded(qsizetype index, bool& expanded) {
+    bool readExpanded(qsizetype index, bool& expanded) {
         const QString field = lines_[index].trimmed();
         bool number = false;
         const double value = field.toDouble(&number);
@@ -173,30 +173,30 @@ private:
         else if (field.compare(u"false", Qt::CaseInsensitive) == 0)
             expanded = false;
         else
-            Refuse(index, QStringLiteral("should be 1 or 0 (whether the block is open), not ") +
-                              Quoted(lines_[index]));
+            refuse(index, QStringLiteral("should be 1 or 0 (whether the block is open), not ") +
+                              quoted(lines_[index]));
         return read_.ok();
     }
 
     // The rows from index first up to a "###" or the end of the file; answers where the
     // code begins.
-    qsizetype ReadRows(qsizetype first) {
+    qsizetype readRows(qsizetype first) {
         qsizetype i = first;
-        for (; i < Last() && !IsSeparator(lines_[i]); i += 3) {
-            if (i + 2 > Last()) {
-                Refuse(i, QStringLiteral("the event row that begins here is cut short"));
+        for (; i < last() && !isSeparator(lines_[i]); i += 3) {
+            if (i + 2 > last()) {
+                refuse(i, QStringLiteral("the event row that begins here is cut short"));
                 return i;
             }
             if (read_.content.rows.size() == script_file::MaxRows) {
-                Refuse(i, QStringLiteral("the event list has more than 100,000 rows"));
+                refuse(i, QStringLiteral("the event list has more than 100,000 rows"));
                 return i;
             }
             read_.content.rows.append(
                 {lines_[i], lines_[i + 1], lines_[i + 2], static_cast<int>(i) + 1});
         }
         // A last line with text that no row took: the file was cut in a row.
-        if (i == Last() && !lines_[i].isEmpty() && !IsSeparator(lines_[i]))
-            Refuse(i, QStringLiteral("the event row that begins here is cut short"));
+        if (i == last() && !lines_[i].isEmpty() && !isSeparator(lines_[i]))
+            refuse(i, QStringLiteral("the event row that begins here is cut short"));
         return i + 1;
     }
 
@@ -212,23 +212,23 @@ QString FileProblem::text() const {
                     : QStringLiteral("%1: %2").arg(file, message);
 }
 
-ScriptFileRead ParseScriptFile(const QByteArray& bytes, const QString& fileName) {
-    const Lines split = SplitLines(bytes, fileName);
+ScriptFileRead parseScriptFile(const QByteArray& bytes, const QString& fileName) {
+    const Lines split = splitLines(bytes, fileName);
     if (!split.problem.isEmpty())
         return {{}, split.problem};
-    return Parser(split.lines, fileName).Parse();
+    return Parser(split.lines, fileName).parse();
 }
 
-ScriptFileRead ParsePythonScriptFile(const QByteArray& bytes, const QString& fileName) {
-    const Lines split = SplitLines(bytes, fileName);
+ScriptFileRead parsePythonScriptFile(const QByteArray& bytes, const QString& fileName) {
+    const Lines split = splitLines(bytes, fileName);
     ScriptFileRead read;
     read.problem = split.problem;
     if (read.ok())
-        read.content.code = CodeFrom(split.lines, 0);
+        read.content.code = codeFrom(split.lines, 0);
     return read;
 }
 
-FileBytes ReadScriptFileBytes(const QString& path) {
+FileBytes readScriptFileBytes(const QString& path) {
     FileBytes result;
     const QFileInfo info(path);
     // A pipe or a device would be read for ever.
@@ -255,7 +255,7 @@ FileBytes ReadScriptFileBytes(const QString& path) {
     return result;
 }
 
-QByteArray ScriptFileBytes(const QString& text) {
+QByteArray scriptFileBytes(const QString& text) {
     return text.toUtf8();
 }
 

@@ -70,9 +70,9 @@ struct ScriptFileRead {
 };
 
 // The text of a tree script file. fileName names the file in a problem.
-ScriptFileRead ParseScriptFile(const QByteArray& bytes, const QString& fileName);
+ScriptFileRead parseScriptFile(const QByteArray& bytes, const QString& fileName);
 // A world of plain Python without a tree script file: all of it becomes the code.
-ScriptFileRead ParsePythonScriptFile(const QByteArray& bytes, const QString& fileName);
+ScriptFileRead parsePythonScriptFile(const QByteArray& bytes, const QString& fileName);
 
 // The bytes of a file, refused when it is no regular file, can't be read or is bigger
 // than a script file can be.
@@ -80,10 +80,10 @@ struct FileBytes {
     QByteArray bytes;
     FileProblem problem;
 };
-FileBytes ReadScriptFileBytes(const QString& path);
+FileBytes readScriptFileBytes(const QString& path);
 
 // How the script files hold text: UTF-8. A file that is no valid UTF-8 is taken for
 // the 8-bit text of an older world.
-QByteArray ScriptFileBytes(const QString& text);
+QByteArray scriptFileBytes(const QString& text);
 
 } // namespace vessa

@@ -5,18 +5,18 @@
 
 namespace vessa {
 
-ScriptRunResults RunPythonScript(EngineLink& engine, const PythonScript& script) {
+ScriptRunResults runPythonScript(EngineLink& engine, const PythonScript& script) {
     QString text = script.text;
     if (!text.endsWith(u'\n'))
         text += u'\n';
-    const int lastLine = LineOfPosition(text, text.size() - 1);
+    const int lastLine = lineOfPosition(text, text.size() - 1);
     const QString method = QStringLiteral("ExecuteLines");
     const QString mode = QStringLiteral("exec");
     ScriptRunResults results;
     results.generated =
-        engine.call(method, {text, 0, script.handEditedLine - 1, GeneratedSourceTag, mode});
+        engine.call(method, {text, 0, script.handEditedLine - 1, kGeneratedSourceTag, mode});
     results.handEdited =
-        engine.call(method, {text, script.handEditedLine, lastLine, HandEditedSourceTag, mode});
+        engine.call(method, {text, script.handEditedLine, lastLine, kHandEditedSourceTag, mode});
     return results;
 }
 

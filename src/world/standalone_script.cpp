@@ -22,9 +22,9 @@ ScriptTargets StandaloneScript::targets() {
 }
 
 ScriptFileRead StandaloneScript::LoadScriptFiles(const QString& worldPath) {
-    ScriptFileRead read = ReadTreeScript(FileInFolder(worldPath, world_files::TreeScript));
+    ScriptFileRead read = readTreeScript(fileInFolder(worldPath, world_files::TreeScript));
     if (read.ok())
-        FillScriptControls(read.content, targets());
+        fillScriptControls(read.content, targets());
     return read;
 }
 

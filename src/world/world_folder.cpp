@@ -5,7 +5,7 @@
 
 namespace vessa {
 
-QString FileInFolder(const QString& folder, const QString& name) {
+QString fileInFolder(const QString& folder, const QString& name) {
     const QDir dir(folder);
     const QString spelled = dir.filePath(name);
     if (QFileInfo::exists(spelled))
@@ -19,16 +19,16 @@ QString FileInFolder(const QString& folder, const QString& name) {
     return spelled;
 }
 
-QString ExistingPath(const QString& path) {
+QString existingPath(const QString& path) {
     const QFileInfo info(path);
-    return FileInFolder(info.path(), info.fileName());
+    return fileInFolder(info.path(), info.fileName());
 }
 
-bool IsWorldFolder(const QString& path) {
-    return QFileInfo(FileInFolder(path, world_files::Scene)).isFile();
+bool isWorldFolder(const QString& path) {
+    return QFileInfo(fileInFolder(path, world_files::Scene)).isFile();
 }
 
-QString NotAWorldMessage(const QString& path) {
+QString notAWorldMessage(const QString& path) {
     return path + QStringLiteral(" is not a valid world folder.");
 }
 

@@ -15,13 +15,13 @@ inline const QString Thumbnail = QStringLiteral("world_thumbnail.bmp");
 
 // The path of name in folder: the entry there whose name differs from it only in case,
 // when there is one, otherwise name as it is spelled (for a file still to be made).
-QString FileInFolder(const QString& folder, const QString& name);
+QString fileInFolder(const QString& folder, const QString& name);
 // The same for the last part of a path.
-QString ExistingPath(const QString& path);
+QString existingPath(const QString& path);
 
 // A folder is a world when its scene file stands in it.
-bool IsWorldFolder(const QString& path);
+bool isWorldFolder(const QString& path);
 // What a user is told of a folder that is no world.
-QString NotAWorldMessage(const QString& path);
+QString notAWorldMessage(const QString& path);
 
 } // namespace vessa

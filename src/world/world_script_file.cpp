@@ -24,12 +24,12 @@ const QColor AnimationForeColor(0, 0, 0xC0);
 
 // The key a node of the file gets: the lower-cased name of a text that reads as an
 // animation, "" for any other.
-QString KeyOf(const QString& text) {
+QString keyOf(const QString& text) {
     return IsAnimationInFile(text) ? AnimationName(text).toLower() : QString();
 }
 
 // A Python line's tag is 1; the older worlds compared it as a number.
-bool IsPythonLineTag(const QString& tag) {
+bool isPythonLineTag(const QString& tag) {
     bool number = false;
     const double value = tag.trimmed().toDouble(&number);
     return number && value == 1;
@@ -37,7 +37,7 @@ bool IsPythonLineTag(const QString& tag) {
 
 // What the controls need beyond the format: every animation's text names it before
 // " = ", and no two nodes share a key.
-FileProblem CheckNames(const ScriptFileContent& content, const QString& fileName) {
+FileProblem checkNames(const ScriptFileContent& content, const QString& fileName) {
     static const QString nameSeparator = QStringLiteral(" = ");
     QSet<QString> keys;
     for (const ScriptFileNode& node : content.nodes) {
@@ -47,7 +47,7 @@ FileProblem CheckNames(const ScriptFileContent& content, const QString& fileName
                     QStringLiteral("an animation should begin with its name and \" = \", as in "
                                    "\"Hop = DoInOrder\", not \"%1\"")
                         .arg(node.text.left(40))};
-        const QString key = KeyOf(node.text);
+        const QString key = keyOf(node.text);
         if (key.isEmpty())
             continue;
         if (keys.contains(key))
@@ -59,15 +59,15 @@ FileProblem CheckNames(const ScriptFileContent& content, const QString& fileName
     return {};
 }
 
-ScriptFileRead ReadPythonInstead(const QString& treeScriptName) {
+ScriptFileRead readPythonInstead(const QString& treeScriptName) {
     // The Python file of the same stem: "world_script.tv" becomes "world_script.py".
-    const QString pythonName = ExistingPath(treeScriptName.chopped(3) + QStringLiteral(".py"));
+    const QString pythonName = existingPath(treeScriptName.chopped(3) + QStringLiteral(".py"));
     if (!QFileInfo::exists(pythonName))
         return {};
-    const FileBytes file = ReadScriptFileBytes(pythonName);
+    const FileBytes file = readScriptFileBytes(pythonName);
     if (!file.problem.isEmpty())
         return {{}, file.problem};
-    return ParsePythonScriptFile(file.bytes, pythonName);
+    return parsePythonScriptFile(file.bytes, pythonName);
 }
 
 void SaveEventList(const ListControl& ListView1, QString& buffer, QStringList& changed) {
@@ -76,7 +76,7 @@ void SaveEventList(const ListControl& ListView1, QString& buffer, QStringList& c
         const ListRow* row = ListView1.Row(position);
         for (int column = 1; column <= 3; ++column) {
             const QString text = row->SubItems(column);
-            const QString field = TreeFileField(text);
+            const QString field = treeFileField(text);
             if (field != text)
                 changed.append(text);
             buffer += field + LineEnd;
@@ -101,24 +101,24 @@ ScriptFileText MakeTVscript(const TreeControl& TreeView1, const ListControl& Lis
     for (const QString& text : changed)
         file.notices << QStringLiteral("\"%1\" was saved as \"%2\": a line of the script file "
                                        "can't hold a line break or read ### alone.")
-                            .arg(text, TreeFileField(text));
+                            .arg(text, treeFileField(text));
     return file;
 }
 
-ScriptFileRead ReadTreeScript(const QString& fileName) {
-    const QString existing = ExistingPath(fileName);
+ScriptFileRead readTreeScript(const QString& fileName) {
+    const QString existing = existingPath(fileName);
     if (!QFileInfo::exists(existing))
-        return ReadPythonInstead(fileName);
-    const FileBytes file = ReadScriptFileBytes(existing);
+        return readPythonInstead(fileName);
+    const FileBytes file = readScriptFileBytes(existing);
     if (!file.problem.isEmpty())
         return {{}, file.problem};
-    ScriptFileRead read = ParseScriptFile(file.bytes, existing);
+    ScriptFileRead read = parseScriptFile(file.bytes, existing);
     if (read.ok())
-        read.problem = CheckNames(read.content, existing);
+        read.problem = checkNames(read.content, existing);
     return read;
 }
 
-void FillScriptControls(const ScriptFileContent& content, const ScriptTargets& targets) {
+void fillScriptControls(const ScriptFileContent& content, const ScriptTargets& targets) {
     TreeControl& tree = targets.TreeView1;
     tree.Clear();
     targets.clearRows();
@@ -129,15 +129,15 @@ void FillScriptControls(const ScriptFileContent& content, const ScriptTargets& t
     for (const ScriptFileNode& node : content.nodes) {
         const int depth = node.depth;
         TreeNode* added =
-            depth == 1 ? tree.AddRoot(KeyOf(node.text), node.text)
-                       : tree.Add(lastAt[depth - 2], Relation::Child, KeyOf(node.text), node.text);
+            depth == 1 ? tree.AddRoot(keyOf(node.text), node.text)
+                       : tree.Add(lastAt[depth - 2], Relation::Child, keyOf(node.text), node.text);
         lastAt[depth - 1] = added;
         // Image 9 until the icons are refreshed below.
         tree.SetImage(added, icons::Together);
         if (depth == 1) {
             tree.SetForeColor(added, AnimationForeColor);
             names << AnimationName(node.text);
-        } else if (IsPythonLineTag(node.tag)) {
+        } else if (isPythonLineTag(node.tag)) {
             tree.SetBackColor(added, PythonLineBack);
             tree.SetTag(added, PythonLineTag);
         }
@@ -158,14 +158,14 @@ void FillScriptControls(const ScriptFileContent& content, const ScriptTargets& t
 }
 
 FileProblem BuildTreeFromFile(const QString& fileName, const ScriptTargets& targets) {
-    const ScriptFileRead read = ReadTreeScript(fileName);
+    const ScriptFileRead read = readTreeScript(fileName);
     if (read.ok())
-        FillScriptControls(read.content, targets);
+        fillScriptControls(read.content, targets);
     return read.problem;
 }
 
 FileProblem LoadScriptFiles(const QString& worldPath, const ScriptTargets& targets) {
-    return BuildTreeFromFile(FileInFolder(worldPath, world_files::TreeScript), targets);
+    return BuildTreeFromFile(fileInFolder(worldPath, world_files::TreeScript), targets);
 }
 
 } // namespace vessa

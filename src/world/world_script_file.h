@@ -41,13 +41,13 @@ ScriptFileText MakeTVscript(const TreeControl& TreeView1, const ListControl& Lis
 // code, and a world with neither has an empty script. Beyond the format, an
 // animation's text must begin with its name and " = ", and no two animations share a
 // name.
-ScriptFileRead ReadTreeScript(const QString& fileName);
+ScriptFileRead readTreeScript(const QString& fileName);
 
-// Builds the controls from what ReadTreeScript gave: the tree with its texts, depths,
+// Builds the controls from what readTreeScript gave: the tree with its texts, depths,
 // expansion (the first animation always opens), Python lines on grey, animations in
 // blue with their names as keys, and the icons; then the names of the animations, the
 // rows, and the code, which shows the code box when it holds more than line ends.
-void FillScriptControls(const ScriptFileContent& content, const ScriptTargets& targets);
+void fillScriptControls(const ScriptFileContent& content, const ScriptTargets& targets);
 
 // Reads fileName and fills the controls from it. A file that can't be used is refused
 // with the problem, and the controls stay as they were.

@@ -13,7 +13,7 @@ using namespace vessa::testing;
 
 namespace {
 
-const QString Marker = HandEditedMarker;
+const QString Marker = kHandEditedMarker;
 
 // The world of the worked example: "Hop" moves the camera one meter forward.
 struct HopWorld : ScriptFixture {
@@ -224,9 +224,9 @@ TEST(PythonGenerator, WhatWouldBreakTheWorldIsLeftOutAndNamed) {
 }
 
 TEST(PythonGenerator, LinesAreCountedWhereTheEngineSplitsThem) {
-    EXPECT_EQ(LineOfPosition("a\r\nb\nc\rd", 9), 3);
-    EXPECT_EQ(LineOfPosition("a\r\nb", 2), 0); // between CR and LF: still the first line
-    EXPECT_EQ(LineOfPosition("a\r\nb", 3), 1);
+    EXPECT_EQ(lineOfPosition("a\r\nb\nc\rd", 9), 3);
+    EXPECT_EQ(lineOfPosition("a\r\nb", 2), 0); // between CR and LF: still the first line
+    EXPECT_EQ(lineOfPosition("a\r\nb", 3), 1);
     ScriptFixture world;
     world.pythonLine(world.animation("Hop = DoInOrder"), "x = 1 \r y = 2");
     const PythonScript script = world.python();

@@ -98,7 +98,7 @@ TEST(TreeScriptFileFuzz, DamagedFilesAreRefusedAtALineOfThemOrReadWithinTheRules
     int read = 0, refused = 0;
     for (int round = 0; round < 20000; ++round) {
         const QByteArray bytes = Damaged(Sound, random);
-        const ScriptFileRead result = ParseScriptFile(bytes, "fuzz.tv");
+        const ScriptFileRead result = parseScriptFile(bytes, "fuzz.tv");
         if (!result.ok()) {
             ++refused;
             ASSERT_FALSE(result.problem.message.isEmpty());
@@ -111,7 +111,7 @@ TEST(TreeScriptFileFuzz, DamagedFilesAreRefusedAtALineOfThemOrReadWithinTheRules
         if (result.content.nodes.isEmpty())
             continue;
         // Read again from what it was read as, it is the same script.
-        const ScriptFileRead again = ParseScriptFile(Written(result.content), "again.tv");
+        const ScriptFileRead again = parseScriptFile(Written(result.content), "again.tv");
         ASSERT_TRUE(again.ok()) << again.problem.text().toStdString();
         ASSERT_EQ(again.content.nodes.size(), result.content.nodes.size());
         for (qsizetype n = 0; n < again.content.nodes.size(); ++n) {

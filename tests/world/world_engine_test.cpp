@@ -106,7 +106,7 @@ TEST(WorldsFromTheEngine, GeneratedPythonMakesTheWorldDoWhatItsLinesSay) {
     script.row(R"(KeyDown ("A" key))", "AnyWhere", "Jump");
     script.row("LeftMouseButtonDown", "Ground", "Slide");
     script.ArbitraryCodeBox.Text = "handWritten = Camera.GetName()";
-    const ScriptRunResults ran = RunPythonScript(e.engine, script.python());
+    const ScriptRunResults ran = runPythonScript(e.engine, script.python());
     EXPECT_TRUE(isSuccessResult(ran.generated) && isSuccessResult(ran.handEdited));
 
     // Each second of the world's time, then what stands where.

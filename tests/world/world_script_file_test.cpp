@@ -140,7 +140,7 @@ TEST(TreeScriptFile, RandomScriptsComeBackAsTheyWereSaved) {
             MakeTVscript(saved.TreeView1, saved.ListView1, saved.ArbitraryCodeBox.Text);
         EXPECT_TRUE(file.notices.isEmpty());
         Folder folder;
-        const QString name = folder.write("world_script.tv", ScriptFileBytes(file.text));
+        const QString name = folder.write("world_script.tv", scriptFileBytes(file.text));
         Loaded loaded;
         Load(loaded, name);
         ASSERT_TRUE(loaded.problem.isEmpty()) << loaded.problem.text().toStdString();
@@ -189,7 +189,7 @@ TEST(TreeScriptFile, WhatTheFileCannotHoldIsSavedChangedOrLeftOutAndNamed) {
     EXPECT_EQ(file.notices.size(), 2);
     Folder folder;
     Loaded loaded;
-    Load(loaded, folder.write("world_script.tv", ScriptFileBytes(file.text)));
+    Load(loaded, folder.write("world_script.tv", scriptFileBytes(file.text)));
     ASSERT_TRUE(loaded.problem.isEmpty()) << loaded.problem.text().toStdString();
     EXPECT_EQ(loaded.script.TreeView1.FirstRoot()->ChildAt(0)->Text(), "### ");
     EXPECT_EQ(loaded.script.TreeView1.FirstRoot()->ChildAt(1)->Text(), "x = 1 y = 2");
