@@ -213,6 +213,9 @@ QString FileProblem::text() const {
 }
 
 ScriptFileRead parseScriptFile(const QByteArray& bytes, const QString& fileName) {
+    // Saving makes the file empty before it writes it; an empty file holds no script.
+    if (bytes.isEmpty())
+        return {};
     const Lines split = splitLines(bytes, fileName);
     if (!split.problem.isEmpty())
         return {{}, split.problem};

@@ -69,7 +69,8 @@ struct ScriptFileRead {
     bool ok() const { return problem.isEmpty(); }
 };
 
-// The text of a tree script file. fileName names the file in a problem.
+// The text of a tree script file; an empty one holds an empty script. fileName names
+// the file in a problem.
 ScriptFileRead parseScriptFile(const QByteArray& bytes, const QString& fileName);
 // A world of plain Python without a tree script file: all of it becomes the code.
 ScriptFileRead parsePythonScriptFile(const QByteArray& bytes, const QString& fileName);

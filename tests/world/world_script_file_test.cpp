@@ -241,6 +241,10 @@ TEST(TreeScriptFile, AnEmptyTreeOrAWorldOfPlainPythonOpensWithCodeAlone) {
     loaded.problem = LoadScriptFiles(folder.dir.path(), loaded.script.targets());
     ASSERT_TRUE(loaded.problem.isEmpty()) << loaded.problem.text().toStdString();
     EXPECT_EQ(loaded.script.ArbitraryCodeBox.Text, "print(1)\r\nprint(2)\r\n\r\n");
+    // An empty tree script file, as saving leaves one it could not write, is no script.
+    Load(loaded, folder.write("empty.tv", ""));
+    EXPECT_TRUE(loaded.problem.isEmpty());
+    EXPECT_EQ(loaded.script.ArbitraryCodeBox.Text, "");
     // With neither file the script is empty.
     QFile::remove(folder.path("World_Script.PY"));
     loaded.problem = LoadScriptFiles(folder.dir.path(), loaded.script.targets());
