@@ -182,10 +182,10 @@ PYBIND11_MODULE(_backend, m) {
         .def("frames_per_second", [](const Backend& b) { return b.view().framesPerSecond(); })
         .def(
             "save_picture",
-            [](Backend& b, const std::string& path) {
-                return failureOrNone(b.view().savePicture(path));
+            [](Backend& b, const std::string& path, int width, int height) {
+                return failureOrNone(b.view().savePicture(path, width, height));
             },
-            "path"_a)
+            "path"_a, "width"_a = 0, "height"_a = 0)
         .def("screen_size", [](const Backend&) { return vessa::core::ViewHost::screenSize(); })
         .def("poll_input",
              [](Backend& b) {

@@ -1,3 +1,4 @@
+#include "commandline/command_line.h"
 #include "gateway/app_state.h"
 #include "gateway/engine_link.h"
 #include "gateway/engine_registration.h"
@@ -9,17 +10,45 @@
 
 #include <QApplication>
 
+namespace {
+
+void nameTheProgram() {
+    QCoreApplication::setApplicationName(QStringLiteral("Vessa47"));
+    QCoreApplication::setOrganizationName(QStringLiteral("Halden Institute"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VESSA_VERSION));
+}
+
+// The program finds its home folder and its engine beside itself.
+QString prepareProgramDir() {
+    const QString programDir = QCoreApplication::applicationDirPath();
+    if (qEnvironmentVariableIsEmpty("VESSA47_HOME"))
+        qputenv("VESSA47_HOME", (programDir + QStringLiteral("/home/")).toLocal8Bit());
+    return programDir;
+}
+
+// The commands on world folders: no window, no splash, no display.
+int runCommand(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    nameTheProgram();
+    const QString programDir = prepareProgramDir();
+    vessa::InterpreterRegistry registry;
+    vessa::registerPythonEngine(registry, programDir + QStringLiteral("/python"));
+    return vessa::runCommandLine(app.arguments(),
+                                 [&registry] { return registry.create(vessa::kEngineProgId); });
+}
+
+} // namespace
+
 int main(int argc, char** argv) {
+    if (argc > 1 && vessa::isCommandLineCall(QString::fromLocal8Bit(argv[1])))
+        return runCommand(argc, argv);
+
     // The engine's camera view moves between windows; shared contexts keep its
     // drawing state alive across the move.
     QApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Vessa47"));
-    QApplication::setOrganizationName(QStringLiteral("Halden Institute"));
-
-    const QString programDir = QCoreApplication::applicationDirPath();
-    if (qEnvironmentVariableIsEmpty("VESSA47_HOME"))
-        qputenv("VESSA47_HOME", (programDir + QStringLiteral("/home/")).toLocal8Bit());
+    nameTheProgram();
+    const QString programDir = prepareProgramDir();
 
     vessa::InterpreterRegistry registry;
     vessa::registerPythonEngine(registry, programDir + QStringLiteral("/python"));

@@ -176,11 +176,32 @@ QString DefaultLine(const QString& object, const QString& commandName) {
     return line + QStringLiteral("more...)");
 }
 
+namespace {
+
+bool hasEllipsis(const QString& line) {
+    for (qsizetype dot = line.indexOf(u'.'); dot >= 0; dot = line.indexOf(u'.', dot + 1)) {
+        if (dot + 2 < line.size() && line[dot + 1] == u'.' && line[dot + 2] == u'.')
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
 QString NormalizeLine(const QString& line) {
-    QString result = text::Replace(line, u", more...", u"");
-    result = text::Replace(result, u"(more...)", u"()");
-    result = text::Replace(result, u"BeginGently-EndAbruptly", u"BeginGently");
-    return text::Replace(result, u"BeginAbruptly-EndGently", u"BeginAbruptly");
+    // What is taken out holds "..." or "-": a line without them is left as it is,
+    // without a search that ignores case.
+    QString result = line;
+    if (hasEllipsis(result)) {
+        result = text::Replace(result, u", more...", u"");
+        if (hasEllipsis(result))
+            result = text::Replace(result, u"(more...)", u"()");
+    }
+    if (result.contains(u'-')) {
+        result = text::Replace(result, u"BeginGently-EndAbruptly", u"BeginGently");
+        result = text::Replace(result, u"BeginAbruptly-EndGently", u"BeginAbruptly");
+    }
+    return result;
 }
 
 ScriptRequest EditorForClick(const ParseState& state) {
@@ -200,12 +221,24 @@ ScriptRequest EditorForClick(const ParseState& state) {
     return request;
 }
 
+BlockKind blockKindOf(const QString& line) {
+    // One pass over the places "Do" stands, for both words.
+    bool together = false;
+    for (int at = text::InStr(line, u"Do"); at > 0; at = text::InStr(at + 1, line, u"Do")) {
+        const QStringView rest = QStringView(line).sliced(at + 1);
+        if (rest.startsWith(u"InOrder", Qt::CaseInsensitive))
+            return BlockKind::InOrder;
+        together = together || rest.startsWith(u"Together", Qt::CaseInsensitive);
+    }
+    return together ? BlockKind::Together : BlockKind::None;
+}
+
 bool IsBlock(const QString& line) {
-    return text::Like(line, u"*DoInOrder*") || text::Like(line, u"*DoTogether*");
+    return blockKindOf(line) != BlockKind::None;
 }
 
 bool IsInOrderBlock(const QString& line) {
-    return text::Like(line, u"*DoInOrder*");
+    return blockKindOf(line) == BlockKind::InOrder;
 }
 
 QString BareBlockWord(const QString& line) {

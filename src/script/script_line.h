@@ -4,6 +4,7 @@
 #include "script/script_request.h"
 #include "script/vocabulary.h"
 
+#include <QColor>
 #include <QString>
 
 #include <array>
@@ -27,8 +28,9 @@ private:
 };
 
 inline const QString UnsetValue = QStringLiteral(" ");
-// The Tag of a Python line: free text that the user types, not parsed.
+// The Tag of a Python line: free text that the user types, not parsed; and its grey.
 inline const QString PythonLineTag = QStringLiteral("1");
+inline const QColor PythonLineBack(0xC0, 0xC0, 0xC0);
 
 // What the last click on a line hit, as ParseString leaves it. The menus and editors
 // read and change it, and UpdateNode writes a line from it.
@@ -62,7 +64,10 @@ QString NormalizeLine(const QString& text);
 // What a parsed click opens: the decision of ShowEditorForClick.
 ScriptRequest EditorForClick(const ParseState& state);
 
-// Blocks are told from lines by their text alone.
+// Blocks are told from lines by their text alone: a text holding "DoInOrder", in any
+// case, is an in-order block; one holding "DoTogether" and not that, a together block.
+enum class BlockKind { None, InOrder, Together };
+BlockKind blockKindOf(const QString& text);
 bool IsBlock(const QString& text);
 bool IsInOrderBlock(const QString& text);
 // "DoInOrder" or "DoTogether", what a block runs as.

@@ -10,10 +10,6 @@
 
 namespace vessa {
 
-namespace {
-const QColor PythonLineBack(0xC0, 0xC0, 0xC0);
-} // namespace
-
 ScriptModel::ScriptModel(ScriptHost& host)
     : host_(host), undo_(treeView1_, junkyard2_, animationNames_, host) {
     Initialize();

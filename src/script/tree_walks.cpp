@@ -22,16 +22,27 @@ enum class BlockHeader { AsWritten, BareWord };
 
 void WriteNode(const TreeNode* node, const QString& indent, BlockHeader header, QString& buffer) {
     const QString& line = node->Text();
-    if (!IsBlock(line)) {
-        buffer += indent + NormalizeLine(line) + u',' + LineEnd;
+    const BlockKind kind = blockKindOf(line);
+    buffer += indent;
+    if (kind == BlockKind::None) {
+        buffer += NormalizeLine(line);
+        buffer += u',';
+        buffer += LineEnd;
         return;
     }
-    buffer +=
-        indent + (header == BlockHeader::BareWord ? BareBlockWord(line) : line) + u'(' + LineEnd;
+    if (header == BlockHeader::AsWritten)
+        buffer += line;
+    else
+        buffer +=
+            kind == BlockKind::InOrder ? QStringLiteral("DoInOrder") : QStringLiteral("DoTogether");
+    buffer += u'(';
+    buffer += LineEnd;
     const QString inner = indent + u'\t';
     for (const TreeNode* child = node->Child(); child; child = child->Next())
         WriteNode(child, inner, header, buffer);
-    buffer += indent + (node->Parent() ? QStringLiteral("),") : QStringLiteral(")")) + LineEnd;
+    buffer += indent;
+    buffer += node->Parent() ? QStringLiteral("),") : QStringLiteral(")");
+    buffer += LineEnd;
 }
 
 } // namespace
@@ -112,13 +123,30 @@ void TraverseTreeForScript(const TreeNode* node, const QString& indent, QString&
     WriteNode(node, indent, BlockHeader::BareWord, buffer);
 }
 
-void TraverseTreeToFile(const TreeNode* node, int depth, QString& buffer) {
+QString treeFileField(const QString& text) {
+    static const QString separator = QStringLiteral("###");
+    if (text == separator)
+        return separator + u' ';
+    if (!text.contains(u'\r') && !text.contains(u'\n'))
+        return text;
+    QString field = text;
+    field.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
+    return field.replace(u'\r', u' ').replace(u'\n', u' ');
+}
+
+void TraverseTreeToFile(const TreeNode* node, int depth, QString& buffer, QStringList* changed) {
+    const auto field = [changed](const QString& text) {
+        QString written = treeFileField(text);
+        if (changed && written != text)
+            changed->append(text);
+        return written;
+    };
     // The top level goes along siblings in a loop; each subtree goes down by recursion.
     for (; node; node = node->Parent() ? nullptr : node->Next()) {
-        buffer += node->Text() + LineEnd + QString::number(depth) + LineEnd +
-                  (node->Expanded() ? u'1' : u'0') + LineEnd + node->Tag() + LineEnd;
+        buffer += field(node->Text()) + LineEnd + QString::number(depth) + LineEnd +
+                  (node->Expanded() ? u'1' : u'0') + LineEnd + field(node->Tag()) + LineEnd;
         for (const TreeNode* child = node->Child(); child; child = child->Next())
-            TraverseTreeToFile(child, depth + 1, buffer);
+            TraverseTreeToFile(child, depth + 1, buffer, changed);
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace vessa {
 
@@ -46,9 +47,15 @@ void AddNodes(TreeNode* destination, const TreeNode* source, const AddNodesOptio
 void TraverseTree(const TreeNode* node, const QString& indent, QString& buffer);
 void TraverseTreeForLine(const TreeNode* node, const QString& indent, QString& buffer);
 void TraverseTreeForScript(const TreeNode* node, const QString& indent, QString& buffer);
+// A text as a field of the tree script file can hold it: a line end becomes a blank, and
+// a field that reads "###" alone, which would end the script tree in the file, gets a
+// blank behind it.
+QString treeFileField(const QString& text);
 // The records of the tree script file: per node its Text, depth, "1" or "0" for
 // Expanded, and Tag, a line each; the node, its subtree and, for a root, the roots after.
-void TraverseTreeToFile(const TreeNode* node, int depth, QString& buffer);
+// Texts that treeFileField had to change are added to changed, when it is given.
+void TraverseTreeToFile(const TreeNode* node, int depth, QString& buffer,
+                        QStringList* changed = nullptr);
 
 // After an object is renamed: in node, its subtree and its later siblings, every
 // oldName + "." becomes newName + "." and every "=" + oldName becomes "=" + newName,

@@ -4,6 +4,7 @@
 #include "scene/scene_trees.h"
 #include "script/script_host.h"
 #include "script/script_model.h"
+#include "world/code_box_text.h"
 #include "world/difference_handler.h"
 #include "world/world_status.h"
 
@@ -31,6 +32,8 @@ public:
     ScriptModel& script() { return script_; }
     EventList& events() { return events_; }
     WorldStatus& status() { return status_; }
+    // The text of the code box, which the world's files keep and its Python ends with.
+    CodeBoxText& ArbitraryCodeBox() { return codeBox_; }
     // Whoever holds names of objects and sounds registers here to follow renames.
     RenameFollowers& renameFollowers() { return followers_; }
 
@@ -68,6 +71,7 @@ private:
     ScriptModel script_;
     EventList events_;
     WorldStatus status_;
+    CodeBoxText codeBox_;
     RenameFollowers followers_;
     DifferenceHandler differences_;
     DifferenceView* view_ = nullptr; // Not owned.

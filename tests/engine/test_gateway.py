@@ -15,7 +15,8 @@ SetCurrentObject PrepareObjectMenu replaceobject loadteddyobject imagenavigator
 setimagenavigatorparent setimagenavigatorsize SetImageNavigatorCollisionDetectionOn
 SetImageNavigatorCollisionDetectionOff StartInspector StopInspector setrenderwindowfocus
 GetFPS CheckForHardwareAcceleration SetAcceleration AddRecentFile GetRecentFiles
-ReorderRecentFiles DeleteRecentFile GetLoopWait SetWatchdogSeconds
+ReorderRecentFiles DeleteRecentFile GetLoopWait SetWatchdogSeconds UseManualClock AdvanceClock
+SaveThumbnail
 """.split()
 
 

@@ -101,6 +101,21 @@ def test_a_world_saved_without_a_view_gets_its_picture(interp, tmp_path, backend
     assert green > red + 30 and green > blue + 30           # the ground below
 
 
+def test_a_picture_of_a_given_size_is_drawn_without_a_view(interp, tmp_path, backend_kind):
+    interp.LoadWorld(DEFAULT_WORLD)
+    result = interp.SaveThumbnail(str(tmp_path), 64, 48)
+    picture = tmp_path / "world_thumbnail.bmp"
+    if backend_kind == "python":
+        assert "not written" in result and not picture.exists()
+        return
+    assert result is None
+    assert struct.unpack_from("<ii", picture.read_bytes(), 18) == (64, 48)
+    red, green, blue = bmp_pixel(picture, 32, 46)
+    assert green > red + 30 and green > blue + 30           # the ground below
+    for width, height in ((0, 48), (64, 5000)):
+        assert "4096" in interp.SaveThumbnail(str(tmp_path), width, height)
+
+
 SCENE = "Object(kind='scene', name='Scene', parent=None)\n"
 HOSTILE = {
     "import": "import os\nObject(kind='scene', name='Scene', parent=None)\n",

@@ -142,14 +142,16 @@ std::string ViewHost::setHighQuality(bool high) {
 }
 
 // Without a view (a world saved by a script, a test, the command line) the
-// picture is drawn offscreen, as large as a view of a usual window would be.
-std::string ViewHost::savePicture(const std::string& path) {
+// picture is drawn offscreen, as large as a view of a usual window would be;
+// a picture of a given size is drawn offscreen at that size.
+std::string ViewHost::savePicture(const std::string& path, int width, int height) {
+    const bool sized = width > 0 && height > 0;
     QImage picture;
-    if (widget_) {
+    if (widget_ && !sized) {
         picture = widget_->grabFramebuffer();
     } else {
-        OffscreenPicture drawn = drawOffscreen(scene_, kPictureWithoutView.width(),
-                                               kPictureWithoutView.height(), highQuality_);
+        const QSize size = sized ? QSize(width, height) : kPictureWithoutView;
+        OffscreenPicture drawn = drawOffscreen(scene_, size.width(), size.height(), highQuality_);
         if (drawn.image.isNull())
             return "The picture of the world could not be drawn: " + drawn.failure;
         picture = std::move(drawn.image);

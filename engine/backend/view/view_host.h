@@ -41,8 +41,10 @@ public:
     void close();
     std::string focus();
     std::string setHighQuality(bool high);
-    // The view's picture as a BMP file; drawn offscreen when there is no view.
-    std::string savePicture(const std::string& path);
+    // A picture of the world as a BMP file: the view's own, or drawn offscreen
+    // when there is no view. A width and height above 0 draw it offscreen at
+    // that size, view or not.
+    std::string savePicture(const std::string& path, int width = 0, int height = 0);
 
     // "" when an OpenGL context can be made, else why not.
     static std::string checkOpenGL();

@@ -19,7 +19,7 @@ STOPPED, RUNNING, DONE = "stopped", "running", "done"
 
 
 class Animation:
-    where = None        # the line of the world's code that made it, once made
+    where = None        # (source tag, line) of the world's code that made it, once made
 
     def __init__(self, animator):
         self._animator = animator
@@ -187,7 +187,7 @@ class Animator:
         self.clock = clock
         self._undo = undo
         self._on_activity = on_activity
-        self.where = lambda: None                   # the line of the world's code now running
+        self.where = lambda: None                   # where in the world's code it runs now
         self.on_mistake = lambda exc, where: None   # hears of a step that failed
         self._owners = {}       # tween id -> Primitive
         self._pending = {}      # Animation -> time it was made

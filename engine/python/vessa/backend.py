@@ -50,8 +50,10 @@ changed. Where nothing can be drawn (no window system) these succeed idle.
     hardware_accelerated() -> bool
     set_acceleration(on)             the high-quality (True) or light path
     frames_per_second() -> float     frames drawn in the last second
-    save_picture(path)               the view's picture as a BMP file; drawn
-        offscreen, through the first camera, where there is no view
+    save_picture(path, width=0, height=0)   a picture of the world as a BMP
+        file: the view's own, or drawn offscreen through the first camera
+        where there is no view; a width and height (pixels) draw it
+        offscreen at that size, view or not
     screen_size() -> (width, height) of the screen in pixels
     poll_input() -> [event, ...]     mouse and keys in the view since the
         last call, each a dict: kind ("LeftMouseDown", "LeftMouseUp",
@@ -231,7 +233,7 @@ class PythonBackend:
     def frames_per_second(self):
         return 0.0
 
-    def save_picture(self, path):
+    def save_picture(self, path, width=0, height=0):
         return "%s is not written: pictures of the world need the compiled backend" % path
 
     def screen_size(self):

@@ -5,6 +5,7 @@ lists. A call that can fail answers None on success and the failure text
 otherwise; user code never fails a call: its errors go out as records.
 """
 
+import math
 import os
 import tempfile
 
@@ -14,7 +15,7 @@ from . import backups, compat, events, models, namespace, places, policy, record
 from . import scenefile, sounds
 from .animation import Animator
 from .capture import Capture
-from .clock import WallClock
+from .clock import ManualClock, WallClock
 from .handbasket import Handbasket
 from .recent import RecentFiles
 from .records import DifferenceQueue
@@ -35,6 +36,7 @@ NOT_YET = (
 )
 
 THUMBNAIL = "world_thumbnail.bmp"
+PICTURE_SIDES = (1, 4096)       # pixels a side of a picture drawn on request
 NEW_OBJECT_PLACE = (0.0, 0.0, 0.0)     # the middle of the world, on the ground
 
 
@@ -203,6 +205,31 @@ class Interpreter:
             return self._runner.execute_lines(str(text), firstLine, lastLine,
                                               str(sourceTag), str(mode))
 
+    def UseManualClock(self):
+        """From now on the engine's time moves only by AdvanceClock(), so a
+        caller that wants simulated time (the command line's check) runs a
+        world's seconds as fast as it can. It goes on from the time it
+        shows now. The watchdog keeps real time: user code that runs away
+        is stopped as before."""
+        if not isinstance(self.animator.clock, ManualClock):
+            self.animator.clock = ManualClock(self.animator.now())
+        return None
+
+    def AdvanceClock(self, seconds):
+        """Moves the manual clock on by seconds; the next Loop() runs the
+        world to that time."""
+        clock = self.animator.clock
+        if not isinstance(clock, ManualClock):
+            return "AdvanceClock: the engine runs on the wall clock (UseManualClock first)"
+        try:
+            seconds = float(seconds)
+        except (TypeError, ValueError):
+            seconds = math.nan
+        if not (math.isfinite(seconds) and seconds >= 0):
+            return "AdvanceClock: %r is no number of seconds to go on by" % (seconds,)
+        clock.advance(seconds)
+        return None
+
     def SetWatchdogSeconds(self, seconds):
         """How long user code may run inside one call before it is stopped."""
         self._watchdog.seconds = float(seconds)
@@ -270,6 +297,16 @@ class Interpreter:
         # The world is saved; a picture that can't be written costs it nothing.
         self.backend.save_picture(os.path.join(folder, THUMBNAIL))
         return None
+
+    def SaveThumbnail(self, folder, width, height):
+        """The world through its camera as the folder's picture, width x
+        height pixels, drawn offscreen: no view or display is needed."""
+        width, height = int(width), int(height)
+        low, high = PICTURE_SIDES
+        if not (low <= width <= high and low <= height <= high):
+            return "SaveThumbnail: a picture is %d to %d pixels a side, not %d x %d" % (
+                low, high, width, height)
+        return self.backend.save_picture(os.path.join(str(folder), THUMBNAIL), width, height)
 
     def SetCameraPosInOpeningScene(self):
         """The camera, where a run has taken it, becomes where the world

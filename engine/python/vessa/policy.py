@@ -433,9 +433,9 @@ class AnnouncedFiles:
         sys.audit("open", path, "w", 0)
         return self._backend.store_model(path, parts)
 
-    def save_picture(self, path):
+    def save_picture(self, path, width=0, height=0):
         sys.audit("open", path, "w", 0)
-        return self._backend.save_picture(path)
+        return self._backend.save_picture(path, width, height)
 
     def set_style(self, node_id, style, value):
         if style == "model" and value and not str(value).startswith("text:"):

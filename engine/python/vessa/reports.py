@@ -44,15 +44,22 @@ def line_detail(exc, tags):
     return str(frames[-1].lineno) if frames else NO_LINE
 
 
-def current_line(tags):
-    """The line, as text, of the innermost frame now running that was
-    compiled from one of tags; None when there is none."""
+def current_place(tags):
+    """(source tag, line as text) of the innermost frame now running that
+    was compiled from one of tags; None when there is none."""
     frame = sys._getframe(1)
     while frame is not None:
         if frame.f_code.co_filename in tags:
-            return str(frame.f_lineno)
+            return frame.f_code.co_filename, str(frame.f_lineno)
         frame = frame.f_back
     return None
+
+
+def made_at(place):
+    """The line a traceback would give for where an animation was made, so
+    that a reader of the report can tell the generated lines from the
+    hand-written ones."""
+    return '  File "%s", line %s, where the animation was made\n' % place
 
 
 def user_traceback(exc, tags):

@@ -90,14 +90,17 @@ class CodeRunner:
         return True
 
     def where(self):
-        """The line of the user's code running now, as a popup gives it;
-        None outside it."""
-        return reports.current_line(USER_SOURCES)
+        """Where in the user's code the engine is now: (source tag, line as
+        text); None outside it."""
+        return reports.current_place(USER_SOURCES)
 
     def tell(self, exc, where):
         """A failure found after the user's code ran (an animation step that
-        could not begin), told with the line that made it."""
-        self._report_to_user(exc, where or reports.NO_LINE)
+        could not begin), told with the place that made it."""
+        if where is None:
+            self._report_to_user(exc, reports.NO_LINE)
+        else:
+            self._report_to_user(exc, where[1], reports.made_at(where))
 
     def _failed(self, exc, tag, detail):
         if tag not in USER_SOURCES:
@@ -105,7 +108,7 @@ class CodeRunner:
         self._report_to_user(exc, detail)
         return None
 
-    def _report_to_user(self, exc, detail):
+    def _report_to_user(self, exc, detail, place=""):
         exc = explain.in_world_words(exc, self.namespace, USER_SOURCES)
-        self._queue.write("error", reports.user_traceback(exc, USER_SOURCES))
+        self._queue.write("error", place + reports.user_traceback(exc, USER_SOURCES))
         self._queue.add_misc(records.popup_error(reports.novice_message(exc), detail))

@@ -1,0 +1,334 @@
+#include "commandline/command_line.h"
+
+#include "base/run_time_error.h"
+#include "commandline/world_check.h"
+#include "gateway/engine_link.h"
+#include "gateway/error_reporter.h"
+#include "world/standalone_script.h"
+#include "world/world_folder.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QSize>
+
+#include <cmath>
+#include <cstdio>
+
+namespace vessa {
+
+namespace {
+
+const QString Generate = QStringLiteral("generate");
+const QString Check = QStringLiteral("check");
+const QString Thumbnail = QStringLiteral("thumbnail");
+
+constexpr double DefaultSeconds = 10;
+constexpr double MostSeconds = 24 * 60 * 60;
+constexpr QSize DefaultThumbnail(320, 240);
+constexpr int MostPixels = 4096;
+
+void writeBytes(std::FILE* stream, const QByteArray& bytes) {
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stream);
+    std::fflush(stream);
+}
+
+void out(const QString& text) {
+    writeBytes(stdout, text.toUtf8());
+}
+
+void err(const QString& text) {
+    writeBytes(stderr, text.toUtf8());
+}
+
+const QString Overview = QStringLiteral(
+    "Vessa47 makes interactive 3-D worlds. Started without a command it opens its window;\n"
+    "with a command it works on world folders, without a window or a display:\n"
+    "\n"
+    "  generate WORLD      writes the world's Python, as saving the world writes\n"
+    "                      world_script.py, to the standard output\n"
+    "  check WORLD...      loads and runs each world and reports its errors\n"
+    "  thumbnail WORLD...  draws each world's world_thumbnail.bmp through its camera\n"
+    "\n"
+    "'vessa47 COMMAND --help' tells a command's options. Exit status: 0 when all went\n"
+    "well, 1 when a world has an error, 2 when the command line is wrong.");
+
+struct Command {
+    const QString& name;
+    const char* description;
+    const char* worlds;
+};
+
+const Command Commands[] = {
+    {Generate,
+     "Writes the world's Python to the standard output: exactly what saving the\n"
+     "world writes as its world_script.py.",
+     "WORLD"},
+    {Check,
+     "Loads each world, runs its Python as a run does, then runs the world for a\n"
+     "while of its own time (its World Start animations play), as fast as it goes.\n"
+     "Every error is reported with the world, the file and the line; the lines of\n"
+     "world_script.py are those that 'vessa47 generate' writes.",
+     "WORLD..."},
+    {Thumbnail,
+     "Draws each world through its camera into its world_thumbnail.bmp, the picture\n"
+     "the world dialog shows.",
+     "WORLD..."},
+};
+
+const Command* commandNamed(const QString& name) {
+    for (const Command& command : Commands) {
+        if (command.name == name)
+            return &command;
+    }
+    return nullptr;
+}
+
+int badArguments(const QString& why) {
+    err(QStringLiteral("vessa47: %1\nRun 'vessa47 --help' to see how it is used.\n").arg(why));
+    return ExitBadArguments;
+}
+
+// "world/file:line: message", as compilers and editors read it.
+QString located(const QString& world, const WorldError& error) {
+    if (error.file == world)
+        return world + QStringLiteral(": ") + error.message;
+    QString where = QDir(world).filePath(error.file);
+    if (error.line > 0)
+        where += u':' + QString::number(error.line);
+    return where + QStringLiteral(": ") + error.message;
+}
+
+QByteArray jsonLine(const WorldReport& report) {
+    QJsonArray errors;
+    for (const WorldError& error : report.errors)
+        errors.append(QJsonObject{{"file", error.file},
+                                  {"line", error.line > 0 ? QJsonValue(error.line) : QJsonValue()},
+                                  {"message", error.message}});
+    return QJsonDocument(
+               QJsonObject{{"world", report.world}, {"clean", report.clean()}, {"errors", errors}})
+               .toJson(QJsonDocument::Compact) +
+           '\n';
+}
+
+// The engine for check and thumbnail, or why there is none.
+struct StartedEngine {
+    EngineLink link;
+    QString failure;
+};
+
+void startEngine(StartedEngine& engine,
+                 const std::function<std::unique_ptr<Interpreter>()>& makeEngine) {
+    try {
+        asRunTimeError([&] {
+            engine.link.attach(makeEngine());
+            engine.link.call(QStringLiteral("SetHomeDirectory"),
+                             {engine.link.call(QStringLiteral("ReadRegistryHomeDir"))});
+        });
+    } catch (const RunTimeError& error) {
+        engine.failure = error.description();
+        engine.link.release();
+    }
+}
+
+void closeEngine(EngineLink& engine) {
+    try {
+        engine.call(QStringLiteral("Close"));
+    } catch (const RunTimeError&) {
+        // Closing is the last thing; what it says changes nothing now.
+    }
+    engine.release();
+}
+
+int runGenerate(const QStringList& worlds) {
+    if (worlds.size() != 1)
+        return badArguments(QStringLiteral("generate takes one world folder"));
+    const QString& world = worlds.front();
+    if (!isWorldFolder(world)) {
+        err(notAWorldMessage(world) + u'\n');
+        return ExitWorldError;
+    }
+    StandaloneScript script;
+    const ScriptFileRead read = script.LoadScriptFiles(world);
+    if (!read.ok()) {
+        err(read.problem.text() + u'\n');
+        return ExitWorldError;
+    }
+    const PythonScript python = script.python();
+    for (const ScriptNotice& notice : python.notices)
+        err(world + QStringLiteral(": ") + notice.message + u'\n');
+    writeBytes(stdout, scriptFileBytes(python.text));
+    return ExitClean;
+}
+
+int runCheck(const QStringList& worlds, double seconds, bool json,
+             const std::function<std::unique_ptr<Interpreter>()>& makeEngine) {
+    StartedEngine engine;
+    startEngine(engine, makeEngine);
+    if (!engine.failure.isEmpty()) {
+        err(QStringLiteral("vessa47: the engine could not be started: ") + engine.failure + u'\n');
+        return ExitWorldError;
+    }
+    bool clean = true;
+    for (const QString& world : worlds) {
+        WorldReport report;
+        report.world = world;
+        try {
+            asRunTimeError([&] {
+                engine.link.call(QStringLiteral("UseManualClock"));
+                report = WorldChecker(engine.link, seconds).check(world);
+            });
+        } catch (const RunTimeError& error) {
+            report.errors.append(
+                {world, 0, QStringLiteral("the engine failed: ") + error.description()});
+        }
+        clean = clean && report.clean();
+        if (json) {
+            writeBytes(stdout, jsonLine(report));
+            continue;
+        }
+        for (const WorldError& error : report.errors)
+            out(located(world, error) + u'\n');
+        if (report.clean())
+            out(world + QStringLiteral(": no errors\n"));
+    }
+    closeEngine(engine.link);
+    return clean ? ExitClean : ExitWorldError;
+}
+
+int runThumbnail(const QStringList& worlds, QSize size,
+                 const std::function<std::unique_ptr<Interpreter>()>& makeEngine) {
+    StartedEngine engine;
+    startEngine(engine, makeEngine);
+    if (!engine.failure.isEmpty()) {
+        err(QStringLiteral("vessa47: the engine could not be started: ") + engine.failure + u'\n');
+        return ExitWorldError;
+    }
+    bool written = true;
+    for (const QString& world : worlds) {
+        QString failure;
+        if (!isWorldFolder(world)) {
+            failure = notAWorldMessage(world);
+        } else {
+            const QString folder = QFileInfo(world).absoluteFilePath();
+            try {
+                asRunTimeError([&] {
+                    QVariant result = engine.link.call(QStringLiteral("LoadWorld"), {folder});
+                    if (isSuccessResult(result))
+                        result = engine.link.call(QStringLiteral("SaveThumbnail"),
+                                                  {folder, size.width(), size.height()});
+                    failure = isSuccessResult(result) ? QString() : result.toString().trimmed();
+                });
+            } catch (const RunTimeError& error) {
+                failure = QStringLiteral("the engine failed: ") + error.description();
+            }
+        }
+        if (failure.isEmpty()) {
+            out(fileInFolder(world, world_files::Thumbnail) + u'\n');
+        } else {
+            err(world + QStringLiteral(": ") + failure + u'\n');
+            written = false;
+        }
+    }
+    closeEngine(engine.link);
+    return written ? ExitClean : ExitWorldError;
+}
+
+} // namespace
+
+bool isCommandLineCall(const QString& firstArgument) {
+    static const QStringList ours = {QStringLiteral("-h"), QStringLiteral("--help"),
+                                     QStringLiteral("--help-all"), QStringLiteral("-v"),
+                                     QStringLiteral("--version")};
+    return !firstArgument.isEmpty() &&
+           (!firstArgument.startsWith(u'-') || ours.contains(firstArgument));
+}
+
+int runCommandLine(const QStringList& arguments,
+                   const std::function<std::unique_ptr<Interpreter>()>& makeEngine) {
+    const Command* command = commandNamed(arguments.value(1));
+    QCommandLineParser parser;
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    const QCommandLineOption seconds(
+        QStringLiteral("seconds"),
+        QStringLiteral("Runs each world for N seconds of its own time (%1 unless told).")
+            .arg(DefaultSeconds),
+        QStringLiteral("N"));
+    const QCommandLineOption json(QStringLiteral("json"),
+                                  QStringLiteral("Prints one JSON object a world, a line each: "
+                                                 "world, clean, errors (file, line, message)."));
+    const QCommandLineOption size(
+        QStringLiteral("size"),
+        QStringLiteral("The picture's width and height in pixels (%1x%2 unless told).")
+            .arg(DefaultThumbnail.width())
+            .arg(DefaultThumbnail.height()),
+        QStringLiteral("WxH"));
+    if (command) {
+        parser.setApplicationDescription(QString::fromLatin1(command->description));
+        parser.addPositionalArgument(command->name, QStringLiteral("The command."), command->name);
+        parser.addPositionalArgument(QStringLiteral("WORLD"), QStringLiteral("A world folder."),
+                                     QString::fromLatin1(command->worlds));
+        if (command->name == Check)
+            parser.addOptions({seconds, json});
+        if (command->name == Thumbnail)
+            parser.addOption(size);
+    } else {
+        parser.setApplicationDescription(Overview);
+        parser.addPositionalArgument(QStringLiteral("COMMAND"),
+                                     QStringLiteral("generate, check or thumbnail"));
+    }
+    if (!parser.parse(arguments))
+        return badArguments(parser.errorText());
+    if (parser.isSet(version)) {
+        out(QStringLiteral("vessa47 ") + QCoreApplication::applicationVersion() + u'\n');
+        return ExitClean;
+    }
+    if (parser.isSet(help)) {
+        out(parser.helpText());
+        return ExitClean;
+    }
+    if (!command)
+        return badArguments(QStringLiteral("there is no command '%1'").arg(arguments.value(1)));
+    QStringList worlds = parser.positionalArguments();
+    worlds.removeFirst();
+    if (worlds.isEmpty())
+        return badArguments(QStringLiteral("%1 needs a world folder").arg(command->name));
+
+    if (command->name == Generate)
+        return runGenerate(worlds);
+    if (command->name == Check) {
+        double runFor = DefaultSeconds;
+        if (parser.isSet(seconds)) {
+            bool number = false;
+            runFor = parser.value(seconds).toDouble(&number);
+            if (!number || !std::isfinite(runFor) || runFor < 0 || runFor > MostSeconds)
+                return badArguments(QStringLiteral("--seconds wants a number of seconds from 0 to "
+                                                   "%1, not '%2'")
+                                        .arg(MostSeconds)
+                                        .arg(parser.value(seconds)));
+        }
+        return runCheck(worlds, runFor, parser.isSet(json), makeEngine);
+    }
+    QSize pictureSize = DefaultThumbnail;
+    if (parser.isSet(size)) {
+        static const QRegularExpression form(QStringLiteral("^(\\d{1,5})x(\\d{1,5})$"));
+        const QRegularExpressionMatch match = form.match(parser.value(size));
+        pictureSize = match.hasMatch() ? QSize(match.captured(1).toInt(), match.captured(2).toInt())
+                                       : QSize();
+        if (pictureSize.isEmpty() || pictureSize.width() > MostPixels ||
+            pictureSize.height() > MostPixels)
+            return badArguments(QStringLiteral("--size wants WIDTHxHEIGHT in pixels, 1 to %1 "
+                                               "each, such as 320x240, not '%2'")
+                                    .arg(MostPixels)
+                                    .arg(parser.value(size)));
+    }
+    return runThumbnail(worlds, pictureSize, makeEngine);
+}
+
+} // namespace vessa
