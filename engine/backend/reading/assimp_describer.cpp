@@ -186,10 +186,16 @@ public:
     SceneDescriber(const aiScene& scene, const std::string& ext, ModelFolder& folder)
         : scene_(scene), folder_(folder), pivotless_(oneOf(kWithoutPivots, ext)),
           mergesNamesakes_(ext == "obj") {
-        aiMatrix4x4 up;
+        aiMatrix4x4 up, unit;
         if (oneOf(kStandingOnZ, ext))
             aiMatrix4x4::RotationX(-std::numbers::pi_v<float> / 2, up);
-        top_ = up * scene.mRootNode->mTransformation;
+        // An .fbx file says how many centimeters its unit is.
+        float centimeters = 1.0f;
+        if (ext == "fbx" && scene.mMetaData &&
+            scene.mMetaData->Get("UnitScaleFactor", centimeters) && std::isfinite(centimeters) &&
+            centimeters > 0)
+            aiMatrix4x4::Scaling(aiVector3D(centimeters / 100.0f), unit);
+        top_ = up * unit * scene.mRootNode->mTransformation;
         fromTop_ = inverse(top_);
         keep(*scene.mRootNode);
     }
@@ -486,7 +492,6 @@ std::optional<ModelDescription> describeWithAssimp(const std::string& path, Mode
         Assimp::Importer importer;
         importer.SetIOHandler(new FolderFiles(path, folder, withholdsNamedFiles));
         importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, false);
-        importer.SetPropertyBool(AI_CONFIG_FBX_CONVERT_TO_M, true);
         importer.SetPropertyFloat(AI_CONFIG_PP_GSN_MAX_SMOOTHING_ANGLE, kSmoothestEdgeDegrees);
         const aiScene* scene = importer.ReadFile(path, kSteps);
         if (scene && scene->mRootNode)
