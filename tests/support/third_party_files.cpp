@@ -280,7 +280,7 @@ ThirdPartyModel robot(float scale) {
         {"Body", -1, {0, 0.6f, 0}, {1.2f, 1.2f, 0.6f}, {1, 1, 1}, true},
         {"Head", 0, {0, 1.0f, 0}, {0.8f, 0.8f, 0.8f}, {0.75f, 0.75f, 0.75f}, false},
         {"Nose", 1, {0, 0, 0.55f}, {0.3f, 0.3f, 0.3f}, {1, 0, 0}, false},
-        {"Tail", 0, {0, 0, -0.5f}, {0.3f, 0.3f, 0.4f}, {0, 0.8f, 0}, false},
+        {"Tail", 0, {0, 0, -0.5f}, {0.3f, 0.3f, 0.4f}, {1, 0, 1}, false},
     };
     return model;
 }

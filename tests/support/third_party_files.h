@@ -28,7 +28,7 @@ struct ThirdPartyModel {
 };
 
 // A robot two meters tall (times scale) facing +z: a pictured Body, a Head
-// on it with a red Nose in front, a green Tail behind the body.
+// on it with a red Nose in front, a magenta Tail behind the body.
 ThirdPartyModel robot(float scale = 1.0f);
 
 // Each writes folder/name.<ext> and what it names: the picture as

@@ -21,11 +21,12 @@ from .namespace import part_refusal
 
 TEXT = "text:"
 PART_MARK = "#"
-# A new object more than this many meters across would hide the world from
-# the camera, which starts 8 meters from the middle: it comes in shrunk to
-# about FITTED meters, its true size one command away.
+# A new object more than TOO_BIG meters across could hold the camera, which
+# starts 8 meters from the middle, and hide the world: it comes in shrunk to
+# at most FITTED meters, which that camera sees whole, its true size one
+# command away.
 TOO_BIG = 10.0
-FITTED = 5.0
+FITTED = 4.0
 
 # What the output tells of an object from a file.
 TOLD = {
