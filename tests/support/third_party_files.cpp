@@ -521,32 +521,6 @@ void writeFbx(const ThirdPartyModel& model, const std::string& folder, const std
                   "}\nConnections:  {\n" + connections + "}\n");
 }
 
-void writePly(const ThirdPartyModel& model, const std::string& folder, const std::string& name) {
-    std::string points, faces;
-    size_t count = 0, triangles = 0;
-    for (size_t i = 0; i < model.pieces.size(); ++i) {
-        const Piece& piece = model.pieces[i];
-        const Mesh mesh = boxMesh(middleOf(model, static_cast<int>(i)), piece.size, model.scale);
-        for (const auto& [x, y, z] : mesh.points)
-            points += numbers({x, y, z}) + " " +
-                      std::to_string(static_cast<int>(piece.color[0] * 255)) + " " +
-                      std::to_string(static_cast<int>(piece.color[1] * 255)) + " " +
-                      std::to_string(static_cast<int>(piece.color[2] * 255)) + "\n";
-        for (size_t t = 0; t < mesh.triangles.size(); t += 3, ++triangles)
-            faces += "3 " + std::to_string(count + mesh.triangles[t]) + " " +
-                     std::to_string(count + mesh.triangles[t + 1]) + " " +
-                     std::to_string(count + mesh.triangles[t + 2]) + "\n";
-        count += mesh.points.size();
-    }
-    writeFile(std::filesystem::path(folder) / (name + ".ply"),
-              "ply\nformat ascii 1.0\nelement vertex " + std::to_string(count) +
-                  "\nproperty float x\nproperty float y\nproperty float z\n"
-                  "property uchar red\nproperty uchar green\nproperty uchar blue\n"
-                  "element face " +
-                  std::to_string(triangles) +
-                  "\nproperty list uchar int vertex_indices\nend_header\n" + points + faces);
-}
-
 void writeStl(const ThirdPartyModel& model, const std::string& folder, const std::string& name) {
     std::string stl = "solid " + name + "\n";
     for (size_t i = 0; i < model.pieces.size(); ++i) {

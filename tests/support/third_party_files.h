@@ -1,7 +1,7 @@
 #pragma once
 
 // Model files as other programs write them (.obj with its .mtl, .3ds,
-// .gltf with its .bin, .glb, .fbx, .ply, .stl), made here from one description, with a
+// .gltf with its .bin, .glb, .fbx, .stl), made here from one description, with a
 // picture in a folder of its own (or held inside) and a camera where the
 // format has cameras. Shared by the readers' tests, the view's and the
 // benchmarks; needs OpenSceneGraph (for the picture), not Qt.
@@ -43,8 +43,6 @@ void writeGlb(const ThirdPartyModel& model, const std::string& folder, const std
 // 100), or in meters.
 void writeFbx(const ThirdPartyModel& model, const std::string& folder, const std::string& name,
               bool inCentimeters);
-// A .ply file of coloured points (each piece's colour), no material.
-void writePly(const ThirdPartyModel& model, const std::string& folder, const std::string& name);
 // An .stl file stands on z, as printers have it: y of the model is z there.
 void writeStl(const ThirdPartyModel& model, const std::string& folder, const std::string& name);
 

@@ -11,6 +11,9 @@
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
 
+#include <algorithm>
+#include <array>
+#include <cctype>
 #include <cmath>
 #include <fstream>
 #include <iterator>
@@ -125,12 +128,10 @@ aiMatrix4x4 rigid(const aiMatrix4x4& m) {
     aiQuaternion turn;
     m.Decompose(scale, turn, position);
     aiMatrix4x4 result(turn.GetMatrix());
-    if (!isFinite(result))
-        result = aiMatrix4x4();
     result.a4 = position.x;
     result.b4 = position.y;
     result.c4 = position.z;
-    return result;
+    return isFinite(result) ? result : aiMatrix4x4();
 }
 
 aiMatrix4x4 inverse(aiMatrix4x4 m) {
@@ -138,28 +139,17 @@ aiMatrix4x4 inverse(aiMatrix4x4 m) {
     return isFinite(inverted) ? inverted : aiMatrix4x4();
 }
 
-// A damaged material is no reason to refuse its object: its numbers are
-// made sensible.
-float sensible(float value, float highest) {
-    return std::isfinite(value) ? std::clamp(value, 0.0f, highest) : 0.0f;
-}
-
 std::array<float, 4> colorOf(const aiColor4D& c) {
     return {sensible(c.r, 1), sensible(c.g, 1), sensible(c.b, 1), sensible(c.a, 1)};
-}
-
-std::string lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
 }
 
 // "%20" and the like in a name written as an address (glTF's).
 std::string percentDecoded(const std::string& name) {
     std::string text;
     for (size_t i = 0; i < name.size(); ++i) {
-        if (name[i] == '%' && i + 2 < name.size() && std::isxdigit(name[i + 1]) &&
-            std::isxdigit(name[i + 2])) {
+        if (name[i] == '%' && i + 2 < name.size() &&
+            std::isxdigit(static_cast<unsigned char>(name[i + 1])) &&
+            std::isxdigit(static_cast<unsigned char>(name[i + 2]))) {
             text += static_cast<char>(std::stoi(name.substr(i + 1, 2), nullptr, 16));
             i += 2;
         } else {
@@ -450,7 +440,7 @@ private:
             if (held->mHeight == 0 && held->pcData)
                 picture = readPictureBytes(
                     std::string_view(reinterpret_cast<const char*>(held->pcData), held->mWidth),
-                    lower(held->achFormatHint));
+                    lowerCase(held->achFormatHint));
         } else if (const auto file = findPicture(name)) {
             picture = readPictureFile(*file);
         }

@@ -150,6 +150,10 @@ std::string validUtf8(const std::string& s) {
 
 } // namespace
 
+float sensible(float value, float highest) {
+    return std::isfinite(value) ? std::clamp(value, 0.0f, highest) : 0.0f;
+}
+
 bool isPathInside(const std::string& path) {
     if (path.empty() || path.size() > kMaxFileNameBytes || validUtf8(path) != path ||
         path.find('\\') != std::string::npos)

@@ -98,6 +98,10 @@ std::string modelAnswer(const ModelDescription& model);
 std::string soundAnswer(const SoundDescription& sound);
 std::string refusalAnswer(Answer why);
 
+// A number of a material, which a damaged file is no reason to refuse:
+// finite, from 0 to highest.
+float sensible(float value, float highest);
+
 // A path inside a folder as an answer may give it: parts between "/" that
 // are names (not "", "." or ".."), in valid UTF-8 without control characters.
 bool isPathInside(const std::string& path);

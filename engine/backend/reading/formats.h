@@ -15,6 +15,8 @@ constexpr std::array<std::string_view, 9> kModelFormats = {"mdl", "gltf", "glb",
 constexpr std::array<std::string_view, 12> kPictureFormats = {
     "png", "jpg", "jpeg", "bmp", "tga", "gif", "rgb", "rgba", "sgi", "tif", "tiff", "dds"};
 
+// Text with its ASCII capitals made small.
+std::string lowerCase(std::string text);
 // The extension of path without its dot, in lower case.
 std::string lowerExtension(const std::string& path);
 

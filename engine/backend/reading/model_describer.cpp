@@ -181,12 +181,6 @@ struct TriangleSink {
     }
 };
 
-// A damaged material is no reason to refuse its object: its numbers are
-// made sensible.
-float sensible(float value, float highest) {
-    return std::isfinite(value) ? std::clamp(value, 0.0f, highest) : 0.0f;
-}
-
 std::array<float, 4> colorOf(const osg::Vec4& c) {
     return {sensible(c.r(), 1), sensible(c.g(), 1), sensible(c.b(), 1), sensible(c.a(), 1)};
 }

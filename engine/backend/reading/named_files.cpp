@@ -3,7 +3,6 @@
 #include "reading/formats.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace vessa::core {
 
@@ -13,12 +12,6 @@ namespace fs = std::filesystem;
 
 // The last parts of a name tried inside the folder, longest first.
 constexpr std::size_t kMostPartsTried = 8;
-
-std::string lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
 
 bool isWithin(const fs::path& folder, const fs::path& file) {
     const auto [rest, within] =
@@ -98,11 +91,11 @@ std::optional<fs::path> ModelFolder::inFolder(const std::vector<std::string>& pa
             at /= part;
             continue;
         }
-        const std::string wanted = lower(part);
+        const std::string wanted = lowerCase(part);
         const auto found =
             std::find_if(fs::directory_iterator(at, failed), fs::directory_iterator(),
                          [&wanted](const fs::directory_entry& e) {
-                             return lower(e.path().filename().string()) == wanted;
+                             return lowerCase(e.path().filename().string()) == wanted;
                          });
         if (failed || found == fs::directory_iterator())
             return std::nullopt;
