@@ -2,6 +2,7 @@
 // Each method converts Python values and hands over to vessa::core::Backend;
 // the interface itself is written down in vessa/backend.py.
 #include "facade/backend.h"
+#include "reading/formats.h"
 #include "sound/sound_player.h"
 
 #include <pybind11/pybind11.h>
@@ -78,6 +79,8 @@ py::dict toDict(const vessa::core::Model& model) {
     py::dict d;
     d["name"] = model.name;
     d["parts"] = parts;
+    d["files"] = model.files;
+    d["missing"] = model.missing;
     return d;
 }
 
@@ -215,6 +218,11 @@ PYBIND11_MODULE(_backend, m) {
             "load_model",
             [](Backend& b, const std::string& path) { return toDict(*b.models().load(path)); },
             "path"_a)
+        .def("model_formats",
+             [](const Backend&) {
+                 return std::vector<std::string>(vessa::core::kModelFormats.begin(),
+                                                 vessa::core::kModelFormats.end());
+             })
         .def(
             "store_model",
             [](Backend& b, const std::string& path, const py::list& parts) {

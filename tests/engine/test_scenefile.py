@@ -130,6 +130,8 @@ HOSTILE = {
                "Object(kind='model', name='Bunny', parent='Nowhere')\n"),
     "model outside the folder": (SCENE + "Object(kind='model', name='Bunny', parent='Scene', "
                                  "model='/home/someone/.ssh/id_rsa#0')\n"),
+    "model leading out of the folder": (SCENE + "Object(kind='model', name='Bunny', "
+                                        "parent='Scene', model='Bunny/../../secret.obj#0')\n"),
     "sound with a call": SCENE + "Sound(name='Pop', file=open('{marker}', 'w'))\n",
     "sound with code": SCENE + "Sound(name='Pop', file='Pop.wav', code='x')\n",
     "sound without a file": SCENE + "Sound(name='Pop')\n",

@@ -1,6 +1,6 @@
 // Damaged files of every kind the readers take (the engine's object files
 // with their pictures inside, .obj with its materials and pictures, .3ds,
-// sounds): bits turned over, cut short, noise, counts no file could hold.
+// .glb, .gltf, .fbx, sounds): bits turned over, cut short, noise, counts no file could hold.
 // Each is refused with a message that names it, or loaded; none crashes
 // the program or keeps it past the time limit. The same damage every run.
 #include "models/model_library.h"
@@ -8,6 +8,7 @@
 #include "reading/reader_process.h"
 #include "sound/sound_player.h"
 #include "support/sample_files.h"
+#include "support/third_party_files.h"
 
 #include <gtest/gtest.h>
 #include <osg/Geode>
@@ -111,6 +112,26 @@ TEST_F(DamagedFiles, ThreeDsFiles) {
     tryCopies(
         folder.file("Mast.3ds"), false, [this](const std::string& path) { return loadModel(path); },
         100);
+    EXPECT_GT(refused, 0);
+}
+
+TEST_F(DamagedFiles, FilesOfOtherPrograms) {
+    const samples::ThirdPartyModel robot = samples::robot();
+    samples::writeGlb(robot, folder.file(""), "Robot");
+    samples::writeFbx(robot, folder.file(""), "Robot", true);
+    samples::writeGltf(robot, folder.file(""), "Drawn");
+    samples::write3ds(robot, folder.file(""), "Kept");
+    for (const char* file : {"Robot.glb", "Robot.fbx", "Drawn.gltf", "Kept.3ds"}) {
+        ASSERT_EQ(loadModel(folder.file(file)), "") << file;
+        tryCopies(folder.file(file), false,
+                  [this](const std::string& path) { return loadModel(path); });
+    }
+    // A damaged picture costs only the picture.
+    tryCopies(folder.file("textures/skin.png"), true, [this](const std::string&) {
+        const std::string failure = loadModel(folder.file("Drawn.gltf"));
+        EXPECT_EQ(failure, "");
+        return failure;
+    });
     EXPECT_GT(refused, 0);
 }
 

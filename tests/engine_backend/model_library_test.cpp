@@ -172,18 +172,19 @@ TEST(LighterShape, KeepsTheOutlineWithAFractionOfTheTriangles) {
     EXPECT_NEAR(light->getBound().radius(), ball->getBound().radius(), 0.15);
 }
 
-TEST_F(ModelLibraryTest, A3dsFileStandingOnZStandsUpOnY) {
+TEST_F(ModelLibraryTest, A3dsFileStandingOnZStandsUpOnYItsPiecesTurningAboutTheirMiddles) {
     osg::ref_ptr<osg::Group> mast = new osg::Group;
-    mast->setName("Mast");
-    osg::ref_ptr<osg::Geode> pole = coloredTriangle({1, 1, 1, 1});
-    pole->setName("Pole");
-    auto* points =
-        static_cast<osg::Vec3Array*>(pole->getDrawable(0)->asGeometry()->getVertexArray());
-    (*points)[2] = {0, 0, 2}; // the top, up in a .3ds file
-    mast->addChild(pole);
+    for (const char* name : {"Pole", "Foot"}) {
+        osg::ref_ptr<osg::Geode> piece = coloredTriangle({1, 1, 1, 1});
+        piece->setName(name);
+        auto* points =
+            static_cast<osg::Vec3Array*>(piece->getDrawable(0)->asGeometry()->getVertexArray());
+        (*points)[2] = {0, 0, 2}; // the top, up in a .3ds file
+        mast->addChild(piece);
+    }
     ASSERT_TRUE(osgDB::writeNodeFile(*mast, file("Mast.3ds")));
     const auto loaded = library.load(file("Mast.3ds"));
-    ASSERT_EQ(loaded->parts.size(), 2u);
+    ASSERT_EQ(loaded->parts.size(), 3u); // the file's top and its group hold nothing of their own
     EXPECT_EQ(loaded->parts[1].name, "Pole");
     EXPECT_NEAR(loaded->parts[1].position[1], 1.0, 1e-5);
     EXPECT_NEAR(loaded->parts[1].position[2], 0.0, 1e-5);

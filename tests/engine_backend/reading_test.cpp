@@ -51,6 +51,11 @@ TEST(ModelAnswers, ComeBackAsTheyWereSentAndBecomePartsInTheEnginesFrame) {
     EXPECT_EQ(modelAnswer(model), sampleAnswer());
     model.parts[1].name = "Ear\xff\x01";
     EXPECT_EQ(decodeModel(modelAnswer(model))->parts[1].name, "Ear__"); // no broken text gets in
+    model.files = {"Bunny.mtl", "textures/fur.png"};
+    model.missing = {"C:\\fur\xff.png"};
+    const auto named = decodeModel(modelAnswer(model));
+    EXPECT_EQ(named->files, model.files);
+    EXPECT_EQ(named->missing, std::vector<std::string>{"C:\\fur_.png"});
 
     const Model built = modelFrom(sampleModel(), "Fallback");
     ASSERT_EQ(built.parts.size(), 4u);
@@ -135,6 +140,22 @@ TEST(ModelAnswers, AnswersThatDoNotHoldTogetherAreRefused) {
         {"a picture short of pixels",
          [](auto& m) {
              m.textures[0].rgba.pop_back();
+         }},
+        {"a named file out of its folder",
+         [](auto& m) {
+             m.files = {"textures/../../secret.png"};
+         }},
+        {"a named file anywhere",
+         [](auto& m) {
+             m.files = {"/home/someone/secret.png"};
+         }},
+        {"a named file with a back-slash",
+         [](auto& m) {
+             m.files = {"..\\secret.png"};
+         }},
+        {"a named file of no name",
+         [](auto& m) {
+             m.files = {""};
          }},
         {"a picture too wide",
          [](auto& m) {

@@ -34,6 +34,8 @@ struct ModelPart {
 struct Model {
     std::string name;
     std::vector<ModelPart> parts;
+    std::vector<std::string> files;   // what it named and was read with it, relative to its folder
+    std::vector<std::string> missing; // what it named that is not in its folder
 };
 
 class ModelError : public std::runtime_error {

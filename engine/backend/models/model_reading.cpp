@@ -1,6 +1,7 @@
 #include "models/model_reading.h"
 
 #include "models/lighter_shape.h"
+#include "reading/formats.h"
 #include "reading/reader_process.h"
 #include "scene/engine_frame.h"
 
@@ -12,6 +13,7 @@
 #include <osg/Material>
 #include <osg/Texture2D>
 
+#include <algorithm>
 #include <filesystem>
 #include <limits>
 #include <map>
@@ -167,6 +169,8 @@ Model modelFrom(const ModelDescription& description, const std::string& fallback
     for (const PartDescription& part : description.parts)
         model.parts.push_back(partFrom(part, looks));
     model.parts.front().name = model.name;
+    model.files = description.files;
+    model.missing = description.missing;
     return model;
 }
 
@@ -192,14 +196,18 @@ Model readModel(const std::string& path, ReaderProcess& reader) {
     if (answer == Answer::NoReader) {
         const std::string ext = std::filesystem::path(path).extension().string();
         throw ModelError("Vessa47 can't read " + (ext.empty() ? path : ext) +
-                         " files; objects come as .mdl, .obj or .3ds files");
+                         " files; objects come as " + modelFormatsInWords() + " files");
     }
     if (answer == Answer::TooBig)
         throw ModelError(path + " is too big for Vessa47 to read");
     const auto description = decodeModel(reply.answer);
     if (!description)
         throw ModelError(damaged(path));
-    return modelFrom(*description, std::filesystem::path(path).stem().string());
+    Model model = modelFrom(*description, std::filesystem::path(path).stem().string());
+    if (std::none_of(model.parts.begin(), model.parts.end(),
+                     [](const ModelPart& part) { return part.faces > 0; }))
+        throw ModelError(path + " has nothing Vessa47 can show: no surfaces were found in it");
+    return model;
 }
 
 osg::Node* fullDetail(osg::Node* shape) {

@@ -8,8 +8,14 @@ namespace vessa::core {
 namespace {
 
 constexpr std::size_t kSeekCost = 16;
+constexpr std::size_t kReadsPerByte = 16;
+constexpr std::size_t kReadsAtLeast = std::size_t{1} << 16;
 
 } // namespace
+
+std::size_t readingBudget(std::size_t fileBytes) {
+    return kReadsAtLeast + kReadsPerByte * fileBytes;
+}
 
 BudgetedBuffer::BudgetedBuffer(std::vector<char> bytes, std::size_t budget)
     : bytes_(std::move(bytes)), budget_(budget) {

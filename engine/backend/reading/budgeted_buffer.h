@@ -10,6 +10,10 @@ namespace vessa::core {
 // costs too): a reader that goes round in circles on damaged data (lib3ds
 // does) runs out of bytes and stops in milliseconds, long before any time
 // limit. Used by the reader program only.
+// What a file of this many bytes may be read: each byte about once is
+// enough for a well-formed file; this is plenty.
+std::size_t readingBudget(std::size_t fileBytes);
+
 class BudgetedBuffer : public std::streambuf {
 public:
     BudgetedBuffer(std::vector<char> bytes, std::size_t budget);

@@ -148,6 +148,29 @@ std::string validUtf8(const std::string& s) {
     return out;
 }
 
+} // namespace
+
+float sensible(float value, float highest) {
+    return std::isfinite(value) ? std::clamp(value, 0.0f, highest) : 0.0f;
+}
+
+bool isPathInside(const std::string& path) {
+    if (path.empty() || path.size() > kMaxFileNameBytes || validUtf8(path) != path ||
+        path.find('\\') != std::string::npos)
+        return false;
+    std::size_t start = 0;
+    while (start <= path.size()) {
+        const std::size_t end = std::min(path.find('/', start), path.size());
+        const std::string_view part = std::string_view(path).substr(start, end - start);
+        if (part.empty() || part == "." || part == "..")
+            return false;
+        start = end + 1;
+    }
+    return true;
+}
+
+namespace {
+
 bool within(const std::vector<float>& v, double bound) {
     return std::all_of(v.begin(), v.end(), [bound](float x) { return std::abs(x) <= bound; });
 }
@@ -274,6 +297,11 @@ std::string modelAnswer(const ModelDescription& model) {
         for (const MeshDescription& mesh : part.meshes)
             writeMesh(out, mesh);
     }
+    for (const auto* names : {&model.files, &model.missing}) {
+        out.value(static_cast<std::uint32_t>(names->size()));
+        for (const std::string& name : *names)
+            out.text(name);
+    }
     return out.take();
 }
 
@@ -315,6 +343,16 @@ std::optional<ModelDescription> decodeModel(std::string_view answer) {
     in.require(parts >= 1);
     for (std::uint32_t p = 0; p < parts && in.ok(); ++p)
         model.parts.push_back(readPart(in, p, model.textures.size()));
+    const auto files = in.count(sizeof(std::uint32_t));
+    in.require(files <= kMaxNamedFiles);
+    for (std::uint32_t f = 0; f < files && in.ok(); ++f) {
+        model.files.push_back(in.text(kMaxFileNameBytes));
+        in.require(isPathInside(model.files.back()));
+    }
+    const auto missing = in.count(sizeof(std::uint32_t));
+    in.require(missing <= kMaxNamedFiles);
+    for (std::uint32_t m = 0; m < missing && in.ok(); ++m)
+        model.missing.push_back(validUtf8(in.text(kMaxFileNameBytes)));
     if (!in.finished())
         return std::nullopt;
     return model;

@@ -61,6 +61,12 @@ struct ModelDescription {
     std::string name;
     std::vector<PartDescription> parts; // the object itself first
     std::vector<TextureDescription> textures;
+    // The files the model named and that were read with it, relative to its
+    // folder, "/" between folders: what goes with the model when it is
+    // copied. Never absolute, never leading out of the folder.
+    std::vector<std::string> files;
+    // The names of files it named that are not in its folder, as it gives them.
+    std::vector<std::string> missing;
 };
 
 // Sixteen-bit samples, channels interleaved.
@@ -85,15 +91,26 @@ constexpr std::size_t kMaxAnswerBytes = std::size_t{256} << 20;
 constexpr std::uint32_t kMaxTextureSide = 4096;
 constexpr double kMaxCoordinate = 1e7;
 constexpr std::size_t kMaxNameBytes = 256;
+constexpr std::size_t kMaxFileNameBytes = 1024;
+constexpr std::size_t kMaxNamedFiles = 4096;
 
 std::string modelAnswer(const ModelDescription& model);
 std::string soundAnswer(const SoundDescription& sound);
 std::string refusalAnswer(Answer why);
 
+// A number of a material, which a damaged file is no reason to refuse:
+// finite, from 0 to highest.
+float sensible(float value, float highest);
+
+// A path inside a folder as an answer may give it: parts between "/" that
+// are names (not "", "." or ".."), in valid UTF-8 without control characters.
+bool isPathInside(const std::string& path);
+
 std::optional<Answer> answerKind(std::string_view answer);
 // nullopt unless the answer is a complete, consistent description: every
 // count within the bytes that follow it, every index within its array,
-// every number finite and within bounds. Names come back as valid UTF-8.
+// every number finite and within bounds, every file the model read a
+// plain path inside its folder. Names come back as valid UTF-8.
 std::optional<ModelDescription> decodeModel(std::string_view answer);
 std::optional<SoundDescription> decodeSound(std::string_view answer);
 

@@ -1,9 +1,11 @@
+#include "reading/assimp_describer.h"
 #include "reading/budgeted_buffer.h"
 #include "reading/description.h"
 #include "reading/file_describers.h"
+#include "reading/formats.h"
 #include "reading/named_files.h"
+#include "reading/pictures.h"
 
-#include <osg/ComputeBoundsVisitor>
 #include <osg/Geode>
 #include <osg/Geometry>
 #include <osg/Material>
@@ -27,26 +29,19 @@ namespace vessa::core {
 
 namespace {
 
-// Reading a well-formed file takes each byte about once; this is plenty.
-constexpr std::size_t kReadsPerByte = 16;
-constexpr std::size_t kReadsAtLeast = std::size_t{1} << 16;
-
 // The engine's own files are OpenSceneGraph's binary format under another
 // name (and OpenSceneGraph knows an unrelated .mdl format), so they go to
-// the osgb reader. What a file names (pictures, materials) is looked for
-// beside it.
-osg::ref_ptr<osg::Node> readNode(const std::string& path, const std::string& ext) {
-    osgDB::ReaderWriter* reader =
-        osgDB::Registry::instance()->getReaderWriterForExtension(ext == "mdl" ? "osgb" : ext);
+// the osgb reader. The pictures a file names are looked for beside it.
+osg::ref_ptr<osg::Node> readOwnModel(const std::string& path) {
+    osgDB::ReaderWriter* reader = osgDB::Registry::instance()->getReaderWriterForExtension("osgb");
     std::ifstream file(path, std::ios::binary);
     if (!reader || !file)
         return nullptr;
     std::vector<char> bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    const std::size_t budget = kReadsAtLeast + kReadsPerByte * bytes.size();
+    const std::size_t budget = readingBudget(bytes.size());
     BudgetedBuffer buffer(std::move(bytes), budget);
     std::istream in(&buffer);
-    // The OBJ reader would turn y-up models onto their backs.
-    osg::ref_ptr<osgDB::Options> options = new osgDB::Options("noRotation");
+    osg::ref_ptr<osgDB::Options> options = new osgDB::Options;
     options->setDatabasePath(std::filesystem::path(path).parent_path().string());
     return reader->readNode(in, options.get()).getNode();
 }
@@ -68,27 +63,22 @@ struct FoundPart {
     osg::ref_ptr<osg::Group> shape;
 };
 
-// Takes a graph apart at its named transforms. Every part's shape and place
-// are given in the engine's standing frame, which differs from the file's by
-// the rotation frame (.3ds files stand on z, the engine stands on y): with
-// geometry g, a part matrix M and the frame R, g M R = (g R)(R^-1 M R).
+// Takes one of the engine's object files apart at its named transforms.
 class Splitter {
 public:
-    Splitter(std::vector<FoundPart>& parts, bool geodesAreParts, const osg::Matrixd& frame)
-        : parts_(parts), geodesAreParts_(geodesAreParts), frame_(frame),
-          unframe_(osg::Matrixd::inverse(frame)) {}
+    explicit Splitter(std::vector<FoundPart>& parts) : parts_(parts) {}
 
     int addPart(const std::string& name, int parent, const osg::Matrixd& place,
                 osg::StateSet* look) {
         osg::Vec3d translation, scale;
         osg::Quat rotation, scaleOrientation;
-        (unframe_ * place * frame_).decompose(translation, rotation, scale, scaleOrientation);
+        place.decompose(translation, rotation, scale, scaleOrientation);
         FoundPart part;
         part.description.name = name;
         part.description.parent = parent;
         part.description.position = {translation.x(), translation.y(), translation.z()};
         part.description.rotation = {rotation.x(), rotation.y(), rotation.z(), rotation.w()};
-        const osg::Matrixd shaping = frame_ * osg::Matrixd::scale(scale);
+        const osg::Matrixd shaping = osg::Matrixd::scale(scale);
         if (shaping.isIdentity())
             part.shape = new osg::Group;
         else
@@ -110,8 +100,6 @@ public:
                 const int added = addPart(transform->getName(), part, transform->getMatrix(),
                                           transform->getStateSet());
                 collect(*transform, added);
-            } else if (geodesAreParts_ && child->asGeode() && !child->getName().empty()) {
-                addPivotedGeode(*child->asGeode(), part);
             } else if (isPlainGroup(child)) {
                 collect(*child->asGroup(), part);
             } else {
@@ -123,23 +111,7 @@ public:
 private:
     osg::Group* shapeOf(int part) { return parts_[static_cast<size_t>(part)].shape.get(); }
 
-    // A named piece of a file without transforms turns about its middle.
-    void addPivotedGeode(osg::Geode& geode, int parent) {
-        osg::ComputeBoundsVisitor measure;
-        geode.accept(measure);
-        const osg::Vec3d center = measure.getBoundingBox().valid()
-                                      ? osg::Vec3d(measure.getBoundingBox().center())
-                                      : osg::Vec3d();
-        const int part = addPart(geode.getName(), parent, osg::Matrixd::translate(center), nullptr);
-        auto* back = new osg::MatrixTransform(osg::Matrixd::translate(-center));
-        back->addChild(&geode);
-        shapeOf(part)->addChild(back);
-    }
-
     std::vector<FoundPart>& parts_;
-    bool geodesAreParts_;
-    osg::Matrixd frame_;
-    osg::Matrixd unframe_;
 };
 
 // What state sets along the way down give a geometry.
@@ -208,12 +180,6 @@ struct TriangleSink {
             triangles->insert(triangles->end(), {a, b, c});
     }
 };
-
-// A damaged material is no reason to refuse its object: its numbers are
-// made sensible.
-float sensible(float value, float highest) {
-    return std::isfinite(value) ? std::clamp(value, 0.0f, highest) : 0.0f;
-}
 
 std::array<float, 4> colorOf(const osg::Vec4& c) {
     return {sensible(c.r(), 1), sensible(c.g(), 1), sensible(c.b(), 1), sensible(c.a(), 1)};
@@ -362,25 +328,10 @@ private:
         auto [found, added] = textures_.try_emplace(picture, -1);
         if (!added)
             return found->second;
-        const int width = picture->s(), height = picture->t();
-        if (!picture->data() || width < 1 || height < 1 || picture->r() != 1 ||
-            width > static_cast<int>(kMaxTextureSide) || height > static_cast<int>(kMaxTextureSide))
-            return -1;
-        TextureDescription texture;
-        texture.width = static_cast<std::uint32_t>(width);
-        texture.height = static_cast<std::uint32_t>(height);
-        texture.rgba.reserve(size_t{4} * texture.width * texture.height);
-        for (int t = 0; t < height; ++t) {
-            for (int s = 0; s < width; ++s) {
-                const osg::Vec4 c =
-                    picture->getColor(static_cast<unsigned>(s), static_cast<unsigned>(t));
-                for (int k = 0; k < 4; ++k)
-                    texture.rgba.push_back(
-                        static_cast<std::uint8_t>(std::clamp(c[k], 0.0f, 1.0f) * 255.0f + 0.5f));
-            }
+        if (auto texture = describePicture(*picture)) {
+            model_.textures.push_back(std::move(*texture));
+            found->second = static_cast<std::int32_t>(model_.textures.size()) - 1;
         }
-        model_.textures.push_back(std::move(texture));
-        found->second = static_cast<std::int32_t>(model_.textures.size()) - 1;
         return found->second;
     }
 
@@ -391,12 +342,9 @@ private:
     std::map<const osg::Image*, std::int32_t> textures_;
 };
 
-ModelDescription describe(osg::Node& root, const std::string& ext) {
-    const osg::Matrixd frame = ext == "3ds" ? osg::Matrixd::rotate(-osg::PI_2, osg::Vec3d(1, 0, 0))
-                                            : osg::Matrixd::identity();
+ModelDescription describe(osg::Node& root) {
     std::vector<FoundPart> parts;
-    // Files of other programs name their pieces but seldom give them pivots.
-    Splitter splitter(parts, ext != "mdl", frame);
+    Splitter splitter(parts);
     splitter.addPart(root.getName(), -1, osg::Matrixd::identity(), root.getStateSet());
     if (root.asGroup() && std::string(root.className()) == "Group")
         splitter.collect(*root.asGroup(), 0);
@@ -412,15 +360,35 @@ ModelDescription describe(osg::Node& root, const std::string& ext) {
     return model;
 }
 
+std::optional<ModelDescription> describeOwnModel(const std::string& path, ModelFolder& folder) {
+    osgDB::Registry::instance()->setReadFileCallback(new FilesBesideTheModel(folder));
+    osg::ref_ptr<osg::Node> root = readOwnModel(path);
+    if (!root)
+        return std::nullopt;
+    return describe(*root);
+}
+
+// What the model read besides itself, as far as an answer can carry it: a
+// file whose name can't be carried was read but can't be copied with it,
+// so it counts as missing.
+void keepNamedFiles(ModelDescription& model, const ModelFolder& folder) {
+    for (const std::string& file : folder.found()) {
+        auto& list = isPathInside(file) ? model.files : model.missing;
+        if (list.size() < kMaxNamedFiles)
+            list.push_back(file);
+    }
+    for (const std::string& name : folder.missing()) {
+        if (model.missing.size() < kMaxNamedFiles)
+            model.missing.push_back(name.substr(0, kMaxFileNameBytes));
+    }
+}
+
 } // namespace
 
 void prepareReaders() {
     osgDB::Registry* registry = osgDB::Registry::instance();
     registry->getReaderWriterForExtension("osgb");
-    for (const char* ext : kModelFormats)
-        registry->getReaderWriterForExtension(ext);
-    for (const char* ext : kPictureFormats)
-        registry->getReaderWriterForExtension(ext);
+    preparePictureReaders();
     // The binary format's classes come from a library of their own.
     registry->getObjectWrapperManager()->findWrapper("osg::Geometry");
 }
@@ -429,12 +397,13 @@ std::string describeModelFile(const std::string& path) {
     const std::string ext = lowerExtension(path);
     if (!oneOf(kModelFormats, ext))
         return refusalAnswer(Answer::NoReader);
-    osgDB::Registry::instance()->setReadFileCallback(
-        new FilesBesideTheModel(std::filesystem::path(path).parent_path()));
-    osg::ref_ptr<osg::Node> root = readNode(path, ext);
-    if (!root)
+    ModelFolder folder(path);
+    std::optional<ModelDescription> model =
+        ext == "mdl" ? describeOwnModel(path, folder) : describeWithAssimp(path, folder);
+    if (!model)
         return refusalAnswer(Answer::NotRead);
-    std::string answer = modelAnswer(describe(*root, ext));
+    keepNamedFiles(*model, folder);
+    std::string answer = modelAnswer(*model);
     return answer.size() <= kMaxAnswerBytes ? answer : refusalAnswer(Answer::TooBig);
 }
 

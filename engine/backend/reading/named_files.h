@@ -2,44 +2,57 @@
 
 #include <osgDB/Callbacks>
 
-#include <array>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vessa::core {
 
-// Objects come as these; their pictures as the others. Used by the reader
-// program only.
-constexpr std::array kModelFormats = {"mdl", "obj", "3ds"};
-constexpr std::array kPictureFormats = {"png", "jpg",  "jpeg", "bmp", "tga",  "gif",
-                                        "rgb", "rgba", "sgi",  "tif", "tiff", "dds"};
+// The folder of a model file, where everything the model names (materials,
+// pictures, buffers) is looked for: there and in the folders in it, never
+// elsewhere, and never on the network. Names written on another computer
+// are found as far as they can be: back-slashes are folder marks, letters
+// match whatever their case, and a name that leads out of the folder (an
+// absolute path, "../") is looked for by its last parts inside it. Each
+// file found and each name not found are kept: a saved world copies the
+// first with the model, and the user is told of the others. Used by the
+// reader program only.
+class ModelFolder {
+public:
+    explicit ModelFolder(const std::string& modelFile);
 
-// The extension of path without its dot, in lower case.
-std::string lowerExtension(const std::string& path);
+    // The file name names, kept as found or as missing.
+    std::optional<std::filesystem::path> find(const std::string& name);
+    // The same, keeping nothing.
+    std::optional<std::filesystem::path> locate(const std::string& name) const;
 
-template <std::size_t N>
-bool oneOf(const std::array<const char*, N>& formats, const std::string& ext) {
-    for (const char* format : formats) {
-        if (ext == format)
-            return true;
-    }
-    return false;
-}
+    // Paths relative to the folder, with "/" between folders; each once.
+    const std::vector<std::string>& found() const { return found_; }
+    // Names as the model gives them; each once.
+    const std::vector<std::string>& missing() const { return missing_; }
 
-// What a model file names (its pictures, say) is read only from the
-// model's own folder and the folders in it, and only as a model or a
-// picture: no addresses on the network, no files elsewhere on the computer,
-// no archives, scripts or other formats of OpenSceneGraph (some of which
-// start programs).
+private:
+    std::optional<std::filesystem::path> inFolder(const std::vector<std::string>& parts) const;
+
+    std::filesystem::path folder_;
+    std::filesystem::path model_;
+    std::vector<std::string> found_;
+    std::vector<std::string> missing_;
+};
+
+// What OpenSceneGraph's binary format may read besides its own file: the
+// pictures it names, from the model's folder (see ModelFolder). No other
+// models, archives, scripts or other formats of OpenSceneGraph (some of
+// which start programs).
 class FilesBesideTheModel : public osgDB::ReadFileCallback {
 public:
     using Result = osgDB::ReaderWriter::ReadResult;
 
-    explicit FilesBesideTheModel(const std::filesystem::path& folder);
+    explicit FilesBesideTheModel(ModelFolder& folder) : folder_(folder) {}
 
-    Result readNode(const std::string& name, const osgDB::Options* options) override;
     Result readImage(const std::string& name, const osgDB::Options* options) override;
+    Result readNode(const std::string&, const osgDB::Options*) override;
     Result openArchive(const std::string&, osgDB::ReaderWriter::ArchiveStatus, unsigned int,
                        const osgDB::Options*) override;
     Result readObject(const std::string&, const osgDB::Options*) override;
@@ -48,10 +61,7 @@ public:
     Result readScript(const std::string&, const osgDB::Options*) override;
 
 private:
-    // The file name names within the folder, or nullopt.
-    std::optional<std::string> inFolder(const std::string& name) const;
-
-    std::filesystem::path folder_;
+    ModelFolder& folder_;
 };
 
 } // namespace vessa::core

@@ -67,14 +67,21 @@ changed. Where nothing can be drawn (no window system) these succeed idle.
         how far along the line (direction of unit length, engine world
         frame) the first visible model shape in the world is met
 
-Model files (.mdl, the engine's own; .obj; .3ds; what else can be read):
-    load_model(path) -> {"name": text, "parts": [part, ...]}
+Model files (.mdl, the engine's own, and those of other programs):
+    model_formats() -> [extension, ...]  the kinds load_model reads, lower
+        case, without the dot ("mdl", "gltf", "obj", ...); none for a
+        backend that reads no model files
+    load_model(path) -> {"name": text, "parts": [part, ...], "files": [...],
+                         "missing": [...]}
         parts[0] is the object, parents come before their children; each
         part is {"name", "parent" (index or None), "position",
         "orientation" (relative to the parent), "vertices", "faces"}. A
         node's style "model" "<path>#<index>" draws it with that part.
-        Raises ValueError with a message for the user when the file can't
-        be read.
+        "files": what the file named and was read with it (materials,
+        pictures), as paths from its folder with "/" between folders, never
+        leading out of it; "missing": what it named that is not there, as
+        it names them. Raises ValueError with a message for the user when
+        the file can't be read, or holds nothing that can be seen.
     store_model(path, parts)         writes nodes as one object (.mdl):
         parts are (node_id, name, parent index or None), the object first
 
@@ -299,6 +306,9 @@ class PythonBackend:
         return near
 
     # -- model files and sound: the files are checked, nothing is drawn or heard
+
+    def model_formats(self):
+        return []
 
     def load_model(self, path):
         raise ValueError("%s can't be read: objects from files need the compiled backend" % path)

@@ -362,6 +362,12 @@ def _placed(thing, surface, other, distance):
     return g.add(other.world_position(), g.rotate(other.world_orientation(), tuple(offset)))
 
 
+def extent(thing):
+    """The lowest and highest corner of the box around thing's shape and its
+    parts' shapes, along thing's axes, from its position."""
+    return _box(_shape_corners(thing))
+
+
 def _shape_corners(thing):
     """The corners of the boxes around thing's shape and its parts' shapes,
     in thing's frame (from its position, along its axes); its position

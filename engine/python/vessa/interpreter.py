@@ -289,10 +289,12 @@ class Interpreter:
         camera."""
         folder = str(folder)
         try:
-            models.keep_in_folder(self.scene.living(), folder)
+            notes = models.keep_in_folder(self.scene.living(), folder)
             scenefile.write(self.scene, folder, self.sounds.keep_in_folder(folder))
         except OSError as exc:
             return "SaveScene: %s can't be written: %s" % (folder, exc.strerror)
+        for note in notes:
+            self._tell(note)
         policy.configure(world=folder)
         # The world is saved; a picture that can't be written costs it nothing.
         self.backend.save_picture(os.path.join(folder, THUMBNAIL))
@@ -332,11 +334,21 @@ class Interpreter:
         return g.look_rotation(flat) if g.length(flat) > 1e-9 else g.IDENTITY
 
     def addobject(self, path):
-        """An object (with its parts) from a model file: .mdl, .obj, .3ds. It
-        stands in the middle of the world with its front to the camera."""
+        """An object (with its parts) from a model file of a kind that
+        GetModelFileKinds lists, named after the file. It stands in the middle
+        of the world with its front to the camera, shrunk if it is too big
+        to see; the output says so, and which files it names are missing."""
         with self.undo.action():
             return models.add_object(self.scene, path, NEW_OBJECT_PLACE,
-                                     self._facing_the_camera(NEW_OBJECT_PLACE))
+                                     self._facing_the_camera(NEW_OBJECT_PLACE), self._tell)
+
+    def GetModelFileKinds(self):
+        """The extensions (lower case, without the dot) of the model files
+        that addobject reads, for the Add Object dialog's filter."""
+        return list(self.backend.model_formats())
+
+    def _tell(self, message):
+        self._queue.write("output", message + "\n")
 
     def loadteddyobject(self, path):
         """The object the sketch tool made."""

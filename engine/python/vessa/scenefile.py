@@ -10,8 +10,9 @@ the reader parses it line by line and accepts only statements of exactly
 these forms, with literal values in their ranges, so a world from a stranger
 can't execute anything, nor make the reader recurse or grow without end. Parents
 come before their children; a parent is named by its full name. Model and
-sound files are named by their names in the world's folder, never by a path:
-a stranger's world can't reach other files, which a later save would copy.
+sound files are named by their places in the world's folder, never by a path
+that leads out of it: a stranger's world can't reach other files, which a
+later save would copy.
 """
 
 import ast
@@ -186,6 +187,11 @@ def _is_file_name(value):
             and not any(mark in value for mark in "/\\:"))
 
 
+def _is_path_in_folder(value):
+    """A file in the world's folder or a folder in it: "Horse.obj", "Horse/Horse.obj"."""
+    return isinstance(value, str) and all(_is_file_name(part) for part in value.split("/"))
+
+
 def _check_world_name(line, name):
     """A name the world's code knows things by breaks nothing of it."""
     why = namespace.refusal(name)
@@ -239,8 +245,8 @@ def _checked(line, fields):
         if kind is int and not _in_range(fields.get(attribute, 0), 0, LARGEST_COUNT):
             _fail(line, "%s must be a count from 0 to %d" % (attribute, LARGEST_COUNT))
     model_file = models.file_of(fields.get("model"))
-    if model_file is not None and not _is_file_name(model_file):
-        _fail(line, "a model's file must be the name of a file in the world's folder")
+    if model_file is not None and not _is_path_in_folder(model_file):
+        _fail(line, "a model's file must be a file in the world's folder, or in a folder in it")
     return fields
 
 
