@@ -116,33 +116,32 @@ QByteArray jsonLine(const WorldReport& report) {
            '\n';
 }
 
-// The engine for check and thumbnail, or why there is none.
-struct StartedEngine {
-    EngineLink link;
-    QString failure;
-};
+using MakeEngine = std::function<std::unique_ptr<Interpreter>()>;
 
-void startEngine(StartedEngine& engine,
-                 const std::function<std::unique_ptr<Interpreter>()>& makeEngine) {
+// Starts the engine for check and thumbnail, hands it to work (which answers
+// whether every world went well) and closes it; the exit code says how it went.
+int withEngine(const MakeEngine& makeEngine, const std::function<bool(EngineLink&)>& work) {
+    EngineLink link;
     try {
         asRunTimeError([&] {
-            engine.link.attach(makeEngine());
-            engine.link.call(QStringLiteral("SetHomeDirectory"),
-                             {engine.link.call(QStringLiteral("ReadRegistryHomeDir"))});
+            link.attach(makeEngine());
+            link.call(QStringLiteral("SetHomeDirectory"),
+                      {link.call(QStringLiteral("ReadRegistryHomeDir"))});
         });
     } catch (const RunTimeError& error) {
-        engine.failure = error.description();
-        engine.link.release();
+        link.release();
+        err(QStringLiteral("vessa47: the engine could not be started: ") + error.description() +
+            u'\n');
+        return ExitWorldError;
     }
-}
-
-void closeEngine(EngineLink& engine) {
+    const bool clean = work(link);
     try {
-        engine.call(QStringLiteral("Close"));
+        link.call(QStringLiteral("Close"));
     } catch (const RunTimeError&) {
         // Closing is the last thing; what it says changes nothing now.
     }
-    engine.release();
+    link.release();
+    return clean ? ExitClean : ExitWorldError;
 }
 
 int runGenerate(const QStringList& worlds) {
@@ -166,77 +165,65 @@ int runGenerate(const QStringList& worlds) {
     return ExitClean;
 }
 
-int runCheck(const QStringList& worlds, double seconds, bool json,
-             const std::function<std::unique_ptr<Interpreter>()>& makeEngine) {
-    StartedEngine engine;
-    startEngine(engine, makeEngine);
-    if (!engine.failure.isEmpty()) {
-        err(QStringLiteral("vessa47: the engine could not be started: ") + engine.failure + u'\n');
-        return ExitWorldError;
-    }
-    bool clean = true;
-    for (const QString& world : worlds) {
-        WorldReport report;
-        report.world = world;
-        try {
-            asRunTimeError([&] {
-                engine.link.call(QStringLiteral("UseManualClock"));
-                report = WorldChecker(engine.link, seconds).check(world);
-            });
-        } catch (const RunTimeError& error) {
-            report.errors.append(
-                {world, 0, QStringLiteral("the engine failed: ") + error.description()});
-        }
-        clean = clean && report.clean();
-        if (json) {
-            writeBytes(stdout, jsonLine(report));
-            continue;
-        }
-        for (const WorldError& error : report.errors)
-            out(located(world, error) + u'\n');
-        if (report.clean())
-            out(world + QStringLiteral(": no errors\n"));
-    }
-    closeEngine(engine.link);
-    return clean ? ExitClean : ExitWorldError;
-}
-
-int runThumbnail(const QStringList& worlds, QSize size,
-                 const std::function<std::unique_ptr<Interpreter>()>& makeEngine) {
-    StartedEngine engine;
-    startEngine(engine, makeEngine);
-    if (!engine.failure.isEmpty()) {
-        err(QStringLiteral("vessa47: the engine could not be started: ") + engine.failure + u'\n');
-        return ExitWorldError;
-    }
-    bool written = true;
-    for (const QString& world : worlds) {
-        QString failure;
-        if (!isWorldFolder(world)) {
-            failure = notAWorldMessage(world);
-        } else {
-            const QString folder = QFileInfo(world).absoluteFilePath();
+int runCheck(const QStringList& worlds, double seconds, bool json, const MakeEngine& makeEngine) {
+    return withEngine(makeEngine, [&](EngineLink& engine) {
+        bool clean = true;
+        for (const QString& world : worlds) {
+            WorldReport report;
+            report.world = world;
             try {
                 asRunTimeError([&] {
-                    QVariant result = engine.link.call(QStringLiteral("LoadWorld"), {folder});
-                    if (isSuccessResult(result))
-                        result = engine.link.call(QStringLiteral("SaveThumbnail"),
-                                                  {folder, size.width(), size.height()});
-                    failure = isSuccessResult(result) ? QString() : result.toString().trimmed();
+                    engine.call(QStringLiteral("UseManualClock"));
+                    report = WorldChecker(engine, seconds).check(world);
                 });
             } catch (const RunTimeError& error) {
-                failure = QStringLiteral("the engine failed: ") + error.description();
+                report.errors.append(
+                    {world, 0, QStringLiteral("the engine failed: ") + error.description()});
+            }
+            clean = clean && report.clean();
+            if (json) {
+                writeBytes(stdout, jsonLine(report));
+                continue;
+            }
+            for (const WorldError& error : report.errors)
+                out(located(world, error) + u'\n');
+            if (report.clean())
+                out(world + QStringLiteral(": no errors\n"));
+        }
+        return clean;
+    });
+}
+
+int runThumbnail(const QStringList& worlds, QSize size, const MakeEngine& makeEngine) {
+    return withEngine(makeEngine, [&](EngineLink& engine) {
+        bool written = true;
+        for (const QString& world : worlds) {
+            QString failure;
+            if (!isWorldFolder(world)) {
+                failure = notAWorldMessage(world);
+            } else {
+                const QString folder = QFileInfo(world).absoluteFilePath();
+                try {
+                    asRunTimeError([&] {
+                        QVariant result = engine.call(QStringLiteral("LoadWorld"), {folder});
+                        if (isSuccessResult(result))
+                            result = engine.call(QStringLiteral("SaveThumbnail"),
+                                                 {folder, size.width(), size.height()});
+                        failure = isSuccessResult(result) ? QString() : result.toString().trimmed();
+                    });
+                } catch (const RunTimeError& error) {
+                    failure = QStringLiteral("the engine failed: ") + error.description();
+                }
+            }
+            if (failure.isEmpty()) {
+                out(fileInFolder(world, world_files::Thumbnail) + u'\n');
+            } else {
+                err(world + QStringLiteral(": ") + failure + u'\n');
+                written = false;
             }
         }
-        if (failure.isEmpty()) {
-            out(fileInFolder(world, world_files::Thumbnail) + u'\n');
-        } else {
-            err(world + QStringLiteral(": ") + failure + u'\n');
-            written = false;
-        }
-    }
-    closeEngine(engine.link);
-    return written ? ExitClean : ExitWorldError;
+        return written;
+    });
 }
 
 } // namespace

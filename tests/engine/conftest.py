@@ -8,6 +8,7 @@ import pytest
 import vessa
 from vessa import Interpreter, native
 from vessa import backend as backends
+from vessa.clock import ManualClock
 
 
 def _compiled_backend():
@@ -37,6 +38,22 @@ def interp():
     engine = Interpreter()
     yield engine
     engine.Close()
+
+
+@pytest.fixture
+def clocked():
+    """An engine whose time moves only when a test says so (see at())."""
+    clock = ManualClock()
+    engine = Interpreter(clock=clock)
+    engine.clock = clock
+    yield engine
+    engine.Close()
+
+
+def at(engine, seconds):
+    """Sets the engine's manual clock to seconds and runs one Loop()."""
+    engine.clock._now = seconds
+    engine.Loop()
 
 
 def misc(engine):

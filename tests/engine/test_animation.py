@@ -2,30 +2,19 @@
 
 import pytest
 
-from conftest import misc, tagged
-from vessa import Interpreter
+from conftest import at, misc, tagged
 from vessa import geometry as g
 from vessa.animation import Primitive
-from vessa.clock import ManualClock
 from vessa.mistakes import Mistake
 
 
 @pytest.fixture
-def world():
-    clock = ManualClock()
-    engine = Interpreter(clock=clock)
-    engine.clock = clock
-    yield engine
-    engine.Close()
+def world(clocked):
+    return clocked
 
 
 def run(engine, code):
     assert engine.ExecuteCode(code, "<Tool>", "exec") is None
-
-
-def at(engine, seconds):
-    engine.clock._now = seconds
-    engine.Loop()
 
 
 def where(engine, name="Camera"):

@@ -5,15 +5,11 @@ import pytest
 
 from conftest import misc, tagged
 from fronttrees import FrontTrees
-from vessa import Interpreter
-from vessa.clock import ManualClock
 
 
 @pytest.fixture
-def world():
-    clock = ManualClock()
-    engine = Interpreter(clock=clock)
-    engine.clock = clock
+def world(clocked):
+    engine = clocked
     scene = engine.scene
     with engine.undo.quiet():
         bunny = scene.create("model", "Bunny", scene.root, values={"size": (1, 2, 1)})
@@ -21,8 +17,7 @@ def world():
                             {"position": (0, 1.5, 0.25), "size": (0.5, 0.5, 0.5)})
         scene.create("model", "Ear", head, False, {"position": (0.1, 0.3, 0)})
         scene.create("model", "Rider", bunny, True, {"position": (0, 1, -1)})
-    yield engine
-    engine.Close()
+    return engine
 
 
 def run(engine, code, seconds=2.0):

@@ -3,25 +3,20 @@ families whose parents have turned."""
 
 import pytest
 
-from vessa import Interpreter
 from vessa import geometry as g
-from vessa.clock import ManualClock
 
 
 @pytest.fixture
-def world():
+def world(clocked):
     """A box at (3, 0, 0) rolled a quarter to its left: its up points to the
     world's left, its right points up."""
-    clock = ManualClock()
-    engine = Interpreter(clock=clock)
-    engine.clock = clock
+    engine = clocked
     scene = engine.scene
     with engine.undo.quiet():
         scene.create("model", "Box", scene.root, values={"position": (3, 0, 0)})
         scene.create("model", "Bunny", scene.root, values={"position": (0, 0, 5)})
     run(engine, "Box.Roll(Left, 1/4, Duration=0)")
-    yield engine
-    engine.Close()
+    return engine
 
 
 def run(engine, code):

@@ -6,8 +6,6 @@ import re
 import pytest
 
 from conftest import misc, tagged, write_tone
-from vessa import Interpreter
-from vessa.clock import ManualClock
 from vessa.mistakes import MESSAGES
 
 # (the table's entries the message is made of, the line, what the user reads)
@@ -82,10 +80,8 @@ PYTHON_WORDS = re.compile(r"\w+(Error|Exception)\b|\b(Commands|Primitive|Thing|W
 
 
 @pytest.fixture
-def world(tmp_path):
-    clock = ManualClock()
-    engine = Interpreter(clock=clock)
-    engine.clock = clock
+def world(tmp_path, clocked):
+    engine = clocked
     scene = engine.scene
     with engine.undo.quiet():
         bunny = scene.create("model", "Bunny", scene.root)
@@ -96,8 +92,7 @@ def world(tmp_path):
     write_tone(tmp_path / "Pop.wav")
     assert engine.AddSound(str(tmp_path / "Pop.wav")) is None
     misc(engine)
-    yield engine
-    engine.Close()
+    return engine
 
 
 def told(engine, code, tag="<Script Text>"):

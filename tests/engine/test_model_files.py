@@ -8,18 +8,14 @@ import pytest
 
 from conftest import misc, tagged
 from vessa import Interpreter, commands
-from vessa.clock import ManualClock
 
 
 @pytest.fixture
-def world():
-    clock = ManualClock()
-    engine = Interpreter(clock=clock)
-    engine.clock = clock
+def world(clocked):
+    engine = clocked
     engine.PollForTreeDifferences()
     misc(engine)
-    yield engine
-    engine.Close()
+    return engine
 
 
 @pytest.fixture

@@ -6,8 +6,6 @@ import re
 
 import pytest
 
-from vessa import Interpreter
-from vessa.clock import ManualClock
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 DEFAULT_WORLD = os.path.join(HERE, "..", "..", "home", "Worlds", "Default")
@@ -15,14 +13,11 @@ GALLERY_TABLE = os.path.join(HERE, "..", "..", "tools", "gallery", "README.md")
 
 
 @pytest.fixture
-def world():
+def world(clocked):
     """The default world: its ground's top is at height 0."""
-    clock = ManualClock()
-    engine = Interpreter(clock=clock)
-    engine.clock = clock
+    engine = clocked
     assert engine.LoadWorld(DEFAULT_WORLD) is None
-    yield engine
-    engine.Close()
+    return engine
 
 
 def add(engine, name, parent=None, first_class=True, **values):

@@ -3,18 +3,13 @@
 import pytest
 
 from conftest import misc, tagged
-from vessa import Interpreter
-from vessa.clock import ManualClock
 
 
 @pytest.fixture
-def world():
-    clock = ManualClock()
-    engine = Interpreter(clock=clock)
-    engine.clock = clock
+def world(clocked):
+    engine = clocked
     engine.PollForTreeDifferences()
-    yield engine
-    engine.Close()
+    return engine
 
 
 def run(engine, code, steps=True):

@@ -3,28 +3,18 @@ as long as their parts say, however finely or coarsely Loop() is stepped."""
 
 import pytest
 
-from vessa import Interpreter
-from vessa.clock import ManualClock
+from conftest import at
 
 
 @pytest.fixture
-def world():
-    clock = ManualClock()
-    engine = Interpreter(clock=clock)
-    engine.clock = clock
-    yield engine
-    engine.Close()
+def world(clocked):
+    return clocked
 
 
 def start(engine, code):
     """Runs code at time 0."""
     assert engine.ExecuteCode(code, "<Tool>", "exec") is None
     at(engine, 0.0)
-
-
-def at(engine, seconds):
-    engine.clock._now = seconds
-    engine.Loop()
 
 
 def where(engine):

@@ -5,16 +5,12 @@ reparenting that moved a family."""
 import pytest
 
 from conftest import describe, misc, tagged
-from vessa import Interpreter
-from vessa.clock import ManualClock
 
 
 @pytest.fixture
-def world():
+def world(clocked):
     """A bunny with a head, two ears and a tail, and a turned box beside it."""
-    clock = ManualClock()
-    engine = Interpreter(clock=clock)
-    engine.clock = clock
+    engine = clocked
     scene = engine.scene
     with engine.undo.quiet():
         bunny = scene.create("model", "Bunny", scene.root, values={"position": (1, 0, 2)})
@@ -27,8 +23,7 @@ def world():
     engine.Loop()
     engine.undo.truncate(0)
     misc(engine)
-    yield engine
-    engine.Close()
+    return engine
 
 
 def act(engine, code, source="<Tool>"):
