@@ -7,8 +7,6 @@ import random
 import pytest
 
 from conftest import misc, tagged, write_tone
-from vessa import Interpreter
-from vessa.clock import ManualClock
 
 # Words that would tell a novice nothing, or that something inside broke.
 JARGON = ("Error", "Exception", "Traceback", "osg", "std::", "errno", "None")
@@ -39,12 +37,10 @@ def assert_refusal_for_a_novice(failure, file_name, backend_kind):
 
 
 @pytest.fixture
-def world():
-    engine = Interpreter(clock=ManualClock())
-    engine.PollForTreeDifferences()
-    misc(engine)
-    yield engine
-    engine.Close()
+def world(clocked):
+    clocked.PollForTreeDifferences()
+    misc(clocked)
+    return clocked
 
 
 def test_damaged_object_files_added_are_refused_with_nothing_added_or_loaded_whole(

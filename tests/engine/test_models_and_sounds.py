@@ -7,16 +7,13 @@ import pytest
 from conftest import misc, tagged, write_tone
 from fronttrees import FrontTrees
 from vessa import Interpreter
-from vessa.clock import ManualClock
 
 
 @pytest.fixture
-def world():
-    engine = Interpreter(clock=ManualClock())
-    engine.PollForTreeDifferences()
-    misc(engine)
-    yield engine
-    engine.Close()
+def world(clocked):
+    clocked.PollForTreeDifferences()
+    misc(clocked)
+    return clocked
 
 
 @pytest.fixture
