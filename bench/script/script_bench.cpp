@@ -26,6 +26,14 @@ public:
     void LVUndoFromLog() override {}
     int ReplaceInListView(const QString&, const QString&) override { return 0; }
     void ReportError(const RunTimeError&) override {}
+    const TreeControl& sceneObjects() override { return objects; }
+    QStringList sceneSounds() override { return {}; }
+    bool openingSceneShown() override { return false; }
+    QVariantList objectMenuFacts(const QString&) override { return {}; }
+    void runTool(const QString&, const QString&) override {}
+    bool isValidObjectName(const QString&) override { return false; }
+
+    TreeControl objects;
 };
 
 // 500 animations, each with 16 lines and a DoTogether block of 4 more, shown through a

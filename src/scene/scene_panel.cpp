@@ -78,9 +78,7 @@ void ScenePanel::guarded(const std::function<void()>& handler) {
 }
 
 bool ScenePanel::acceptableName(const QString& name) {
-    const QVariant answer = engine_.call(QStringLiteral("isvalidname"), {name});
-    if (answer.toString() == QStringLiteral("1") ||
-        answer.toString().toLower() == QStringLiteral("true"))
+    if (acceptsName(engine_, name))
         return true;
     QMessageBox::information(
         this, QStringLiteral("Invalid name"),
