@@ -255,7 +255,9 @@ void ScenePanel::ObjectTree_DragDrop() {
 void ScenePanel::ObjectTree_MouseUp(Qt::MouseButton button, const QPoint& point) {
     TreeControl& tree = trees_.ObjectTree;
     const int tab = hooks_.sceneScriptTab();
-    if (button == Qt::RightButton && tab == 0) {
+    // The object's menu runs its commands at once on the opening scene and makes lines of
+    // them on the animations tab; the events tab has a tree of its own.
+    if (button == Qt::RightButton && tab != 2) {
         pressedNode_ = NodeRef::To(tree, objectTree_->HitTest(point));
         if (TreeNode* node = pressedNode_.Get()) {
             tree.SetSelectedItem(node);

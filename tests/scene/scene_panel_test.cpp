@@ -165,6 +165,15 @@ TEST(ObjectTreePanel, RightClickOnBlankSpaceShowsNoMenuButTellsTheSelectedObject
     EXPECT_EQ(c.trees.ObjectTree.SelectedItem(), c.bunny);
 }
 
+TEST(ObjectTreePanel, TheObjectsMenuOpensOnTheSceneAndAnimationsTabsButNotOnTheEventsTab) {
+    Column c;
+    for (int tab : {1, 2, 0}) {
+        c.tab = tab;
+        c.panel->ObjectTree_MouseUp(Qt::RightButton, c.at(c.sun));
+    }
+    EXPECT_EQ(c.objectMenus, (QStringList{QStringLiteral("Sun"), QStringLiteral("Sun")}));
+}
+
 TEST(ObjectTreePanel, TheMenuKeyAsksForTheSelectedObjectsMenuAsARightClickDoes) {
     Column c;
     c.trees.ObjectTree.SetSelectedItem(c.sun);
