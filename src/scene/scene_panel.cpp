@@ -261,7 +261,7 @@ void ScenePanel::ObjectTree_MouseUp(Qt::MouseButton button, const QPoint& point)
         pressedNode_ = NodeRef::To(tree, objectTree_->HitTest(point));
         if (TreeNode* node = pressedNode_.Get()) {
             tree.SetSelectedItem(node);
-            hooks_.showObjectMenu(node->Tag());
+            hooks_.showObjectMenu(node->Tag(), objectTree_->viewport()->mapToGlobal(point));
         }
     }
     if (TreeNode* selected = tree.SelectedItem())

@@ -42,11 +42,12 @@ struct Column : ScriptedProgram {
         sun = add(scene, QStringLiteral("Sun"), QStringLiteral("Sun"), object_images::Light);
         t.SetExpanded(scene, true);
         t.SetExpanded(bunny, true);
-        panel = std::make_unique<ScenePanel>(trees, engine, reporter, dragNode,
-                                             ScenePanel::Hooks{[this] { return tab; },
-                                                               [this](const QString& name) {
-                                                                   objectMenus << name;
-                                                               }});
+        panel = std::make_unique<ScenePanel>(
+            trees, engine, reporter, dragNode,
+            ScenePanel::Hooks{[this] { return tab; },
+                              [this](const QString& name, const QPoint&) {
+                                  objectMenus << name;
+                              }});
         panel->resize(300, 400);
         panel->show();
         QApplication::processEvents();

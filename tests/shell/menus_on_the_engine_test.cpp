@@ -105,6 +105,9 @@ TEST(MenusOnTheEngine, TheKeyboardMakesALineFromTheObjectTreeAndChangesAValueOnI
     QMenu* menu = w.OpenMenu();
     ASSERT_NE(menu, nullptr);
     ASSERT_TRUE(QTest::qWaitForWindowExposed(menu));
+    // It opens at the object, wherever the mouse is.
+    const QPoint object = w.objects.viewport()->mapToGlobal(w.objects.NodeRect(bunny).center());
+    EXPECT_LT((menu->pos() - object).manhattanLength(), 60);
     // Down past the name to "Move", into it, "Forward", into it, "1/2 (meter)".
     for (Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Right, Qt::Key_Right, Qt::Key_Return})
         QTest::keyClick(QApplication::activePopupWidget(), key);
