@@ -36,19 +36,19 @@ struct MenuRow {
 struct ScriptRequest {
     enum class Kind {
         None,
-        ObjectPicker, // later: pick an object; Value is the one to select
-        ActionMenu,   // later: the cascade of commands
-        StarMenuAll,  // later: the optional parameters of command Number
-        StarMenuRow,  // later: the values of parameter kind Number
-        TextEditor,   // later: a name editor with Title, Prompt and Value as default
-        SoundList,    // later: the sounds to choose from
+        ObjectPicker, // pick an object; Value is the one to select
+        ActionMenu,   // the cascade of commands
+        StarMenuAll,  // the optional parameters of command Number
+        StarMenuRow,  // the values of parameter kind Number
+        TextEditor,   // a name or value editor with Title, Prompt and Value as default
+        SoundList,    // the sounds to choose from
         NodeMenu,     // the node menu with Rows
         BlankMenu,    // the blank-space menu with Rows
         Message,      // tell the user Value, in a box titled Title
         PerformLine,  // run Value, the Python of a line or block, at once in the scene
         NodeCommand,  // later: row Number of the node menu (cut, copy, paste, delete)
         BlankCommand, // later: row Number of the blank-space menu (the Python code box)
-        ObjectMenu,   // later: the action menu of the object named Value, at the mouse
+        ObjectMenu,   // the action menu of the object named Value, at the mouse
         ObjectRename, // ask for a new name of the object named Value
         // The editors of the event list's CurrentRow, column Number, whose text is Value:
         EventConditionMenu, // later: the conditions
