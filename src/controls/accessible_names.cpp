@@ -38,6 +38,10 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("MakeEvent"), QStringLiteral("Make event")},
         {QStringLiteral("menuBar"), QStringLiteral("Menu bar")},
         {QStringLiteral("SplitterH1"), QStringLiteral("Divider above the output")},
+        // Editors over the script
+        {QStringLiteral("Text1"), QStringLiteral("Value")},
+        {QStringLiteral("TreeWidget"), QStringLiteral("Objects to pick from")},
+        {QStringLiteral("TreeWidgetFind"), QStringLiteral("Name of the object to pick")},
         // Camera window
         {QStringLiteral("RenderFrame"), QStringLiteral("Running world")},
         {QStringLiteral("Check1"), QStringLiteral("Always keep this window on top")},

@@ -32,4 +32,11 @@ private:
     std::unique_ptr<Interpreter> interpreter_;
 };
 
+// Whether the engine takes name as the name of an object or a sound. Its answer is
+// compared to 1 without regard to case or type.
+inline bool acceptsName(EngineLink& engine, const QString& name) {
+    const QString answer = engine.call(QStringLiteral("isvalidname"), {name}).toString();
+    return answer == QStringLiteral("1") || answer.toLower() == QStringLiteral("true");
+}
+
 } // namespace vessa

@@ -78,9 +78,7 @@ void ScenePanel::guarded(const std::function<void()>& handler) {
 }
 
 bool ScenePanel::acceptableName(const QString& name) {
-    const QVariant answer = engine_.call(QStringLiteral("isvalidname"), {name});
-    if (answer.toString() == QStringLiteral("1") ||
-        answer.toString().toLower() == QStringLiteral("true"))
+    if (acceptsName(engine_, name))
         return true;
     QMessageBox::information(
         this, QStringLiteral("Invalid name"),
@@ -257,11 +255,13 @@ void ScenePanel::ObjectTree_DragDrop() {
 void ScenePanel::ObjectTree_MouseUp(Qt::MouseButton button, const QPoint& point) {
     TreeControl& tree = trees_.ObjectTree;
     const int tab = hooks_.sceneScriptTab();
-    if (button == Qt::RightButton && tab == 0) {
+    // The object's menu runs its commands at once on the opening scene and makes lines of
+    // them on the animations tab; the events tab has a tree of its own.
+    if (button == Qt::RightButton && tab != 2) {
         pressedNode_ = NodeRef::To(tree, objectTree_->HitTest(point));
         if (TreeNode* node = pressedNode_.Get()) {
             tree.SetSelectedItem(node);
-            hooks_.showObjectMenu(node->Tag());
+            hooks_.showObjectMenu(node->Tag(), objectTree_->viewport()->mapToGlobal(point));
         }
     }
     if (TreeNode* selected = tree.SelectedItem())

@@ -23,8 +23,9 @@ class ScenePanel : public QWidget {
     Q_OBJECT
 public:
     struct Hooks {
-        std::function<int()> sceneScriptTab;                // the tab shown, 0 to 2
-        std::function<void(const QString&)> showObjectMenu; // right click on an object
+        std::function<int()> sceneScriptTab; // the tab shown, 0 to 2
+        // A right click on an object, or the menu key on it: its menu, at a point on the screen.
+        std::function<void(const QString&, const QPoint&)> showObjectMenu;
     };
 
     ScenePanel(SceneTrees& trees, EngineLink& engine, ErrorReporter& reporter, NodeRef& dragNode,

@@ -66,6 +66,12 @@ ScriptRequest unreadableLine(const QString& line) {
     return message;
 }
 
+// The character under point in node's text, as the tree shows it.
+int characterAt(const TreeNode* node, const QPoint& point, const TreeGeometry& geometry) {
+    return node ? RichCharNumOver(node->Text(), geometry.TextFont(), geometry.NodeRect(node), point)
+                : 0;
+}
+
 } // namespace
 
 int RichCharNumOver(const QString& text, const QFont& font, const QRect& textRect,
@@ -102,11 +108,13 @@ ScriptRequest ScriptClicks::TreeView1_MouseUp(Qt::MouseButton button, const QPoi
     model_.LastClickX = point.x() * geometry.TwipsPerPixel();
     model_.LastClickY = point.y() * geometry.TwipsPerPixel();
     model_.TreeView1().SetDropHighlight(nullptr);
+    TreeNode* node = geometry.HitTest(point);
+    const int offset = characterAt(node, point, geometry);
     ScriptRequest request;
     if (button == Qt::LeftButton)
-        request = LeftClick(model_.TreeView1(), point, geometry);
+        request = LeftClick(model_.TreeView1(), node, offset);
     else if (button == Qt::RightButton)
-        request = RightClick(point, geometry);
+        request = RightClick(node, offset);
     request.TreePoint = point;
     return request;
 }
@@ -115,14 +123,22 @@ ScriptRequest ScriptClicks::CommandLineTreeview_MouseUp(Qt::MouseButton button, 
                                                         const TreeGeometry& geometry) {
     if (button != Qt::LeftButton)
         return {};
-    ScriptRequest request = LeftClick(model_.CommandLineTreeview(), point, geometry);
+    TreeNode* node = geometry.HitTest(point);
+    ScriptRequest request =
+        LeftClick(model_.CommandLineTreeview(), node, characterAt(node, point, geometry));
     request.TreePoint = point;
     return request;
 }
 
-ScriptRequest ScriptClicks::LeftClick(TreeControl& tree, const QPoint& point,
-                                      const TreeGeometry& geometry) {
-    TreeNode* node = geometry.HitTest(point);
+ScriptRequest ScriptClicks::pressEnter(TreeControl& tree, TreeNode* node, int offset) {
+    return LeftClick(tree, node, offset);
+}
+
+ScriptRequest ScriptClicks::pressMenuKey(TreeNode* node, int offset) {
+    return RightClick(node, offset);
+}
+
+ScriptRequest ScriptClicks::LeftClick(TreeControl& tree, TreeNode* node, int offset) {
     if (!node)
         return {};
     ParseState& parse = model_.Parse();
@@ -136,7 +152,7 @@ ScriptRequest ScriptClicks::LeftClick(TreeControl& tree, const QPoint& point,
         return NameEditor(line.contains(QStringLiteral(" = ")) ? AnimationName(line) : QString());
     if (IsSoundLine(line))
         return Request(ScriptRequest::Kind::SoundList);
-    if (!ParseAt(node, point, geometry))
+    if (!ParseAt(node, offset))
         return unreadableLine(line);
     try {
         return EditorForClick(parse);
@@ -145,11 +161,9 @@ ScriptRequest ScriptClicks::LeftClick(TreeControl& tree, const QPoint& point,
     }
 }
 
-bool ScriptClicks::ParseAt(TreeNode* node, const QPoint& point, const TreeGeometry& geometry) {
-    const int position =
-        RichCharNumOver(node->Text(), geometry.TextFont(), geometry.NodeRect(node), point);
+bool ScriptClicks::ParseAt(TreeNode* node, int offset) {
     try {
-        ParseString(model_.Parse(), node->Text(), position);
+        ParseString(model_.Parse(), node->Text(), offset);
         return true;
     } catch (const RunTimeError&) {
         // A line that does not parse stays as it is.
@@ -157,8 +171,7 @@ bool ScriptClicks::ParseAt(TreeNode* node, const QPoint& point, const TreeGeomet
     }
 }
 
-ScriptRequest ScriptClicks::RightClick(const QPoint& point, const TreeGeometry& geometry) {
-    TreeNode* node = geometry.HitTest(point);
+ScriptRequest ScriptClicks::RightClick(TreeNode* node, int offset) {
     if (!node) {
         ScriptRequest request = Request(ScriptRequest::Kind::BlankMenu);
         request.Rows = BlankMenuRows(codeBoxShown_);
@@ -167,12 +180,11 @@ ScriptRequest ScriptClicks::RightClick(const QPoint& point, const TreeGeometry& 
     model_.TreeView1().SetSelectedItem(node);
     model_.Parse().SelectedNode = NodeRef::To(model_.TreeView1(), node);
     ScriptRequest request = Request(ScriptRequest::Kind::NodeMenu);
-    request.Rows = NodeMenuRows(node, point, geometry);
+    request.Rows = NodeMenuRows(node, offset);
     return request;
 }
 
-std::vector<MenuRow> ScriptClicks::NodeMenuRows(TreeNode* node, const QPoint& point,
-                                                const TreeGeometry& geometry) {
+std::vector<MenuRow> ScriptClicks::NodeMenuRows(TreeNode* node, int offset) {
     std::vector<MenuRow> rows = AllNodeRows();
     // Any line or block, the user's own Python too, can be run on its own at once.
     Show(rows, {PerformLine, UpperSeparator});
@@ -192,7 +204,7 @@ std::vector<MenuRow> ScriptClicks::NodeMenuRows(TreeNode* node, const QPoint& po
     if (node->Tag() == PythonLineTag)
         return rows;
     const ParseState& parse = model_.Parse();
-    if (!ParseAt(node, point, geometry) || parse.ClickedKind <= MarkerKind)
+    if (!ParseAt(node, offset) || parse.ClickedKind <= MarkerKind)
         return rows;
     MenuRow& remove = rows[RemoveValue];
     remove.Visible = true;

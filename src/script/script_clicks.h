@@ -57,9 +57,14 @@ public:
     ScriptRequest CommandLineTreeview_MouseUp(Qt::MouseButton button, const QPoint& point,
                                               const TreeGeometry& geometry);
 
-    // The rows of the node menu for a node, after a right click at point.
-    std::vector<MenuRow> NodeMenuRows(TreeNode* node, const QPoint& point,
-                                      const TreeGeometry& geometry);
+    // The keyboard on a node of tree (TreeView1 or the command line's), its line's piece
+    // at character offset being the current one: Enter opens what a left click on that
+    // piece opens, the menu key the node menu that a right click on it shows.
+    ScriptRequest pressEnter(TreeControl& tree, TreeNode* node, int offset);
+    ScriptRequest pressMenuKey(TreeNode* node, int offset);
+
+    // The rows of the node menu for a node, after a right click on character offset.
+    std::vector<MenuRow> NodeMenuRows(TreeNode* node, int offset);
     // The rows of the blank-space menu; codeBoxShown decides which code box row shows.
     static std::vector<MenuRow> BlankMenuRows(bool codeBoxShown);
     // A chosen row. The Python row expects the user's consent to have been given;
@@ -68,9 +73,9 @@ public:
     ScriptRequest mnuBlankRightB_Click(int row);
 
 private:
-    ScriptRequest LeftClick(TreeControl& tree, const QPoint& point, const TreeGeometry& geometry);
-    ScriptRequest RightClick(const QPoint& point, const TreeGeometry& geometry);
-    bool ParseAt(TreeNode* node, const QPoint& point, const TreeGeometry& geometry);
+    ScriptRequest LeftClick(TreeControl& tree, TreeNode* node, int offset);
+    ScriptRequest RightClick(TreeNode* node, int offset);
+    bool ParseAt(TreeNode* node, int offset);
 
     ScriptModel& model_; // Not owned.
     bool codeBoxShown_ = false;

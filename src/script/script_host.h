@@ -1,10 +1,14 @@
 #pragma once
 
+#include <QStringList>
+#include <QVariantList>
+
 class QString;
 
 namespace vessa {
 
 class RunTimeError;
+class TreeControl;
 
 // What the script needs from the world around it.
 class ScriptHost {
@@ -22,6 +26,23 @@ public:
     virtual int ReplaceInListView(const QString& oldName, const QString& newName) = 0;
     // A failure inside one of the script's handlers, for the program's error report.
     virtual void ReportError(const RunTimeError& error) = 0;
+
+    // The scene's objects as the object tree shows them, the scene on top: what the
+    // object picker offers.
+    virtual const TreeControl& sceneObjects() = 0;
+    // The names of the scene's sounds, in the order the sound tree shows them.
+    virtual QStringList sceneSounds() = 0;
+    // Whether the opening scene is the tab shown. An object's menu then acts on the
+    // scene at once; on the other tabs its commands become lines of the script.
+    virtual bool openingSceneShown() = 0;
+    // What the engine tells of an object for its menu: the nine values of its
+    // PrepareObjectMenu, in their order.
+    virtual QVariantList objectMenuFacts(const QString& objectName) = 0;
+    // Runs one of the menus' statements in the scene at once; a failure is reported
+    // with failureMessage.
+    virtual void runTool(const QString& statement, const QString& failureMessage) = 0;
+    // Whether the engine takes name as the new name of an object.
+    virtual bool isValidObjectName(const QString& name) = 0;
 };
 
 } // namespace vessa

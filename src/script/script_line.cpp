@@ -204,6 +204,42 @@ QString NormalizeLine(const QString& line) {
     return result;
 }
 
+std::vector<LinePiece> linePieces(const QString& line) {
+    const qsizetype open = line.indexOf(u'(');
+    const qsizetype dot = open < 0 ? -1 : line.lastIndexOf(u'.', open);
+    if (dot < 0)
+        return {};
+    // Where pieces begin: the line's start, after the dot, after "(" and after each ", ".
+    QVarLengthArray<qsizetype, 12> starts{0, dot + 1, open + 1};
+    for (qsizetype comma = line.indexOf(u", ", open); comma >= 0;
+         comma = line.indexOf(u", ", comma + 1))
+        starts.append(comma + 2);
+    std::vector<LinePiece> pieces;
+    ParseState probe;
+    std::pair<int, int> last{-1, -2};
+    try {
+        for (qsizetype start : starts) {
+            if (start >= line.size())
+                continue;
+            ParseString(probe, line, static_cast<int>(start));
+            const std::pair<int, int> piece{probe.ClickedKind, probe.ClickedSlot};
+            if (piece == last)
+                continue;
+            last = piece;
+            qsizetype end = start == 0 ? dot : start == dot + 1 ? open : line.indexOf(u',', start);
+            if (probe.ClickedKind == MarkerKind)
+                end = start + 7; // "more..."
+            else if (end < 0)
+                end = line.lastIndexOf(u')');
+            pieces.push_back(
+                {static_cast<int>(start), static_cast<int>(std::max(end - start, qsizetype{0}))});
+        }
+    } catch (const RunTimeError&) {
+        return {};
+    }
+    return pieces;
+}
+
 ScriptRequest EditorForClick(const ParseState& state) {
     ScriptRequest request;
     if (ParameterKinds(state.ClickedKind).Class == ObjectClass) {

@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <array>
+#include <vector>
 
 namespace vessa {
 
@@ -60,6 +61,16 @@ QString DefaultLine(const QString& object, const QString& commandName);
 
 // A line as the engine receives it: the marker and the two long style names removed.
 QString NormalizeLine(const QString& text);
+
+// One piece of a line that a click can hit: the object, the command, a value or the
+// "more..." marker, by the offset of its first character and its length.
+struct LinePiece {
+    int Offset = 0;
+    int Length = 0;
+};
+// The pieces of a line in their order, each one ParseString tells apart from the others;
+// none for a line that does not parse.
+std::vector<LinePiece> linePieces(const QString& line);
 
 // What a parsed click opens: the decision of ShowEditorForClick.
 ScriptRequest EditorForClick(const ParseState& state);

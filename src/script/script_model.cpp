@@ -39,6 +39,9 @@ void ScriptModel::Initialize() {
 
 void ScriptModel::UpdateNode(TreeNode* node, const QString& newValue, bool log) {
     const QString line = UpdatedLine(parse_, newValue);
+    // A choice that leaves the line as it was is no change, and nothing to undo.
+    if (line == node->Text())
+        return;
     // Only lines of the script are recorded: the command line's is not part of a world.
     if (log && undoRecording_ && node->Text().contains(u'(') && treeView1_.Contains(node))
         UndoLog(UndoOperation::Changed, node);
@@ -59,6 +62,22 @@ TreeNode* ScriptModel::AddNewAnimation() {
     animationNames_.Append(name);
     ++animationCounter_;
     return root;
+}
+
+TreeNode* ScriptModel::addLineToCurrentAnimation(const QString& text) {
+    TreeNode* selected = treeView1_.SelectedItem();
+    if (!treeView1_.FirstRoot())
+        selected = AddNewAnimation();
+    else if (!selected)
+        selected = treeView1_.FirstRoot()->LastSibling();
+    TreeNode* line = IsBlock(selected->Text()) || !selected->Parent()
+                         ? treeView1_.Add(selected, Relation::Child, QString(), text)
+                         : treeView1_.Add(selected, Relation::Next, QString(), text);
+    UndoLog(UndoOperation::Added, line);
+    RefreshChildIcons(line->Parent());
+    treeView1_.SetSelectedItem(line);
+    treeView1_.EnsureVisible(line);
+    return line;
 }
 
 void ScriptModel::MakePythonLine(TreeNode* node) {

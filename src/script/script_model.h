@@ -50,6 +50,11 @@ public:
 
     // "Action<n> = DoInOrder" after the last root, recorded for undo.
     TreeNode* AddNewAnimation();
+    // A new line where the script is being written: after the selected line, at the end
+    // of the selected block, or at the end of the last animation when nothing is
+    // selected; a script without animations gets one first. Recorded for undo. The line
+    // becomes the selected node, so that lines made one after another follow each other.
+    TreeNode* addLineToCurrentAnimation(const QString& text);
     // The line becomes free Python text on grey, and its editing starts.
     void MakePythonLine(TreeNode* node);
     // DoInOrder becomes DoTogether or the reverse, and the icons follow.

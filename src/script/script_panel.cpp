@@ -3,12 +3,18 @@
 #include "base/run_time_error.h"
 #include "controls/accessible_names.h"
 #include "controls/tree_images.h"
+#include "script/menu_view.h"
 #include "script/script_host.h"
 #include "script/script_icons.h"
+#include "script/script_menus_view.h"
 #include "script/script_model.h"
 
+#include <QAccessible>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPainter>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 namespace vessa {
@@ -27,6 +33,68 @@ TreeControlView* MakeView(TreeControl& tree, const QString& name, const QList<QI
 void FitRows(TreeControlView& view, int rows) {
     const int frame = 2 * view.frameWidth();
     view.setFixedHeight(rows * view.fontMetrics().height() * 5 / 4 + frame + 4);
+}
+
+// Where a piece of a node's text is drawn in the view.
+QRect pieceRect(const TreeControlView& view, const TreeNode* node, const LinePiece& piece) {
+    const QRect text = view.NodeRect(node);
+    const QFontMetrics metrics(view.font());
+    const QString& line = node->Text();
+    const int left = text.left() + metrics.horizontalAdvance(line.left(piece.Offset));
+    return {left, text.top(), metrics.horizontalAdvance(line.mid(piece.Offset, piece.Length)),
+            text.height()};
+}
+
+// Draws the items as usual, and a frame round the current piece of the line the
+// keyboard works on while the tree has the focus.
+class PieceDelegate : public QStyledItemDelegate {
+public:
+    PieceDelegate(const ScriptPanel& panel, TreeControlView& view)
+        : QStyledItemDelegate(&view), panel_(panel), view_(view) {}
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyledItemDelegate::paint(painter, option, index);
+        const TreeNode* node = TreeItemModel::NodeOf(index);
+        if (!view_.hasFocus() || node != view_.Tree().SelectedItem())
+            return;
+        const LinePiece piece = panel_.currentPiece(node);
+        if (piece.Length == 0)
+            return;
+        painter->save();
+        painter->setPen(QPen(option.palette.highlightedText(), 1, Qt::DashLine));
+        painter->drawRect(pieceRect(view_, node, piece).adjusted(-1, 1, 0, -2));
+        painter->restore();
+    }
+
+private:
+    const ScriptPanel& panel_;
+    TreeControlView& view_;
+};
+
+// What a piece is, as a screen reader says it: "Forward, Direction".
+QString pieceDescription(const QString& line, const LinePiece& piece) {
+    ParseState probe;
+    try {
+        ParseString(probe, line, piece.Offset);
+    } catch (const RunTimeError&) {
+        return {};
+    }
+    QString what;
+    switch (probe.ClickedKind) {
+    case ObjectKind:
+        what = QStringLiteral("object");
+        break;
+    case 2:
+        what = QStringLiteral("command");
+        break;
+    case MarkerKind:
+        what = QStringLiteral("more values");
+        break;
+    default:
+        what = ParameterKinds(probe.ClickedKind).Name;
+    }
+    return probe.ClickedValue + QStringLiteral(", ") + what;
 }
 
 } // namespace
@@ -49,6 +117,9 @@ ScriptPanel::ScriptPanel(ScriptModel& model, QWidget* parent)
     layout->addWidget(constructTree_);
     layout->addWidget(treeView1_, 1);
     layout->addWidget(commandLine_);
+    menusView_ = new ScriptMenusView(
+        model, *treeView1_, [this](const ScriptRequest& request) { Show(request, *treeView1_); },
+        this);
     applyAccessibleNames(this);
 
     treeView1_->ItemModel().SetLabelEditHandler(
@@ -59,22 +130,40 @@ ScriptPanel::ScriptPanel(ScriptModel& model, QWidget* parent)
             });
     connect(treeView1_, &TreeControlView::MouseUp, this,
             [this](Qt::MouseButton button, const QPoint& point) {
+                takePieceAt(*treeView1_, point);
                 Guarded([&] {
                     Show(clicks_.TreeView1_MouseUp(button, point, *treeView1_), *treeView1_);
                 });
             });
-    // The menu key asks for what a right click on the selected line would show.
+    // The menu key asks for what a right click on the current piece of the line shows.
     connect(treeView1_, &TreeControlView::menuKeyPressed, this, [this](const QPoint& point) {
+        TreeNode* node = model_.TreeView1().SelectedItem();
         Guarded([&] {
-            Show(clicks_.TreeView1_MouseUp(Qt::RightButton, point, *treeView1_), *treeView1_);
+            ScriptRequest request = clicks_.pressMenuKey(node, currentPiece(node).Offset);
+            request.TreePoint = node ? piecePoint(*treeView1_, node) : point;
+            Show(request, *treeView1_);
         });
     });
     connect(commandLine_, &TreeControlView::MouseUp, this,
             [this](Qt::MouseButton button, const QPoint& point) {
+                takePieceAt(*commandLine_, point);
                 Guarded([&] {
                     Show(clicks_.CommandLineTreeview_MouseUp(button, point, *commandLine_),
                          *commandLine_);
                 });
+            });
+    connectTree(*treeView1_);
+    connectTree(*commandLine_);
+}
+
+void ScriptPanel::connectTree(TreeControlView& view) {
+    view.setItemDelegate(new PieceDelegate(*this, view));
+    view.installEventFilter(this);
+    // A reader is told the current piece of each line the keyboard comes to.
+    connect(view.selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this, &view](const QModelIndex& current) {
+                if (const TreeNode* node = TreeItemModel::NodeOf(current))
+                    tellPiece(view, node);
             });
 }
 
@@ -98,7 +187,8 @@ void ScriptPanel::Guarded(const std::function<void()>& work) {
 }
 
 void ScriptPanel::Show(ScriptRequest request, TreeControlView& view) {
-    request.ScreenPoint = view.viewport()->mapToGlobal(request.TreePoint);
+    if (request.ScreenPoint.isNull())
+        request.ScreenPoint = view.viewport()->mapToGlobal(request.TreePoint);
     switch (request.What) {
     case ScriptRequest::Kind::None:
         return;
@@ -129,20 +219,10 @@ void ScriptPanel::Show(ScriptRequest request, TreeControlView& view) {
 void ScriptPanel::PopUp(const ScriptRequest& request, const std::function<void(int)>& chosen) {
     if (menu_)
         menu_->close();
-    menu_ = new QMenu(this);
-    menu_->setAttribute(Qt::WA_DeleteOnClose);
     const bool node = request.What == ScriptRequest::Kind::NodeMenu;
-    menu_->setTitle(node ? tr("&Node") : tr("Blank Space"));
-    menu_->setAccessibleName(node ? tr("Node") : tr("Blank Space"));
-    for (size_t row = 0; row < request.Rows.size(); ++row) {
-        const MenuRow& line = request.Rows[row];
-        QAction* action =
-            line.Caption == u"-" ? menu_->addSeparator() : menu_->addAction(line.Caption);
-        action->setVisible(line.Visible);
-        action->setEnabled(line.Enabled);
-        connect(action, &QAction::triggered, this,
-                [chosen, row] { chosen(static_cast<int>(row)); });
-    }
+    menu_ = new QMenu(node ? tr("&Node") : tr("Blank Space"), this);
+    menu_->setAttribute(Qt::WA_DeleteOnClose);
+    fillMenu(*menu_, request.Rows, [chosen](int row, const MenuRow&) { chosen(row); });
     menu_->popup(request.ScreenPoint);
 }
 
@@ -168,6 +248,89 @@ void ScriptPanel::AskForPythonLine() {
             Guarded([this] { clicks_.mnuNodeRightB_Click(ScriptClicks::PythonLine); });
     });
     box->open();
+}
+
+// -- The keyboard on a line ----------------------------------------------------------------
+
+LinePiece ScriptPanel::currentPiece(const TreeNode* node) const {
+    if (!node || node->Tag() == PythonLineTag)
+        return {};
+    const std::vector<LinePiece> pieces = linePieces(node->Text());
+    if (pieces.empty())
+        return {};
+    const int index = pieceNode_.Get() == node ? pieceIndex_ : 0;
+    return pieces[static_cast<size_t>(std::clamp(index, 0, static_cast<int>(pieces.size()) - 1))];
+}
+
+QPoint ScriptPanel::piecePoint(TreeControlView& view, const TreeNode* node) const {
+    view.scrollTo(view.ItemModel().IndexOf(node));
+    const LinePiece piece = currentPiece(node);
+    const QRect text = view.NodeRect(node);
+    if (piece.Length == 0)
+        return {text.left() + 1, text.center().y()};
+    const QRect rect = pieceRect(view, node, piece);
+    return {rect.left() + std::min(rect.width() / 2, 4), rect.center().y()};
+}
+
+void ScriptPanel::takePieceAt(TreeControlView& view, const QPoint& point) {
+    TreeNode* node = view.HitTest(point);
+    if (!node)
+        return;
+    const int offset = RichCharNumOver(node->Text(), view.TextFont(), view.NodeRect(node), point);
+    const std::vector<LinePiece> pieces = linePieces(node->Text());
+    int index = 0;
+    while (index + 1 < static_cast<int>(pieces.size()) &&
+           pieces[static_cast<size_t>(index + 1)].Offset <= offset)
+        ++index;
+    pieceNode_ = NodeRef::To(view.Tree(), node);
+    pieceIndex_ = index;
+}
+
+bool ScriptPanel::eventFilter(QObject* watched, QEvent* event) {
+    auto* view = qobject_cast<TreeControlView*>(watched);
+    if (event->type() != QEvent::KeyPress || (view != treeView1_ && view != commandLine_))
+        return QWidget::eventFilter(watched, event);
+    auto* key = static_cast<QKeyEvent*>(event);
+    if (key->modifiers() & ~Qt::KeypadModifier)
+        return false;
+    return keyOnLine(*view, key->key());
+}
+
+bool ScriptPanel::keyOnLine(TreeControlView& view, int key) {
+    TreeControl& tree = view.Tree();
+    TreeNode* node = tree.SelectedItem();
+    if (!node)
+        return false;
+    if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+        Guarded([&] {
+            ScriptRequest request = clicks_.pressEnter(tree, node, currentPiece(node).Offset);
+            request.TreePoint = piecePoint(view, node);
+            Show(request, view);
+        });
+        return true;
+    }
+    if (key != Qt::Key_Left && key != Qt::Key_Right)
+        return false;
+    const int pieces =
+        currentPiece(node).Length == 0 ? 0 : static_cast<int>(linePieces(node->Text()).size());
+    if (pieces == 0)
+        return false; // blocks and Python lines open and close as tree items do
+    int index = pieceNode_.Get() == node ? std::clamp(pieceIndex_, 0, pieces - 1) : 0;
+    // Left of the first piece is the tree's own: up to the block the line is in.
+    if (key == Qt::Key_Left && index == 0)
+        return false;
+    index = std::clamp(index + (key == Qt::Key_Left ? -1 : 1), 0, pieces - 1);
+    pieceNode_ = NodeRef::To(tree, node);
+    pieceIndex_ = index;
+    tellPiece(view, node);
+    return true;
+}
+
+void ScriptPanel::tellPiece(TreeControlView& view, const TreeNode* node) {
+    view.viewport()->update();
+    view.setAccessibleDescription(pieceDescription(node->Text(), currentPiece(node)));
+    QAccessibleEvent told(&view, QAccessible::DescriptionChanged);
+    QAccessible::updateAccessibility(&told);
 }
 
 } // namespace vessa

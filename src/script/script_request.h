@@ -9,11 +9,25 @@
 
 namespace vessa {
 
-// One row of a pop-up menu as the script's rules decide it.
+struct ScriptRequest;
+
+// One row of a pop-up menu as the script's rules decide it: a row to choose, a
+// separator, or a row that opens a menu of its own.
 struct MenuRow {
-    QString Caption; // "-" for a separator
+    QString Caption{}; // "-" for a separator
     bool Visible = true;
     bool Enabled = true;
+    // The rows of the menu this row opens; empty for a row that is chosen.
+    std::vector<MenuRow> Rows{};
+    // What choosing the row does, and what is left to show after it: an editor, a
+    // message, or nothing. Rows of the node and blank-space menus go by their index instead.
+    std::function<ScriptRequest()> Chosen{};
+    bool Checkable = false;
+    bool Checked = false;
+    bool Default = false; // shown in bold: the row the menu is about
+    QString Name{};       // the control's name, for rows that have one of their own
+
+    bool IsSeparator() const { return Caption == u"-"; }
 };
 
 // What a click asks for. The script, or the event list, decides; whoever shows menus
@@ -22,19 +36,20 @@ struct MenuRow {
 struct ScriptRequest {
     enum class Kind {
         None,
-        ObjectPicker, // later: pick an object; Value is the one to select
-        ActionMenu,   // later: the cascade of commands
-        StarMenuAll,  // later: the optional parameters of command Number
-        StarMenuRow,  // later: the values of parameter kind Number
-        TextEditor,   // later: a name editor with Title, Prompt and Value as default
-        SoundList,    // later: the sounds to choose from
+        ObjectPicker, // pick an object; Value is the one to select
+        ActionMenu,   // the cascade of commands
+        StarMenuAll,  // the optional parameters of command Number
+        StarMenuRow,  // the values of parameter kind Number
+        TextEditor,   // a name or value editor with Title, Prompt and Value as default
+        SoundList,    // the sounds to choose from
         NodeMenu,     // the node menu with Rows
         BlankMenu,    // the blank-space menu with Rows
         Message,      // tell the user Value, in a box titled Title
         PerformLine,  // run Value, the Python of a line or block, at once in the scene
         NodeCommand,  // later: row Number of the node menu (cut, copy, paste, delete)
         BlankCommand, // later: row Number of the blank-space menu (the Python code box)
-        ObjectMenu,   // later: the action menu of the object named Value, at the mouse
+        ObjectMenu,   // the action menu of the object named Value, at the mouse
+        ObjectRename, // ask for a new name of the object named Value
         // The editors of the event list's CurrentRow, column Number, whose text is Value:
         EventConditionMenu, // later: the conditions
         EventObjectPicker,  // later: who it happens to, with "AnyWhere"; Value to select
@@ -47,6 +62,9 @@ struct ScriptRequest {
     QString Title;
     QString Prompt;
     std::vector<MenuRow> Rows;
+    // An editor or picker whose result runs in the scene at once rather than going into a
+    // line: the object menu's commands on the opening scene.
+    bool OneShot = false;
     // Where the click fell, in pixels of the tree's viewport, and on the screen.
     QPoint TreePoint;
     QPoint ScreenPoint;

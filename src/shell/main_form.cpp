@@ -155,8 +155,8 @@ MainForm::~MainForm() {
 QWidget* MainForm::buildColumns() {
     scenePanel_ = new ScenePanel(world_.trees(), engine_, reporter_, world_.script().DragNode,
                                  {[this] { return world_.status().SceneScriptTab(); },
-                                  [this](const QString& name) {
-                                      world_.showObjectMenu(name);
+                                  [this](const QString& name, const QPoint& point) {
+                                      world_.showObjectMenu(name, point);
                                   }},
                                  this);
     auto* right = new QSplitter(Qt::Vertical, this);

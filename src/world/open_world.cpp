@@ -39,10 +39,11 @@ DifferenceResult OpenWorld::pollTreeDifferences() {
     return HandleDifferences(engine_.call(QStringLiteral("PollForTreeDifferences")));
 }
 
-void OpenWorld::showObjectMenu(const QString& objectName) {
+void OpenWorld::showObjectMenu(const QString& objectName, const QPoint& screenPoint) {
     ScriptRequest menu;
     menu.What = ScriptRequest::Kind::ObjectMenu;
     menu.Value = objectName;
+    menu.ScreenPoint = screenPoint;
     script_.requests().route(menu);
 }
 
@@ -71,6 +72,26 @@ int OpenWorld::ReplaceInListView(const QString& oldName, const QString& newName)
 
 void OpenWorld::ReportError(const RunTimeError& error) {
     reporter_.reportHandlerFailure(error);
+}
+
+QStringList OpenWorld::sceneSounds() {
+    QStringList sounds;
+    // The scene's sounds stand side by side at the top of the tree.
+    for (const TreeNode* sound = trees_.SoundTree.FirstRoot(); sound; sound = sound->Next())
+        sounds << sound->Text();
+    return sounds;
+}
+
+QVariantList OpenWorld::objectMenuFacts(const QString& objectName) {
+    return engine_.call(QStringLiteral("PrepareObjectMenu"), {objectName}).toList();
+}
+
+void OpenWorld::runTool(const QString& statement, const QString& failureMessage) {
+    vessa::runTool(engine_, reporter_, statement, failureMessage);
+}
+
+bool OpenWorld::isValidObjectName(const QString& name) {
+    return acceptsName(engine_, name);
 }
 
 } // namespace vessa

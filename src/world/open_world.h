@@ -45,8 +45,9 @@ public:
     // must have them before the scene goes away.
     DifferenceResult pollTreeDifferences();
 
-    // The right-click menu of an object, from the object tree or the camera view.
-    void showObjectMenu(const QString& objectName);
+    // The right-click menu of an object, from the object tree or the camera view: at
+    // screenPoint, or where the mouse is when none is given.
+    void showObjectMenu(const QString& objectName, const QPoint& screenPoint = {});
     // "Perform this Line": runs the Python of a line or block of the script at once, in
     // the scene as it stands.
     void RunSelectedLine(const QString& python);
@@ -62,6 +63,12 @@ public:
     void LVUndoFromLog() override;
     int ReplaceInListView(const QString& oldName, const QString& newName) override;
     void ReportError(const RunTimeError& error) override;
+    const TreeControl& sceneObjects() override { return trees_.ObjectTree; }
+    QStringList sceneSounds() override;
+    bool openingSceneShown() override { return status_.SceneScriptTab() == 0; }
+    QVariantList objectMenuFacts(const QString& objectName) override;
+    void runTool(const QString& statement, const QString& failureMessage) override;
+    bool isValidObjectName(const QString& name) override;
 
 private:
     AppState& state_;         // Not owned.

@@ -42,11 +42,12 @@ struct Column : ScriptedProgram {
         sun = add(scene, QStringLiteral("Sun"), QStringLiteral("Sun"), object_images::Light);
         t.SetExpanded(scene, true);
         t.SetExpanded(bunny, true);
-        panel = std::make_unique<ScenePanel>(trees, engine, reporter, dragNode,
-                                             ScenePanel::Hooks{[this] { return tab; },
-                                                               [this](const QString& name) {
-                                                                   objectMenus << name;
-                                                               }});
+        panel = std::make_unique<ScenePanel>(
+            trees, engine, reporter, dragNode,
+            ScenePanel::Hooks{[this] { return tab; },
+                              [this](const QString& name, const QPoint&) {
+                                  objectMenus << name;
+                              }});
         panel->resize(300, 400);
         panel->show();
         QApplication::processEvents();
@@ -163,6 +164,15 @@ TEST(ObjectTreePanel, RightClickOnBlankSpaceShowsNoMenuButTellsTheSelectedObject
     c.panel->ObjectTree_MouseUp(Qt::RightButton, c.at(c.bunny));
     EXPECT_EQ(c.objectMenus, QStringList{QStringLiteral("Bunny")});
     EXPECT_EQ(c.trees.ObjectTree.SelectedItem(), c.bunny);
+}
+
+TEST(ObjectTreePanel, TheObjectsMenuOpensOnTheSceneAndAnimationsTabsButNotOnTheEventsTab) {
+    Column c;
+    for (int tab : {1, 2, 0}) {
+        c.tab = tab;
+        c.panel->ObjectTree_MouseUp(Qt::RightButton, c.at(c.sun));
+    }
+    EXPECT_EQ(c.objectMenus, (QStringList{QStringLiteral("Sun"), QStringLiteral("Sun")}));
 }
 
 TEST(ObjectTreePanel, TheMenuKeyAsksForTheSelectedObjectsMenuAsARightClickDoes) {

@@ -24,6 +24,18 @@ public:
         return eventRowsOfRenamedAnimation;
     }
     void ReportError(const RunTimeError& error) override { errors.push_back(error.number()); }
+    const TreeControl& sceneObjects() override { return objects; }
+    QStringList sceneSounds() override { return sounds; }
+    bool openingSceneShown() override { return openingScene; }
+    QVariantList objectMenuFacts(const QString& objectName) override {
+        asked << objectName;
+        return facts;
+    }
+    void runTool(const QString& statement, const QString& failureMessage) override {
+        statements << statement;
+        failures << failureMessage;
+    }
+    bool isValidObjectName(const QString& name) override { return !takenNames.contains(name); }
 
     void RecordRequestsOf(ScriptModel& model) {
         for (int kind = 0; kind <= static_cast<int>(ScriptRequest::Kind::ObjectMenu); ++kind)
@@ -38,6 +50,16 @@ public:
     int eventRowsOfRenamedAnimation = 0; // what the event list answers
     std::vector<ScriptRequest> requests;
     std::vector<int> errors;
+
+    // The scene as the menus see it.
+    TreeControl objects;       // the object tree
+    QStringList sounds;        // the scene's sounds
+    bool openingScene = false; // the opening scene's tab is shown
+    QVariantList facts;        // what the engine tells of any object for its menu
+    QStringList takenNames;    // names the engine refuses
+    QStringList asked;         // the objects whose menus were prepared
+    QStringList statements;    // run in the scene, in order
+    QStringList failures;      // the failure message given with each
 };
 
 // A tree laid out as a tree view lays it out, without a window: one row of RowHeight
