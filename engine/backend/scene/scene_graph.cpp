@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
 #include <stdexcept>
 
 namespace vessa::core {
@@ -39,6 +40,24 @@ bool sameWord(std::string_view a, std::string_view b) {
         return std::tolower(static_cast<unsigned char>(x)) ==
                std::tolower(static_cast<unsigned char>(y));
     });
+}
+
+// A crowd is emptied newest first (a world that is closed, a run's objects
+// put away), so a child is looked for from the end: that way each leaves in
+// a moment however many stand beside it.
+void removeFromEnd(osg::Group& group, const osg::Node* child) {
+    for (unsigned int i = group.getNumChildren(); i-- > 0;) {
+        if (group.getChild(i) == child) {
+            group.removeChildren(i, 1);
+            return;
+        }
+    }
+}
+
+void removeFromEnd(std::vector<int>& ids, int id) {
+    const auto found = std::find(ids.rbegin(), ids.rend(), id);
+    if (found != ids.rend())
+        ids.erase(std::next(found).base());
 }
 
 bool isWhite(const ChannelValue& color) {
@@ -167,8 +186,8 @@ void SceneGraph::setParent(int id, std::optional<int> parent) {
         return;
     if (n.parent) {
         Node& old = node(*n.parent);
-        old.place->removeChild(n.place);
-        std::erase(old.children, id);
+        removeFromEnd(*old.place, n.place.get());
+        removeFromEnd(old.children, id);
     }
     n.parent = parent;
     if (parent) {
