@@ -174,6 +174,22 @@ TEST(LighterShape, KeepsTheOutlineWithAFractionOfTheTriangles) {
     EXPECT_NEAR(light->getBound().radius(), ball->getBound().radius(), 0.15);
 }
 
+// Corners gathered into one cell keep the faces that meet there apart: a
+// thin plate keeps its top and its bottom, each flat, not rounded and dark at
+// its edges; only its sides, thinner than a cell, go.
+TEST(LighterShape, KeepsBothFacesOfAThinPlateFacingTheirOwnWays) {
+    osg::ref_ptr<osg::Geode> box = new osg::Geode;
+    box->addDrawable(new osg::ShapeDrawable(new osg::Box(osg::Vec3(), 1.0f, 0.05f, 1.0f)));
+    const LighterShape lighter = lighterShape(box.get(), 3);
+    const auto* normals = dynamic_cast<const osg::Vec3Array*>(
+        lighter.shape->asGeode()->getDrawable(0)->asGeometry()->getNormalArray());
+    ASSERT_NE(normals, nullptr);
+    for (const osg::Vec3& normal : *normals)
+        EXPECT_NEAR(std::max({std::abs(normal.x()), std::abs(normal.y()), std::abs(normal.z())}),
+                    1.0f, 1e-5f);
+    EXPECT_EQ(lighter.triangles, 4);
+}
+
 TEST_F(ModelLibraryTest, A3dsFileStandingOnZStandsUpOnY) {
     osg::ref_ptr<osg::Group> mast = new osg::Group;
     mast->setName("Mast");
