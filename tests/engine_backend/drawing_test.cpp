@@ -1,6 +1,6 @@
 // Frames of small fixed worlds, drawn by Mesa under Xvfb, compared with the
 // colours they must show within a tolerance.
-#include "engine_backend/small_world.h"
+#include "engine_backend/drawing_fixture.h"
 #include "facade/backend.h"
 #include "scene/engine_frame.h"
 #include "view/view_widget.h"
@@ -26,41 +26,17 @@
 namespace vessa::core {
 namespace {
 
-constexpr int kWidth = 320;
-constexpr int kHeight = 240;
-constexpr long long kHostId = 41;
-
+using drawing::kHeight;
+using drawing::kHostId;
+using drawing::kWidth;
 using small_world::isGround;
 using small_world::isRed;
 using small_world::isSky;
 using small_world::values;
 
-class DrawingTest : public ::testing::Test {
+// A view of the default world, and what its frames show.
+class DrawingTest : public drawing::ViewTest {
 protected:
-    void SetUp() override {
-        if (QGuiApplication::platformName() != QLatin1String("xcb"))
-            GTEST_SKIP() << "drawing needs a display";
-        host.setProperty("vessaHostId", kHostId);
-        host.resize(kWidth, kHeight);
-        host.show();
-        ASSERT_EQ(backend.view().open(kWidth, kHeight, kHostId), "");
-        small_world::addDefaultWorld(backend);
-    }
-
-    void add(int id, const char* kind, const NodeValues& v, std::optional<int> parent) {
-        small_world::add(backend, id, kind, v, parent);
-    }
-
-    QImage frame() {
-        QImage image = backend.view().widget()->grabFramebuffer();
-        if (const char* folder = std::getenv("VESSA_DRAWING_OUTPUT")) {
-            const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-            image.save(QString::fromUtf8(folder) + QLatin1Char('/') + test->name() +
-                       QString::number(++frames_) + QStringLiteral(".png"));
-        }
-        return image;
-    }
-
     // Pixels in the middle third of the picture that look red.
     static int redPixels(const QImage& image) {
         int count = 0;
@@ -70,12 +46,6 @@ protected:
         }
         return count;
     }
-
-    QWidget host;
-    Backend backend;
-
-private:
-    int frames_ = 0;
 };
 
 TEST_F(DrawingTest, TheDefaultWorldShowsSkyAboveAndGroundBelow) {
