@@ -200,8 +200,10 @@ TEST_F(CrowdLookTest, ShowsEveryChangeAsACrowdMadeSoWould) {
         for (int part = 0; part < kNodesOfATree; ++part)
             backend.setStyle(firstOf(tree, kFirstTree) + part, "filling", std::string(filling));
     };
-    // Recoloured: to a look no tree has, to one others have, to white.
-    step(0, "color", {0.2, 1, 1, 0});
+    // Recoloured: through a fade of fifty looks no tree has (those no tree
+    // keeps are let go on the way), to one others have, to white.
+    for (int shade = 50; shade >= 0; --shade)
+        step(0, "color", {0.2 + shade / 100.0, 1, 1, 0});
     trees[0].color = {0.2, 1, 1, 0};
     step(1, "color", {0.4, 0.4, 1, 0});
     trees[1].color = {0.4, 0.4, 1, 0};
