@@ -1,15 +1,20 @@
-// The engine's speed with a big world, driven through the gateway as the
-// front end drives it: a thousand objects, a thousand running animations.
+// The engine's speed with big worlds, driven through the gateway as the
+// front end drives it: a thousand and ten thousand objects, as many running
+// animations; and a copy made in a world of ten objects and of ten thousand.
 #include "gateway/engine_registration.h"
 #include "gateway/interpreter_registry.h"
 
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
+#include <map>
+#include <memory>
 #include <stdexcept>
 
 namespace {
 
 constexpr int kObjects = 1000;
+constexpr int kManyObjects = 10000;
+constexpr int kObjectsOfTheDefaultWorld = 3; // camera, light and ground
 
 // The default world, with copies of its ground added.
 class BigWorld {
@@ -43,9 +48,17 @@ private:
     std::unique_ptr<vessa::Interpreter> engine_;
 };
 
+// A world of that many objects, made once.
+BigWorld& worldOf(int objects) {
+    static std::map<int, std::unique_ptr<BigWorld>> worlds;
+    auto& world = worlds[objects];
+    if (!world)
+        world = std::make_unique<BigWorld>(objects - kObjectsOfTheDefaultWorld);
+    return *world;
+}
+
 BigWorld& world() {
-    static BigWorld big(kObjects);
-    return big;
+    return worldOf(kObjects);
 }
 
 BigWorld& defaultWorld() {
@@ -64,8 +77,8 @@ void BM_FirstPictureOfTheDefaultWorld(benchmark::State& state) {
 BENCHMARK(BM_FirstPictureOfTheDefaultWorld)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 // One step of the engine with every object of the world moving at once.
-void BM_LoopWithThousandAnimations(benchmark::State& state) {
-    BigWorld& w = world();
+void BM_LoopWithAnimations(benchmark::State& state) {
+    BigWorld& w = worldOf(static_cast<int>(state.range(0)));
     w.run(QStringLiteral("for o in Vessa.GetDefaultScene().GetChildren(All):\n"
                          "    o.Move(Forward, 100, Duration=100000)\n"));
     w.call(QStringLiteral("Loop"));
@@ -74,7 +87,21 @@ void BM_LoopWithThousandAnimations(benchmark::State& state) {
     w.run(QStringLiteral("RestoreHandbasket()"));
     w.drainRecords();
 }
-BENCHMARK(BM_LoopWithThousandAnimations)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_LoopWithAnimations)->Arg(kObjects)->Arg(kManyObjects)->Unit(benchmark::kMicrosecond);
+
+// A copy of the ground, as the object menu makes it, in a small world and a
+// big one; undone between, so that the world keeps its size.
+void BM_CopyAnObject(benchmark::State& state) {
+    BigWorld& w = worldOf(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        w.run(QStringLiteral("Ground.Copy()"));
+        state.PauseTiming();
+        w.run(QStringLiteral("undo()"));
+        w.drainRecords();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(BM_CopyAnObject)->Arg(10)->Arg(kManyObjects)->Unit(benchmark::kMicrosecond);
 
 void BM_PreserveHandbasket(benchmark::State& state) {
     BigWorld& w = world();
@@ -114,10 +141,14 @@ void BM_SaveDefaultWorldWithItsPicture(benchmark::State& state) {
 }
 BENCHMARK(BM_SaveDefaultWorldWithItsPicture)->Unit(benchmark::kMillisecond);
 
+// The world saved, then loaded again and again: each load replaces a world
+// as big (the first also the objects other benchmarks made and undid).
 void BM_LoadWorld(benchmark::State& state) {
-    BigWorld& w = world();
+    BigWorld& w = worldOf(static_cast<int>(state.range(0)));
     QTemporaryDir folder;
     w.call(QStringLiteral("SaveScene"), {folder.path()});
+    w.call(QStringLiteral("LoadWorld"), {folder.path()});
+    w.drainRecords();
     for (auto _ : state) {
         w.call(QStringLiteral("LoadWorld"), {folder.path()});
         state.PauseTiming();
@@ -125,7 +156,11 @@ void BM_LoadWorld(benchmark::State& state) {
         state.ResumeTiming();
     }
 }
-BENCHMARK(BM_LoadWorld)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_LoadWorld)
+    ->Arg(kObjects)
+    ->Arg(kManyObjects)
+    ->MinTime(2.0)
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace
 

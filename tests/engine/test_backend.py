@@ -73,8 +73,14 @@ def test_styles_keep_the_words_given_and_truth_values(nodes):
 
 
 def test_a_removed_node_takes_its_tweens_and_unknown_nodes_are_errors(nodes):
+    nodes.add_node(3, {})
     nodes.add_tween(2, "position", (1, 0, 0), 0.0, 1.0, "gently")
+    nodes.step(2.0)
+    nodes.add_tween(2, "position", (1, 0, 0), 2.0, 1.0, "gently")
+    nodes.add_tween(3, "position", (1, 0, 0), 2.0, 1.0, "gently")
     nodes.remove_node(2)
+    assert nodes.tween_count() == 1
+    nodes.remove_node(3)
     assert nodes.tween_count() == 0
     with pytest.raises(KeyError):
         nodes.get(2, "position")

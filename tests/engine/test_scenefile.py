@@ -251,3 +251,20 @@ def test_texts_may_hold_brackets_and_signs_and_a_turn_is_made_whole(interp, tmp_
     sign = interp.scene.find("Sign")
     assert sign.model == "text:" + words
     assert sign.orientation == pytest.approx((0.5 ** 0.5, 0, 0.5 ** 0.5, 0))
+
+
+def test_a_line_written_by_hand_reads_as_the_engine_writes_it(interp, tmp_path):
+    interp.LoadWorld(DEFAULT_WORLD)
+    words = "text:it's a \\ \"sign\"\té, (-1, 2)"
+    interp.scene.create("model", "Sign", interp.scene.root,
+                        values={"position": (1.5, -2.0, 1e-05), "color": (0.0, 0.5, 1.0)},
+                        styles={"model": words, "shadow": False, "face_count": 12})
+    assert interp.SaveScene(str(tmp_path)) is None
+    saved = describe(interp)
+    scene_file = tmp_path / "World_Scene.py"
+    written = scene_file.read_text()
+    assert interp.LoadWorld(str(tmp_path)) is None and describe(interp) == saved
+    assert interp.scene.find("Sign").model == words
+    scene_file.write_text(written.replace("parent='Scene'", 'parent = "Scene" ')
+                          .replace("-2.0", "-2.00").replace("1e-05", "0.00001"))
+    assert interp.LoadWorld(str(tmp_path)) is None and describe(interp) == saved

@@ -1,6 +1,6 @@
 // Frames of small fixed worlds, drawn by Mesa under Xvfb, compared with the
 // colours they must show within a tolerance.
-#include "engine_backend/small_world.h"
+#include "engine_backend/drawing_fixture.h"
 #include "facade/backend.h"
 #include "scene/engine_frame.h"
 #include "view/view_widget.h"
@@ -14,50 +14,29 @@
 #include <QThread>
 #include <QWidget>
 #include <gtest/gtest.h>
+#include <osg/MatrixTransform>
 #include <osg/ShapeDrawable>
 #include <osg/Texture2D>
+#include <osgDB/Registry>
 
 #include <cmath>
+#include <fstream>
 #include <numbers>
 
 namespace vessa::core {
 namespace {
 
-constexpr int kWidth = 320;
-constexpr int kHeight = 240;
-constexpr long long kHostId = 41;
-
+using drawing::kHeight;
+using drawing::kHostId;
+using drawing::kWidth;
 using small_world::isGround;
 using small_world::isRed;
 using small_world::isSky;
 using small_world::values;
 
-class DrawingTest : public ::testing::Test {
+// A view of the default world, and what its frames show.
+class DrawingTest : public drawing::ViewTest {
 protected:
-    void SetUp() override {
-        if (QGuiApplication::platformName() != QLatin1String("xcb"))
-            GTEST_SKIP() << "drawing needs a display";
-        host.setProperty("vessaHostId", kHostId);
-        host.resize(kWidth, kHeight);
-        host.show();
-        ASSERT_EQ(backend.view().open(kWidth, kHeight, kHostId), "");
-        small_world::addDefaultWorld(backend);
-    }
-
-    void add(int id, const char* kind, const NodeValues& v, std::optional<int> parent) {
-        small_world::add(backend, id, kind, v, parent);
-    }
-
-    QImage frame() {
-        QImage image = backend.view().widget()->grabFramebuffer();
-        if (const char* folder = std::getenv("VESSA_DRAWING_OUTPUT")) {
-            const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-            image.save(QString::fromUtf8(folder) + QLatin1Char('/') + test->name() +
-                       QString::number(++frames_) + QStringLiteral(".png"));
-        }
-        return image;
-    }
-
     // Pixels in the middle third of the picture that look red.
     static int redPixels(const QImage& image) {
         int count = 0;
@@ -67,12 +46,6 @@ protected:
         }
         return count;
     }
-
-    QWidget host;
-    Backend backend;
-
-private:
-    int frames_ = 0;
 };
 
 TEST_F(DrawingTest, TheDefaultWorldShowsSkyAboveAndGroundBelow) {
@@ -150,6 +123,87 @@ TEST_F(DrawingTest, TheViewKeepsDrawingInAnotherWindow) {
     EXPECT_NE(backend.view().moveTo(99), "");
 }
 
+// Culling takes away only what the camera can't see: a box half out of the
+// picture's edge, and one far beyond the end of the ground, are drawn.
+TEST_F(DrawingTest, WhatIsInViewIsDrawnAtItsEdgesAndFarAway) {
+    // At 8 m from the eye the picture is 10 m wide: this box stands half out of it.
+    add(5, "model", values({-5, 1.5, 0, 0}, {1, 1, 1, 0}, {1, 0, 0, 0}), 1);
+    // A tower of 300 m three kilometres away, just above the horizon.
+    add(6, "model", values({0, 150, 3000, 0}, {300, 300, 300, 0}, {1, 0, 0, 0}), 1);
+    const QImage image = frame();
+    EXPECT_TRUE(isRed(image.pixelColor(1, kHeight / 2)));
+    EXPECT_TRUE(isRed(image.pixelColor(kWidth / 2, 107)));
+    backend.set(2, "position", {0, 1.5, -6, 0}); // nearer, the box leaves the picture
+    EXPECT_FALSE(isRed(frame().pixelColor(1, kHeight / 2)));
+}
+
+// A post from a model file with a flag on its right as a part of its own:
+// red and blue boxes a metre across.
+std::string writePostWithFlag(const QTemporaryDir& folder) {
+    auto box = [](osg::Vec4 color) {
+        auto* drawable = new osg::ShapeDrawable(new osg::Box(osg::Vec3(), 1.0f));
+        drawable->setColor(color);
+        auto* geode = new osg::Geode;
+        geode->addDrawable(drawable);
+        return geode;
+    };
+    osg::ref_ptr<osg::Group> post = new osg::Group;
+    post->setName("Post");
+    post->addChild(box({1, 0, 0, 1}));
+    auto* flag =
+        new osg::MatrixTransform(osg::Matrixd::translate(-1.2, 0, 0)); // OSG's x is mirrored
+    flag->setName("Flag");
+    flag->addChild(box({0, 0, 1, 1}));
+    post->addChild(flag);
+    const std::string path = folder.filePath(QStringLiteral("Post.mdl")).toStdString();
+    std::ofstream out(path, std::ios::binary);
+    osgDB::Registry::instance()->getReaderWriterForExtension("osgb")->writeNode(*post, out);
+    return path;
+}
+
+// Small on screen, an object that stands as its file has it is drawn from one
+// light shape of the whole; one whose part has moved or hidden is drawn
+// from its parts, as it is.
+TEST_F(DrawingTest, ASmallObjectIsDrawnWholeOnlyWhileItStandsAsItsFileHasIt) {
+    QTemporaryDir folder;
+    const std::string file = writePostWithFlag(folder);
+    const auto post = backend.models().load(file);
+    ASSERT_EQ(post->parts.size(), 2u);
+    ASSERT_NE(backend.models().wholeFor(file + "#0"), nullptr);
+    add(5, "model", values({0, 1, 20, 0}), 1);
+    add(6, "model",
+        {post->parts[1].position, post->parts[1].orientation, {1, 1, 1, 0}, {1, 1, 1, 0}}, 5);
+    backend.setStyle(5, "model", file + "#0");
+    backend.setStyle(6, "model", file + "#1");
+    // Where blue shows: how many pixels, and the middle of their columns.
+    auto blue = [this] {
+        const QImage image = frame();
+        int count = 0;
+        double columns = 0;
+        for (int y = 0; y < kHeight; ++y) {
+            for (int x = 0; x < kWidth; ++x) {
+                const QColor c = image.pixelColor(x, y);
+                if (c.blue() > 90 && c.red() < 50 && c.green() < 50) {
+                    ++count;
+                    columns += x;
+                }
+            }
+        }
+        return std::pair(count, count ? columns / count : 0.0);
+    };
+    const auto [whole, filedAt] = blue();
+    EXPECT_GT(whole, 10);
+    EXPECT_GT(filedAt, kWidth / 2); // right of the post
+    backend.set(6, "position", {4.2, 0, 0, 0});
+    const auto [moved, movedTo] = blue();
+    EXPECT_GT(moved, 10);
+    EXPECT_GT(movedTo, filedAt + 20);
+    backend.set(6, "position", post->parts[1].position);
+    EXPECT_EQ(blue(), std::pair(whole, filedAt));
+    backend.setStyle(6, "visible", false);
+    EXPECT_EQ(blue().first, 0);
+}
+
 // A box wearing a picture that is blue all over.
 osg::Node* blueBox() {
     osg::ref_ptr<osg::Image> picture = new osg::Image;
@@ -193,6 +247,14 @@ TEST_F(DrawingTest, TheHighQualityPathCastsShadowsOnTheGround) {
     backend.setStyle(5, "shadow", false);
     EXPECT_EQ(groundUnderneath(), plain);
     backend.setStyle(5, "shadow", true);
+    EXPECT_EQ(groundUnderneath(), shaded);
+    // Sunk into the ground with what it hangs from, the box casts no shadow.
+    add(7, "camera", values({0, 0, 0, 0}), 1);
+    backend.setParent(5, 7);
+    EXPECT_EQ(groundUnderneath(), shaded);
+    backend.set(7, "position", {0, -1.5, 0, 0});
+    EXPECT_EQ(groundUnderneath(), plain);
+    backend.set(7, "position", {0, 0, 0, 0});
     EXPECT_EQ(groundUnderneath(), shaded);
     ASSERT_EQ(backend.view().setHighQuality(false), "");
     EXPECT_EQ(groundUnderneath(), plain);

@@ -86,6 +86,29 @@ TEST_F(SceneGraphTest, APathThroughAShapeNamesItsNodeAndHiddenShapesAreMasked) {
     EXPECT_THROW(backend.setStyle(3, "visible", std::string("no")), std::invalid_argument);
 }
 
+// The view looks through the first camera in the world, found among the
+// cameras the graph keeps as nodes are made, remade and destroyed.
+TEST_F(SceneGraphTest, TheFirstCameraInTheWorldFollowsCamerasMadeAndDestroyed) {
+    const SceneGraph& scene = backend.scene();
+    EXPECT_EQ(scene.firstInWorld(NodeKind::Camera), std::nullopt);
+    backend.addNode(9, at(0, 0, 0), "camera"); // outside the world
+    EXPECT_EQ(scene.firstInWorld(NodeKind::Camera), std::nullopt);
+    backend.addNode(7, at(0, 0, 0), "camera");
+    backend.setParent(7, 2);
+    backend.setParent(9, 1);
+    EXPECT_EQ(scene.firstInWorld(NodeKind::Camera), 7);
+    backend.setParent(2, std::nullopt); // with what it hangs from
+    EXPECT_EQ(scene.firstInWorld(NodeKind::Camera), 9);
+    backend.setParent(2, 1);
+    backend.addNode(7, at(0, 0, 0), "light"); // the same id made anew as another kind
+    backend.setParent(7, 2);
+    EXPECT_EQ(scene.firstInWorld(NodeKind::Camera), 9);
+    EXPECT_EQ(scene.firstInWorld(NodeKind::Light), 7);
+    backend.removeNode(9);
+    EXPECT_EQ(scene.firstInWorld(NodeKind::Camera), std::nullopt);
+    EXPECT_EQ(scene.nodesOfKind(NodeKind::Model), (std::vector<int>{2, 3}));
+}
+
 TEST_F(SceneGraphTest, EveryChangeIsToldSoThatAViewCanRedraw) {
     int told = 0;
     backend.scene().setOnChange([&] { ++told; });

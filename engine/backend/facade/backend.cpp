@@ -74,9 +74,10 @@ void Backend::setStyle(int id, const std::string& style, const StyleValue& value
         scene_.setFilling(id, *word);
     else if (style == "lighting" && word)
         scene_.setLighting(id, *word);
-    else if (style == "model" && word)
+    else if (style == "model" && word) {
         scene_.setModel(id, *word, shapeFor(id, *word));
-    else
+        scene_.setWhole(id, scene_.kind(id) == NodeKind::Model ? models_.wholeFor(*word) : nullptr);
+    } else
         throw std::invalid_argument("unknown style " + style + " or a value of the wrong kind");
 }
 

@@ -31,6 +31,16 @@ osg::ref_ptr<Array> gathered(const Array& from, const std::vector<unsigned int>&
     return to;
 }
 
+// Which of the six axis directions a normal is nearest.
+int facing(const osg::Vec3& normal) {
+    int axis = 0;
+    for (int i = 1; i < 3; ++i) {
+        if (std::abs(normal[i]) > std::abs(normal[axis]))
+            axis = i;
+    }
+    return 2 * axis + (normal[axis] < 0.0f ? 1 : 0);
+}
+
 class Gatherer : public osg::NodeVisitor {
 public:
     Gatherer(const osg::BoundingBox& bounds, int cellsAcross)
@@ -45,6 +55,8 @@ public:
             gather(*geometry);
     }
 
+    int triangles() const { return triangles_; }
+
 private:
     void gather(osg::Geometry& geometry) {
         auto* points = dynamic_cast<osg::Vec3Array*>(geometry.getVertexArray());
@@ -52,15 +64,21 @@ private:
             return;
         osg::TriangleIndexFunctor<TriangleList> triangles;
         geometry.accept(triangles);
-        // The first vertex met in a cell stands for all of them.
-        std::map<std::array<int, 3>, unsigned int> cells;
+        const auto* normals = dynamic_cast<const osg::Vec3Array*>(geometry.getNormalArray());
+        if (normals && (normals->getBinding() != osg::Array::BIND_PER_VERTEX ||
+                        normals->size() != points->size()))
+            normals = nullptr;
+        // The first vertex met in a cell stands for all of them that face
+        // the same way: the faces of a box, the two sides of a thin plate,
+        // stay apart.
+        std::map<std::array<int, 4>, unsigned int> cells;
         std::vector<unsigned int> kept;
         std::vector<unsigned int> standIn(points->size());
         for (unsigned int i = 0; i < points->size(); ++i) {
             const osg::Vec3 at = ((*points)[i] - origin_) / cell_;
-            const std::array<int, 3> key = {static_cast<int>(std::floor(at.x())),
-                                            static_cast<int>(std::floor(at.y())),
-                                            static_cast<int>(std::floor(at.z()))};
+            const std::array<int, 4> key = {
+                static_cast<int>(std::floor(at.x())), static_cast<int>(std::floor(at.y())),
+                static_cast<int>(std::floor(at.z())), normals ? facing((*normals)[i]) : 0};
             auto [found, made] = cells.try_emplace(key, static_cast<unsigned int>(kept.size()));
             if (made)
                 kept.push_back(i);
@@ -77,20 +95,40 @@ private:
                 faces->push_back(c);
             }
         }
-        replaceArrays(geometry, kept);
+        replaceArrays(geometry, kept, standIn);
         geometry.removePrimitiveSet(0, geometry.getNumPrimitiveSets());
         geometry.addPrimitiveSet(faces);
+        triangles_ += static_cast<int>(faces->size() / 3);
     }
 
-    static void replaceArrays(osg::Geometry& geometry, const std::vector<unsigned int>& kept) {
+    // A cell's vertex takes the first one's colour and picture place, and
+    // the mean of their normals, so that it is shaded as the surface around it.
+    static osg::ref_ptr<osg::Vec3Array> meanNormals(const osg::Vec3Array& normals,
+                                                    const std::vector<unsigned int>& kept,
+                                                    const std::vector<unsigned int>& standIn) {
+        osg::ref_ptr<osg::Vec3Array> means = gathered(normals, kept);
+        for (unsigned int i = 0; i < normals.size(); ++i) {
+            if (kept[standIn[i]] != i)
+                (*means)[standIn[i]] += normals[i];
+        }
+        for (unsigned int k = 0; k < means->size(); ++k) {
+            if ((*means)[k].normalize() == 0.0f)
+                (*means)[k] = normals[kept[k]];
+        }
+        return means;
+    }
+
+    static void replaceArrays(osg::Geometry& geometry, const std::vector<unsigned int>& kept,
+                              const std::vector<unsigned int>& standIn) {
         geometry.setVertexArray(
             gathered(*static_cast<osg::Vec3Array*>(geometry.getVertexArray()), kept));
         auto perVertex = [](const osg::Array* array) {
             return array && array->getBinding() == osg::Array::BIND_PER_VERTEX;
         };
         if (auto* normals = dynamic_cast<osg::Vec3Array*>(geometry.getNormalArray());
-            normals && perVertex(normals))
-            geometry.setNormalArray(gathered(*normals, kept), osg::Array::BIND_PER_VERTEX);
+            normals && perVertex(normals) && normals->size() == standIn.size())
+            geometry.setNormalArray(meanNormals(*normals, kept, standIn),
+                                    osg::Array::BIND_PER_VERTEX);
         if (auto* colors = dynamic_cast<osg::Vec4Array*>(geometry.getColorArray());
             colors && perVertex(colors))
             geometry.setColorArray(gathered(*colors, kept), osg::Array::BIND_PER_VERTEX);
@@ -105,18 +143,20 @@ private:
 
     osg::Vec3 origin_;
     float cell_ = 1.0f;
+    int triangles_ = 0;
 };
 
 } // namespace
 
-osg::ref_ptr<osg::Node> lighterShape(osg::Node* shape, int cellsAcross) {
+LighterShape lighterShape(osg::Node* shape, int cellsAcross) {
     osg::ComputeBoundsVisitor measure;
     shape->accept(measure);
-    osg::ref_ptr<osg::Node> light =
-        osg::clone(shape, osg::CopyOp::DEEP_COPY_NODES | osg::CopyOp::DEEP_COPY_DRAWABLES);
+    LighterShape light{
+        osg::clone(shape, osg::CopyOp::DEEP_COPY_NODES | osg::CopyOp::DEEP_COPY_DRAWABLES), 0};
     if (measure.getBoundingBox().valid()) {
         Gatherer gatherer(measure.getBoundingBox(), cellsAcross);
-        light->accept(gatherer);
+        light.shape->accept(gatherer);
+        light.triangles = gatherer.triangles();
     }
     return light;
 }

@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <unordered_map>
@@ -16,6 +17,7 @@
 namespace vessa::core {
 
 class SceneGraph;
+struct WholeObject;
 
 // One part of a model file, or its root: what the engine makes an object
 // (the root) or a part of it from.
@@ -66,6 +68,9 @@ public:
 
     std::shared_ptr<const Model> load(const std::string& path); // throws ModelError
     osg::Node* shapeFor(const std::string& model);              // nullptr: draws nothing
+    // For a file's object itself ("<file>#0"): how it is drawn whole while
+    // small on screen; null for anything else.
+    std::shared_ptr<const WholeObject> wholeFor(const std::string& model);
     void store(const SceneGraph& scene, const std::vector<StoredPart>& parts,
                const std::string& path) const; // throws ModelError
 
@@ -73,8 +78,11 @@ private:
     struct Entry {
         FileStamp stamp;
         std::shared_ptr<const Model> model; // null when refused
+        std::shared_ptr<const WholeObject> whole;
         std::string failure;
     };
+    // The file and the part a model reference names; no file for words or a box.
+    static std::optional<std::pair<std::string, size_t>> filePart(const std::string& model);
     ReaderProcess& reader_;
     std::unordered_map<std::string, Entry> read_;
 };

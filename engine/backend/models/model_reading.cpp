@@ -1,6 +1,7 @@
 #include "models/model_reading.h"
 
 #include "models/lighter_shape.h"
+#include "models/whole_shape.h"
 #include "reading/formats.h"
 #include "reading/reader_process.h"
 #include "scene/engine_frame.h"
@@ -22,11 +23,17 @@ namespace vessa::core {
 
 namespace {
 
-// Shapes with more triangles than this get a lighter copy for when they are
-// small in the picture, gathered on a grid this many cells across.
-constexpr int kSimplifyAbove = 400;
-constexpr int kLightCells = 10;
-constexpr float kFullDetailPixels = 120.0f;
+// Shapes of more triangles than this, or of more than one mesh, are drawn
+// from lighter copies while they are small on screen: one gathered on a grid
+// kFineCells across under kFullDetailPixels across, one kCoarseCells across
+// under kFineDetailPixels, so that a cell stays within a few pixels. A copy
+// draws its coloured meshes at once, and is kept when it has at most half
+// the triangles of the level above it, or fewer drawings.
+constexpr int kSimplifyAbove = 100;
+constexpr int kFineCells = 14;
+constexpr int kCoarseCells = 6;
+constexpr float kFullDetailPixels = 150.0f;
+constexpr float kFineDetailPixels = 50.0f;
 constexpr const char* kDetailName = "detail levels";
 
 std::string damaged(const std::string& path) {
@@ -127,17 +134,34 @@ osg::ref_ptr<osg::Geometry> geometryFrom(const MeshDescription& mesh, Looks& loo
     return geometry;
 }
 
-// The lighter copy is drawn while the shape covers fewer pixels than
-// kFullDetailPixels, which is how a crowd of objects stays quick to draw.
-osg::ref_ptr<osg::Node> withDetailLevels(osg::Node* shape, int faces) {
-    if (faces <= kSimplifyAbove)
+// Levels of detail by the shape's size on screen, which is how a crowd stays
+// quick to draw: copies with fewer triangles, drawn in fewer drawings.
+osg::ref_ptr<osg::Node> withDetailLevels(osg::Geode* shape, int faces) {
+    if (faces <= kSimplifyAbove && shape->getNumDrawables() < 2)
         return shape;
-    osg::ref_ptr<osg::Node> light = lighterShape(shape, kLightCells);
+    const MergedShape merged = mergedShape({{shape, osg::Matrixd::identity()}});
     osg::ref_ptr<osg::LOD> levels = new osg::LOD;
     levels->setName(kDetailName);
     levels->setRangeMode(osg::LOD::PIXEL_SIZE_ON_SCREEN);
     levels->addChild(shape, kFullDetailPixels, std::numeric_limits<float>::max());
-    levels->addChild(light.get(), 0.0f, kFullDetailPixels);
+    int triangles = faces;
+    unsigned int drawings = shape->getNumDrawables();
+    const unsigned int mergedDrawings = merged.geode->getNumDrawables();
+    for (const auto& [cells, from] :
+         {std::pair{kFineCells, kFineDetailPixels}, std::pair{kCoarseCells, 0.0f}}) {
+        const unsigned int last = levels->getNumChildren() - 1;
+        LighterShape light = lighterShape(merged.geode.get(), cells);
+        if (light.triangles * 2 <= triangles || mergedDrawings < drawings) {
+            levels->addChild(light.shape.get(), from, levels->getMinRange(last));
+            triangles = light.triangles;
+            drawings = mergedDrawings;
+        } else {
+            // no lighter than the level above, which reaches further down
+            levels->setRange(last, from, levels->getMaxRange(last));
+        }
+    }
+    if (levels->getNumChildren() == 1)
+        return shape;
     return levels;
 }
 

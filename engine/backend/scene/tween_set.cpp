@@ -1,6 +1,7 @@
 #include "scene/tween_set.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace vessa::core {
@@ -16,15 +17,34 @@ int TweenSet::add(std::optional<int> node, Channel channel, const ChannelValue& 
     const int id = nextId_++;
     tweens_.emplace(id,
                     Tween{node, channel, delta, start, std::max(duration, 0.0), easingFor(style)});
+    if (node)
+        ++countOfNode_[*node];
     return id;
 }
 
+void TweenSet::erase(std::map<int, Tween>::iterator tween) {
+    if (const auto node = tween->second.node) {
+        const auto count = countOfNode_.find(*node);
+        if (--count->second == 0)
+            countOfNode_.erase(count);
+    }
+    tweens_.erase(tween);
+}
+
 void TweenSet::cancel(int tweenId) {
-    tweens_.erase(tweenId);
+    if (const auto found = tweens_.find(tweenId); found != tweens_.end())
+        erase(found);
 }
 
 void TweenSet::forgetNode(int node) {
-    std::erase_if(tweens_, [node](const auto& entry) { return entry.second.node == node; });
+    if (!countOfNode_.contains(node))
+        return;
+    for (auto tween = tweens_.begin(); tween != tweens_.end();) {
+        const auto next = std::next(tween);
+        if (tween->second.node == node)
+            erase(tween);
+        tween = next;
+    }
 }
 
 std::vector<int> TweenSet::step(double now, const Apply& apply) {
@@ -43,7 +63,7 @@ std::vector<int> TweenSet::step(double now, const Apply& apply) {
     std::vector<int> ids;
     ids.reserve(finished.size());
     for (const auto& [end, id] : finished) {
-        tweens_.erase(id);
+        erase(tweens_.find(id));
         ids.push_back(id);
     }
     return ids;

@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace vessa::core {
@@ -46,7 +47,12 @@ private:
         double fraction(double now) const;
     };
 
+    void erase(std::map<int, Tween>::iterator tween);
+
     std::map<int, Tween> tweens_; // by id, which is also the order they were made in
+    // How many tweens each node has: a node made or let go among thousands
+    // of running tweens is looked for only when it has some.
+    std::unordered_map<int, int> countOfNode_;
     int nextId_ = 1;
 };
 

@@ -9,6 +9,7 @@
 #include <osg/LightModel>
 #include <osg/LightSource>
 #include <osg/Material>
+#include <osg/PolygonMode>
 #include <osg/PolygonOffset>
 #include <osg/Stencil>
 #include <osgUtil/IntersectionVisitor>
@@ -26,8 +27,12 @@ constexpr osg::Node::NodeMask kWorldMask = 0x1;
 constexpr osg::Node::NodeMask kDecorationMask = 0x2;
 
 constexpr double kFieldOfViewDegrees = 50.0;
+// The eye comes as close as this to what it sees; the far plane lies just
+// beyond the world, however big it is.
 constexpr double kNear = 0.05;
-constexpr double kFar = 2000.0;
+constexpr double kFarBeyondTheWorld = 1.01;
+// Shapes smaller on screen than this many pixels across are specks: not drawn.
+constexpr float kSmallestFeaturePixels = 4.0f;
 
 const osg::Vec4 kSkyTop(0.30f, 0.52f, 0.84f, 1.0f);
 const osg::Vec4 kSkyHorizon(0.78f, 0.87f, 0.96f, 1.0f);
@@ -36,10 +41,8 @@ const osg::Vec4 kFill(0.45f, 0.45f, 0.45f, 1.0f);
 const osg::Vec4 kFillDirection(0.35f, 1.0f, -0.55f, 0.0f); // toward the fill light, OSG frame
 const osg::Vec4 kShadow(0.0f, 0.0f, 0.0f, 0.35f);
 
-// Shadows fall on the ground plane of the world, a hair above it; a shape
-// whose lowest point is further below it than kSunk casts none.
+// Shadows fall on the ground plane of the world, a hair above it.
 constexpr double kShadowHeight = 0.002;
-constexpr double kSunk = 0.01;
 constexpr int kWorldDrawn = 1; // stencil value of pixels the world covers
 
 // Without a camera in the world, the view stands where the default world's
@@ -104,15 +107,33 @@ void light(osg::StateSet* look, osg::LightSource* fill) {
     fill->setStateSetModes(*look, osg::StateAttribute::ON);
 }
 
-// The shapes that stand on or above the ground, flattened onto the ground
-// plane from the light and drawn as a dark glaze: shadows that cost one more
-// pass and no shaders. The ground itself, and what is sunk into it, casts
-// nothing.
-osg::MatrixTransform* makeShadows() {
+// Draws what it holds with only the shapes that cast shadows.
+class CastersOnly : public osg::NodeCallback {
+public:
+    void operator()(osg::Node* node, osg::NodeVisitor* visitor) override {
+        const osg::Node::NodeMask all = visitor->getTraversalMask();
+        visitor->setTraversalMask(SceneGraph::kCastsShadowMask);
+        traverse(node, visitor);
+        visitor->setTraversalMask(all);
+    }
+};
+
+// The world drawn a second time, flattened onto the ground plane from the
+// light as a dark glaze: shadows that cost one more pass and no shaders.
+// Only the shapes that stand on or above the ground are drawn (the scene
+// graph marks them), each as itself: nothing is made again for a frame.
+osg::MatrixTransform* makeShadows(osg::Node* world) {
     auto* flatten = new osg::MatrixTransform;
     flatten->setNodeMask(kDecorationMask);
+    flatten->setCullCallback(new CastersOnly);
+    flatten->addChild(world);
     osg::StateSet* look = flatten->getOrCreateStateSet();
     const auto forced = osg::StateAttribute::ON | osg::StateAttribute::OVERRIDE;
+    // However a shape is drawn itself, its shadow is solid, lit and whole.
+    look->setMode(GL_LIGHTING, forced);
+    look->setMode(GL_CULL_FACE, osg::StateAttribute::OFF | osg::StateAttribute::OVERRIDE);
+    look->setAttribute(
+        new osg::PolygonMode(osg::PolygonMode::FRONT_AND_BACK, osg::PolygonMode::FILL), forced);
     auto* dark = new osg::Material;
     dark->setColorMode(osg::Material::OFF);
     dark->setAmbient(osg::Material::FRONT_AND_BACK, osg::Vec4(0, 0, 0, kShadow.a()));
@@ -144,13 +165,6 @@ osg::Stencil* markingTheWorld() {
     return mark;
 }
 
-double lowestPoint(const osg::BoundingBox& box, const osg::Matrixd& toWorld) {
-    double lowest = std::numeric_limits<double>::max();
-    for (unsigned int corner = 0; corner < 8; ++corner)
-        lowest = std::min(lowest, (osg::Vec3d(box.corner(corner)) * toWorld).y());
-    return lowest;
-}
-
 // Projects points onto the plane y = h along lines from the light (w = 1) or
 // along its direction (w = 0), as a matrix for OSG's row vectors.
 osg::Matrixd flattenedFrom(const osg::Vec4d& light, double h) {
@@ -178,6 +192,7 @@ WorldView::WorldView(SceneGraph& scene)
     camera->setClearMask(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
     camera->setComputeNearFarMode(osg::CullSettings::DO_NOT_COMPUTE_NEAR_FAR);
     camera->setCullMask(kWorldMask | kDecorationMask);
+    camera->setSmallFeatureCullingPixelSize(kSmallestFeaturePixels);
 
     auto* fill = makeFillLight();
     light(root_->getOrCreateStateSet(), fill);
@@ -207,7 +222,7 @@ void WorldView::setSize(int width, int height) {
 void WorldView::setHighQuality(bool high) {
     highQuality_ = high;
     if (high && !shadows_) {
-        shadows_ = makeShadows();
+        shadows_ = makeShadows(scene_.world());
         world_->getOrCreateStateSet()->setAttributeAndModes(markingTheWorld());
         root_->addChild(shadows_);
     } else if (!high && shadows_) {
@@ -219,11 +234,7 @@ void WorldView::setHighQuality(bool high) {
 }
 
 std::optional<int> WorldView::cameraNode() const {
-    for (int id : scene_.nodesOfKind(NodeKind::Camera)) {
-        if (scene_.inWorld(id))
-            return id;
-    }
-    return std::nullopt;
+    return scene_.firstInWorld(NodeKind::Camera);
 }
 
 osg::Matrixd WorldView::viewMatrix() const {
@@ -235,37 +246,29 @@ osg::Matrixd WorldView::viewMatrix() const {
     return osg::Matrixd::inverse(place) * osg::Matrixd::rotate(osg::PI, osg::Vec3d(0, 1, 0));
 }
 
+// The far plane lies just beyond the farthest point of the world from the
+// eye, so that nothing in it is cut away, and depth is measured finely.
 void WorldView::placeCamera() const {
     osg::Camera* camera = viewer_->getCamera();
     camera->setViewport(0, 0, width_, height_);
+    const osg::Matrixd view = viewMatrix();
+    const osg::BoundingSphere& world = scene_.world()->getBound();
+    const osg::Vec3d eye = osg::Matrixd::inverse(view).getTrans();
+    const double farthest = world.valid() ? (osg::Vec3d(world.center()) - eye).length() +
+                                                static_cast<double>(world.radius())
+                                          : 0.0;
     camera->setProjectionMatrixAsPerspective(
         kFieldOfViewDegrees, static_cast<double>(width_) / static_cast<double>(height_), kNear,
-        kFar);
-    camera->setViewMatrix(viewMatrix());
+        std::max(farthest * kFarBeyondTheWorld, 2.0 * kNear));
+    camera->setViewMatrix(view);
 }
 
 void WorldView::placeShadows() {
-    const auto lights = scene_.nodesOfKind(NodeKind::Light);
-    const auto lit =
-        std::find_if(lights.begin(), lights.end(), [this](int id) { return scene_.inWorld(id); });
-    const osg::Vec4d from = lit != lights.end()
-                                ? osg::Vec4d(scene_.placeToWorld(*lit).getTrans(), 1.0)
-                                : osg::Vec4d(kFillDirection);
+    const auto lit = scene_.firstInWorld(NodeKind::Light);
+    const osg::Vec4d from =
+        lit ? osg::Vec4d(scene_.placeToWorld(*lit).getTrans(), 1.0) : osg::Vec4d(kFillDirection);
     shadows_->setMatrix(flattenedFrom(from, kShadowHeight));
-    shadows_->removeChildren(0, shadows_->getNumChildren());
-    for (int id : scene_.nodesOfKind(NodeKind::Model)) {
-        osg::Node* shape = scene_.shape(id);
-        const NodeStyle& look = scene_.style(id);
-        if (!shape || !look.visible || !look.castsShadow || !scene_.inWorld(id))
-            continue;
-        const ChannelValue size = scene_.get(id, Channel::Size);
-        const osg::Matrixd toWorld =
-            osg::Matrixd::scale(size[0], size[1], size[2]) * scene_.placeToWorld(id);
-        if (lowestPoint(scene_.shapeBox(id), toWorld) < -kSunk)
-            continue;
-        shadows_->addChild(new osg::MatrixTransform(toWorld));
-        shadows_->getChild(shadows_->getNumChildren() - 1)->asGroup()->addChild(shape);
-    }
+    scene_.settleShadowCasters();
 }
 
 void WorldView::draw(unsigned int fbo) {

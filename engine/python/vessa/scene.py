@@ -19,6 +19,7 @@ from .animation import DoInOrder
 from .commands import Commands
 from .events import Responses, Window
 from .mistakes import Mistake, NoSuchAttribute, checked, text
+from .scene_index import LivingIndex, NumberedNames
 
 DEFAULT_VALUES = backend.DEFAULT_VALUES
 
@@ -231,7 +232,9 @@ class Scene:
         self.namespace = {}
         self.sounds = None                  # the sounds.SoundShelf, once the engine has one
         self._ids = itertools.count(1)
-        self.things = {}
+        self.things = {}                    # every object, living or destroyed, by id
+        self._living = LivingIndex()
+        self._numbered = NumberedNames()
         self.none_id = self.new_id()
         self.junkyard_id = self.new_id()
         self._tell_special_ids()
@@ -249,14 +252,10 @@ class Scene:
     # -- finding ---------------------------------------------------------
 
     def living(self):
-        return [t for t in self.things.values() if t.alive]
+        return self._living.living()
 
     def find(self, name):
-        wanted = str(name).lower()
-        for thing in self.living():
-            if thing.name.lower() == wanted:
-                return thing
-        return None
+        return self._living.find(name)
 
     def thing(self, ref):
         """An object given as itself or by its name."""
@@ -269,7 +268,7 @@ class Scene:
         return found
 
     def cameras(self):
-        return [t for t in self.living() if t.kind == "camera"]
+        return self._living.cameras()
 
     def name_refusal(self, name, thing=None):
         """Why name can't be the name of thing (of a new object or sound,
@@ -306,9 +305,11 @@ class Scene:
         stem = base.rstrip("0123456789")
         if not stem or namespace.is_reserved(stem + "2"):
             stem = "Object"
-        for n in itertools.count(2):
-            if self.is_free_name("%s%d" % (stem, n)):
-                return "%s%d" % (stem, n)
+        return self._numbered.first_free(stem, self.is_free_name)
+
+    def name_let_go(self, name):
+        """name, of an object or a sound, is no longer taken."""
+        self._numbered.let_go(name)
 
     # -- making and changing ---------------------------------------------
 
@@ -323,6 +324,7 @@ class Scene:
             thing.parent = parent
             parent.children.append(thing)
             self.backend.set_parent(thing.id, parent.id)
+        self._living.add(thing)
         self._tell_new(thing)
         self._bind(thing)
         self.remember(lambda: self.destroy(thing))
@@ -347,12 +349,16 @@ class Scene:
         each: the front end empties its trees before it loads a world, so
         the new world is told from the start, scene first, and whatever the
         front end has not yet heard of the old one is dropped."""
-        for thing in self.things.values():
+        # newest first: the backend lets a crowd go quickest that way
+        for thing in reversed(self.things.values()):
             if thing is not self.root:
                 self._unbind(thing)
                 self.backend.remove_node(thing.id)
         self.things = {self.root.id: self.root}
         self.root.children = []
+        self._living.clear()
+        self._living.add(self.root)
+        self._numbered.clear()
         self._queue.restart_tree()
         self._tell_special_ids()
         self._tell_new(self.root)
@@ -369,6 +375,8 @@ class Scene:
         """Tells the front end the new full names of thing and its parts."""
         for member, old in zip(thing.family(), old_names):
             if member.name != old:
+                self._living.renamed(member, old)
+                self.name_let_go(old)
                 self._queue.add_tree(records.object_name_change(member.id, old, member.name))
 
     def rename(self, thing, new_name):
@@ -441,6 +449,8 @@ class Scene:
         for child in list(thing.children):
             self._destroy_family(child)
         thing.alive = False
+        self._living.remove(thing)
+        self.name_let_go(thing.name)
         self.backend.set_parent(thing.id, None)
         self._unbind(thing)
         self.remember(lambda: self.resurrect(thing))
@@ -449,6 +459,7 @@ class Scene:
 
     def resurrect(self, thing):
         thing.alive = True
+        self._living.add(thing)
         self.backend.set_parent(thing.id, thing.parent.id)
         self._bind(thing)
         self._queue.add_tree(records.object_resurrect(thing.id))

@@ -19,6 +19,7 @@ import ast
 import io
 import keyword
 import os
+import re
 import tokenize
 
 from . import geometry as g
@@ -131,6 +132,57 @@ def _literal(node, line):
 
 def _fields(line, source):
     """The form (Object or Sound) and the values of the statement on a line."""
+    form, fields = _plain_fields(source) or _parsed_fields(line, source)
+    for name, value in fields.items():
+        if isinstance(value, str) and len(value) > LONGEST_TEXT:
+            _fail(line, "%s is longer than %d letters" % (name, LONGEST_TEXT))
+    return form, fields
+
+
+# A line as write() puts it: texts without escapes, numbers as repr() writes
+# them, tuples of numbers, True, False and None, one ", " between values. A
+# big world is read quickly through these patterns; every other line goes
+# through Python's parser and the checks of each of its parts.
+_NUMBER = r"-?(?:0|[1-9][0-9]{0,17})(?:\.[0-9]{1,17})?(?:e[-+][0-9]{1,3})?"
+_PLAIN_START = re.compile(r"[ \t]*(Object|Sound)\(")
+_PLAIN_VALUE = re.compile(
+    r"([A-Za-z_][A-Za-z0-9_]*)=(?:'([^'\\\x00-\x1f\x7f]*)'|\(((?:%s, )+%s)\)|(%s)|(True|False|None))"
+    r"(, |\)[ \t]*$)" % (_NUMBER, _NUMBER, _NUMBER))
+_WORDS = {"True": True, "False": False, "None": None}
+
+
+def _plain_number(text):
+    return float(text) if "." in text or "e" in text else int(text)
+
+
+def _plain_fields(source):
+    """The form and values of a line as write() puts it; None for any other."""
+    start = _PLAIN_START.match(source)
+    if start is None:
+        return None
+    fields, at = {}, start.end()
+    while True:
+        value = _PLAIN_VALUE.match(source, at)
+        if value is None:
+            return None
+        name, text, numbers, number, word, after = value.groups()
+        if name in fields or keyword.iskeyword(name):
+            return None
+        if text is not None:
+            fields[name] = text
+        elif numbers is not None:
+            fields[name] = tuple(_plain_number(n) for n in numbers.split(", "))
+        elif number is not None:
+            fields[name] = _plain_number(number)
+        else:
+            fields[name] = _WORDS[word]
+        if after != ", ":
+            return start.group(1), fields
+        at = value.end()
+
+
+def _parsed_fields(line, source):
+    """The form and values of any other line, read by Python's parser."""
     _check_nesting(line, source)
     try:
         body = ast.parse(source.strip(), FILE_NAME).body
@@ -145,8 +197,6 @@ def _fields(line, source):
         if given.arg is None or given.arg in fields:
             _fail(line, "each value is given once, by its name")
         fields[given.arg] = _literal(given.value, line)
-        if isinstance(fields[given.arg], str) and len(fields[given.arg]) > LONGEST_TEXT:
-            _fail(line, "%s is longer than %d letters" % (given.arg, LONGEST_TEXT))
     return call.func.id, fields
 
 
@@ -211,17 +261,16 @@ def _checked_sound(line, fields):
 
 
 def _in_range(number, low, high):
-    if not isinstance(number, (int, float)) or isinstance(number, bool):
-        return False
-    try:
-        return low <= float(number) <= high      # never infinity, nor too big for a float
-    except OverflowError:
-        return False
+    """A number (not a truth value) within its range: never infinity nor not
+    a number; a whole number too big for a float compares as it is."""
+    return type(number) in (int, float) and low <= number <= high
+
+
+KNOWN = {"kind", "name", "parent", "firstclass"} | set(DEFAULT_VALUES) | set(STYLE_DEFAULTS)
 
 
 def _checked(line, fields):
-    known = {"kind", "name", "parent", "firstclass"} | set(DEFAULT_VALUES) | set(STYLE_DEFAULTS)
-    unknown = set(fields) - known
+    unknown = fields.keys() - KNOWN
     if unknown:
         _fail(line, "unknown value %s" % sorted(unknown)[0])
     if fields.get("kind") not in KINDS:

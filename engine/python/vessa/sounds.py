@@ -105,6 +105,7 @@ class SoundShelf:
     def _take_out(self, sound):
         sound.in_scene = False
         self._unbind(sound)
+        self._scene.name_let_go(sound.name)
         self._queue.add_tree(records.scene_remove_sound(self._scene.root.id, sound.id))
 
     def _put_back(self, sound):
@@ -131,6 +132,7 @@ class SoundShelf:
         old = sound.name
         self._unbind(sound)
         sound.name = new_name
+        self._scene.name_let_go(old)
         if sound.in_scene:
             self._scene.namespace[new_name] = sound
         self._queue.add_tree(records.sound_name_change(sound.id, old, new_name))
