@@ -25,6 +25,8 @@ public:
     void scriptModified() override {}
     void LVUndoFromLog() override {}
     int ReplaceInListView(const QString&, const QString&) override { return 0; }
+    bool FindInListView(const QString&) override { return false; }
+    int RemoveFromListView(const QString&) override { return 0; }
     void ReportError(const RunTimeError&) override {}
 };
 

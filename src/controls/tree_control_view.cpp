@@ -1,14 +1,19 @@
 #include "controls/tree_control_view.h"
 
+#include "controls/node_ref.h"
+
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QDrag>
 #include <QHeaderView>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QScopeGuard>
 #include <QScopedValueRollback>
 #include <QStyle>
 #include <QStyleOptionViewItem>
 
+#include <algorithm>
 #include <utility>
 
 namespace vessa {
@@ -77,6 +82,23 @@ TreeNode* TreeControlView::HitTest(const QPoint& point) const {
     if (!index.isValid() || point.x() < visualRect(index).left())
         return nullptr;
     return TreeItemModel::NodeOf(index);
+}
+
+Qt::DropAction TreeControlView::dragNode(const TreeNode* node, Qt::DropActions actions) {
+    auto* carried = new QMimeData;
+    carried->setData(QString::fromLatin1(NodeDragMimeType), node->Key().toUtf8());
+    auto* drag = new QDrag(this);
+    drag->setMimeData(carried);
+    const QRect rect = NodeRect(node);
+    if (rect.isValid())
+        drag->setPixmap(viewport()->grab(rect));
+    return drag->exec(actions);
+}
+
+TreeNode* TreeControlView::NodeOnRow(int y) const {
+    // The one column starts at the left edge, or left of it when scrolled sideways.
+    const QModelIndex index = indexAt(QPoint(std::max(0, header()->sectionViewportPosition(0)), y));
+    return index.isValid() ? TreeItemModel::NodeOf(index) : nullptr;
 }
 
 QRect TreeControlView::NodeRect(const TreeNode* node) const {

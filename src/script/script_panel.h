@@ -2,10 +2,14 @@
 
 #include "controls/tree_control_view.h"
 #include "script/script_clicks.h"
+#include "script/script_drops.h"
 
 #include <QMenu>
 #include <QPointer>
+#include <QTimer>
 #include <QWidget>
+
+class QDropEvent;
 
 namespace vessa {
 
@@ -15,6 +19,13 @@ class ScriptModel;
 // (TreeView1) and the one-line command tree, over a ScriptModel. It turns the mouse on
 // them into the script's rules, shows the two right-click menus, and hands every other
 // menu or editor a click asks for to whoever registered for it with the model.
+//
+// Lines are made and moved by dragging: blocks from the palette, objects and sounds from
+// the scene's trees, and lines and blocks of the script itself (the right button
+// copies). While a drag is over the script tree a mark shows where the drop would land,
+// the tree scrolls near its top and bottom edges, and a place where nothing can go is
+// refused before the drop. From the keyboard, Return on a block of the palette puts it
+// where a paste would go.
 //
 // From outside it needs only the model's host (the event log's undo, error reports).
 // The three views may be taken out of its layout and placed elsewhere.
@@ -34,6 +45,12 @@ public:
     void SetCodeBoxShown(bool shown) { clicks_.SetCodeBoxShown(shown); }
     // The right-click menu that is open, if any.
     QMenu* OpenMenu() const { return menu_; }
+    // The line that shows where a drop would land; hidden while there is none.
+    QWidget& insertionMark() const { return *insertionMark_; }
+    bool scrolling() const { return ScrollTimer.isActive(); }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 public Q_SLOTS:
     // Reverses the newest recorded change of the script.
@@ -45,9 +62,27 @@ private:
     void NodeRowChosen(int row);
     void AskForPythonLine();
     void Guarded(const std::function<void()>& work);
+    void connectDrags();
+    // A drag from the script tree or the palette: the drop decides what it means.
+    void beginDrag(TreeControlView& view, TreeNode* node);
+    bool TreeView1_DragOver(QDropEvent* event);
+    // The highlight, the mark and the scrolling for the drag at dragPoint_; answers
+    // whether a drop there would be taken.
+    bool showDropPlace();
+    void TreeView1_DragDrop(QDropEvent* event);
+    void endDragOver();
+    void ScrollTimer_Timer();
+    bool CommandLineTreeview_DragEvent(QEvent* event);
+    void ConstructTree_KeyDown(int key);
 
     ScriptModel& model_; // Not owned.
     ScriptClicks clicks_;
+    ScriptDrops drops_;
+    QWidget* insertionMark_; // Owned by Qt.
+    // Scrolls the script tree a line at a time while a drag is near its top or bottom.
+    QTimer ScrollTimer;
+    int ScrollDirection = 0;
+    QPoint dragPoint_; // where the drag over the script tree is, for the scrolled rows
     TreeControlView* constructTree_; // Owned by Qt.
     TreeControlView* treeView1_;     // Owned by Qt.
     TreeControlView* commandLine_;   // Owned by Qt.
