@@ -30,14 +30,22 @@ void AddingCommands::guarded(const std::function<void()>& work) {
     }
 }
 
-bool AddingCommands::refused(const QVariant& answer, const QString& title) {
+void AddingCommands::add(const QString& method, const QString& argument, const QString& title,
+                         const QString& failureMessage) {
+    QVariant answer;
+    try {
+        answer = engine_.call(method, {argument});
+    } catch (const RunTimeError& e) {
+        reporter_.CheckInterpreterResult(e.description(), failureMessage);
+        return;
+    }
+    // The engine answers why it added nothing; what it did add, its records show.
     if (isSuccessResult(answer))
-        return false;
+        return;
     auto* box =
         new QMessageBox(QMessageBox::Warning, title, answer.toString(), QMessageBox::Ok, window_);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
-    return true;
 }
 
 void AddingCommands::AddObjectFile() {
@@ -71,9 +79,8 @@ QString AddingCommands::chooseModelFile() {
 }
 
 void AddingCommands::addObject(const QString& path) {
-    guarded([&] {
-        refused(engine_.call(QStringLiteral("addobject"), {path}), QStringLiteral("Add An Object"));
-    });
+    add(QStringLiteral("addobject"), path, QStringLiteral("Add An Object"),
+        QStringLiteral("MainForm:AddObjectButton_MouseUp: Error calling python addobject."));
 }
 
 void AddingCommands::AddSoundFile() {
@@ -88,9 +95,8 @@ void AddingCommands::AddSoundFile() {
         return;
     const QString path = dialog.selectedFiles().first();
     soundFolder_ = QFileInfo(path).absolutePath();
-    guarded([&] {
-        refused(engine_.call(QStringLiteral("AddSound"), {path}), QStringLiteral("Add A Sound"));
-    });
+    add(QStringLiteral("AddSound"), path, QStringLiteral("Add A Sound"),
+        QStringLiteral("AddSound:Error making sound."));
 }
 
 void AddingCommands::showAddTextForm() {

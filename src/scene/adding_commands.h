@@ -43,8 +43,10 @@ private:
     QString chooseModelFile();
     void makeAddTextForm();
     void addText();
-    // Shows the engine's answer when it is a refusal; answers whether it was one.
-    bool refused(const QVariant& answer, const QString& title);
+    // Asks the engine to add from a file; shows its refusal under title, and a failed
+    // call as failureMessage.
+    void add(const QString& method, const QString& argument, const QString& title,
+             const QString& failureMessage);
     void guarded(const std::function<void()>& work);
 
     AppState& state_;         // Not owned.
