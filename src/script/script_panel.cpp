@@ -85,10 +85,9 @@ ScriptPanel::ScriptPanel(ScriptModel& model, QWidget* parent)
     insertionMark_ = new QWidget(treeView1_->viewport());
     insertionMark_->setObjectName(QStringLiteral("InsertionMark"));
     insertionMark_->setAttribute(Qt::WA_TransparentForMouseEvents);
+    // Its own role: a child of the viewport would take the viewport's, and be as white.
+    insertionMark_->setBackgroundRole(QPalette::Highlight);
     insertionMark_->setAutoFillBackground(true);
-    QPalette markColour = insertionMark_->palette();
-    markColour.setColor(QPalette::Window, markColour.color(QPalette::Highlight));
-    insertionMark_->setPalette(markColour);
     insertionMark_->hide();
     ScrollTimer.setObjectName(QStringLiteral("ScrollTimer"));
     ScrollTimer.setInterval(100);

@@ -286,6 +286,10 @@ TEST_F(Dragging, ABlockFromThePaletteShowsWhereItWillLandAndIsMadeThereForOneUnd
     QWidget& mark = panel.insertionMark();
     EXPECT_TRUE(mark.isVisible());
     EXPECT_NEAR(mark.geometry().center().y(), view.NodeRect(hop).top(), 3);
+    // Drawn in the colour of a selection, not lost in the white of the rows.
+    const QImage shown = view.viewport()->grab().toImage();
+    EXPECT_EQ(shown.pixelColor(mark.geometry().center()),
+              view.palette().color(QPalette::Highlight));
     dropAt(below(line));
     EXPECT_FALSE(mark.isVisible());
     EXPECT_EQ(action1->ChildAt(1)->Text(), "DoInOrder");
