@@ -69,8 +69,10 @@ struct Trash : ::testing::Test {
 
 TEST_F(Trash, ALineOrBlockDroppedOnTheCanGoesInOneStepThatUndoBringsBack) {
     script.DragNode = NodeRef::To(tree, move);
+    const QImage shut = can.grab().toImage();
     EXPECT_TRUE(dragOver(NodeDragMimeType));
     EXPECT_TRUE(can.isOpen());
+    EXPECT_NE(can.grab().toImage(), shut); // the user sees it open
     QDragLeaveEvent leave;
     QApplication::sendEvent(&can, &leave);
     EXPECT_FALSE(can.isOpen());
