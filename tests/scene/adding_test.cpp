@@ -12,6 +12,7 @@
 #include <QDialog>
 #include <QDir>
 #include <QFile>
+#include <QFileDialog>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
@@ -21,6 +22,7 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 using namespace vessa;
@@ -272,4 +274,46 @@ TEST_F(Adding, AddTextSendsTheTextTypedAndAnEmptyBoxSendsNothing) {
     EXPECT_EQ(log.calls.filter(QStringLiteral("AddText")).size(), 1);
     EXPECT_EQ(log.arguments[log.calls.indexOf(QStringLiteral("AddText"))],
               QVariantList{QStringLiteral("Hello")});
+}
+
+TEST_F(Adding, AddSoundLooksInTheHomeSoundsThenWhereTheLastOneCameFromAndCancelSendsNothing) {
+    QDir(home.dir.path()).mkpath(QStringLiteral("Sounds"));
+    QDir(home.dir.path()).mkpath(QStringLiteral("mine"));
+    const QString boing = home.dir.filePath(QStringLiteral("Sounds/Boing.wav"));
+    const QString hum = home.dir.filePath(QStringLiteral("mine/Hum.wav"));
+    for (const QString& path : {boing, hum}) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    QStringList folders; // where the dialog opened each time
+    // Answers the sound dialog, once it is up, with file; "" cancels it.
+    const auto answer = [&](const QString& file) {
+        QTimer::singleShot(0, [&folders, file] {
+            auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            ASSERT_TRUE(dialog);
+            EXPECT_EQ(dialog->objectName(), "SoundDialog");
+            folders << QDir(dialog->directory()).canonicalPath();
+            if (file.isEmpty()) {
+                dialog->reject();
+                return;
+            }
+            dialog->selectFile(file);
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+        adding.AddSoundFile();
+    };
+    answer(hum);
+    answer(QString());
+    scripted->answers[QStringLiteral("AddSound")] = QStringLiteral("Hum.wav is no sound");
+    answer(hum);
+    EXPECT_EQ(folders,
+              (QStringList{QFileInfo(boing).canonicalPath(), QFileInfo(hum).canonicalPath(),
+                           QFileInfo(hum).canonicalPath()}));
+    EXPECT_EQ(log.calls.filter(QStringLiteral("AddSound")).size(), 2);
+    EXPECT_EQ(QFileInfo(log.arguments.last()[0].toString()).canonicalFilePath(),
+              QFileInfo(hum).canonicalFilePath());
+    auto* box = window.findChild<QMessageBox*>();
+    ASSERT_TRUE(box);
+    EXPECT_EQ(box->text(), "Hum.wav is no sound");
+    EXPECT_EQ(box->windowTitle(), "Add A Sound");
 }
