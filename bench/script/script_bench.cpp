@@ -5,8 +5,8 @@
 // to its menu shown under 50 ms.
 #include "base/run_time_error.h"
 #include "controls/tree_item_model.h"
+#include "quiet_script_host.h"
 #include "script/script_clicks.h"
-#include "script/script_host.h"
 #include "script/script_menus_view.h"
 #include "script/script_model.h"
 #include "script/tree_walks.h"
@@ -19,27 +19,9 @@
 #include <memory>
 
 using namespace vessa;
+using vessa::bench::QuietHost;
 
 namespace {
-
-class QuietHost : public ScriptHost {
-public:
-    void scriptModified() override {}
-    void LVUndoFromLog() override {}
-    int ReplaceInListView(const QString&, const QString&) override { return 0; }
-    void ReportError(const RunTimeError&) override {}
-    const TreeControl& sceneObjects() override { return objects; }
-    QStringList sceneSounds() override { return {}; }
-    bool openingSceneShown() override { return false; }
-    // A model, with a camera in the scene to point at it.
-    QVariantList objectMenuFacts(const QString& name) override {
-        return {true, name, "model", "7", true, false, -1, 128, 1};
-    }
-    void runTool(const QString&, const QString&) override {}
-    bool isValidObjectName(const QString&) override { return false; }
-
-    TreeControl objects;
-};
 
 // 500 animations, each with 16 lines and a DoTogether block of 4 more, shown through a
 // Qt item model as in the program.

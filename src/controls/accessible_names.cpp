@@ -37,6 +37,10 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("ListView1"), QStringLiteral("Events")},
         {QStringLiteral("MakeEvent"), QStringLiteral("Make event")},
         {QStringLiteral("menuBar"), QStringLiteral("Menu bar")},
+        {QStringLiteral("AddObjectButton"), QStringLiteral("Add object")},
+        {QStringLiteral("AddSoundsButton"), QStringLiteral("Add sound")},
+        {QStringLiteral("AddTextButton"), QStringLiteral("Add text")},
+        {QStringLiteral("TrashCanPicture"), QStringLiteral("Trash can")},
         {QStringLiteral("SplitterH1"), QStringLiteral("Divider above the output")},
         // Editors over the script
         {QStringLiteral("Text1"), QStringLiteral("Value")},
@@ -50,6 +54,16 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("ErrorLabel"), QStringLiteral("Error details")},
         {QStringLiteral("OkButton"), QStringLiteral("OK")},
         {QStringLiteral("Command1"), QStringLiteral("Copy report to clipboard")},
+        // The gallery of objects to add
+        {QStringLiteral("GallerySearch"), QStringLiteral("Search objects")},
+        {QStringLiteral("GalleryThemes"), QStringLiteral("Themes")},
+        {QStringLiteral("GalleryList"), QStringLiteral("Objects to add")},
+        {QStringLiteral("GalleryOtherFile"), QStringLiteral("Other file...")},
+        {QStringLiteral("GalleryAdd"), QStringLiteral("Add")},
+        {QStringLiteral("GalleryCancel"), QStringLiteral("Cancel")},
+        // Add Text form
+        {QStringLiteral("AddTextBox"), QStringLiteral("Text to add")},
+        {QStringLiteral("CancelButton"), QStringLiteral("Cancel")},
         // Help window
         {QStringLiteral("WebBrowser1"), QStringLiteral("Help page")},
     };

@@ -5,6 +5,9 @@ namespace vessa {
 // What a drag of a node carries between the program's views: the node itself is the
 // program's one DragNode; the data only tells a drop target that a node is coming.
 inline constexpr char NodeDragMimeType[] = "application/x-vessa47-node";
+// What a drag of a row of a list carries: the row's Key. The row is the list's selected
+// one, which the press that began the drag chose.
+inline constexpr char RowDragMimeType[] = "application/x-vessa47-row";
 
 class TreeControl;
 class TreeNode;

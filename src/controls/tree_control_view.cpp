@@ -1,17 +1,55 @@
 #include "controls/tree_control_view.h"
 
+#include "controls/node_ref.h"
+
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QDrag>
+#include <QHash>
 #include <QHeaderView>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QScopeGuard>
 #include <QScopedValueRollback>
 #include <QStyle>
 #include <QStyleOptionViewItem>
+#include <QStyledItemDelegate>
 
+#include <algorithm>
 #include <utility>
 
 namespace vessa {
+
+namespace {
+
+// The size of an item as the style draws it, measured once for each text (with or
+// without a picture) in the font the view shows: a long script is measured anew for its
+// widest line at every change, and laying out every line's text again each time is most
+// of the cost of a change.
+class MeasuredItems : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        if (option.font != font_) {
+            sizes_.clear();
+            font_ = option.font;
+        }
+        const bool picture = index.data(Qt::DecorationRole).isValid();
+        const QString key = index.data(Qt::DisplayRole).toString() + (picture ? u'\1' : u'\0');
+        if (const auto known = sizes_.constFind(key); known != sizes_.constEnd())
+            return *known;
+        const QSize size = QStyledItemDelegate::sizeHint(option, index);
+        sizes_.insert(key, size);
+        return size;
+    }
+
+private:
+    mutable QFont font_;
+    mutable QHash<QString, QSize> sizes_;
+};
+
+} // namespace
 
 TreeControlView::TreeControlView(TreeControl& tree, QWidget* parent)
     : QTreeView(parent), tree_(tree), model_(tree) {
@@ -32,6 +70,7 @@ TreeControlView::TreeControlView(TreeControl& tree, QWidget* parent)
     // The hidden header's caption is the tree's own name.
     model_.setColumnCaption([this] { return accessibleName(); });
     setUniformRowHeights(true);
+    setItemDelegate(new MeasuredItems(this));
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     // Whole lines, scrolled sideways when long: a line is never cut short with "...".
     setTextElideMode(Qt::ElideNone);
@@ -77,6 +116,23 @@ TreeNode* TreeControlView::HitTest(const QPoint& point) const {
     if (!index.isValid() || point.x() < visualRect(index).left())
         return nullptr;
     return TreeItemModel::NodeOf(index);
+}
+
+Qt::DropAction TreeControlView::dragNode(const TreeNode* node, Qt::DropActions actions) {
+    auto* carried = new QMimeData;
+    carried->setData(QString::fromLatin1(NodeDragMimeType), node->Key().toUtf8());
+    auto* drag = new QDrag(this);
+    drag->setMimeData(carried);
+    const QRect rect = NodeRect(node);
+    if (rect.isValid())
+        drag->setPixmap(viewport()->grab(rect));
+    return drag->exec(actions);
+}
+
+TreeNode* TreeControlView::NodeOnRow(int y) const {
+    // The one column starts at the left edge, or left of it when scrolled sideways.
+    const QModelIndex index = indexAt(QPoint(std::max(0, header()->sectionViewportPosition(0)), y));
+    return index.isValid() ? TreeItemModel::NodeOf(index) : nullptr;
 }
 
 QRect TreeControlView::NodeRect(const TreeNode* node) const {

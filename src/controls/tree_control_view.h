@@ -32,9 +32,16 @@ public:
     TreeControl& Tree() const { return tree_; }
     TreeItemModel& ItemModel() { return model_; }
 
+    // Drags node to wherever the user drops it, carrying the program's node type and a
+    // picture of its text; returns once the drop or the cancel is done. Each drop target
+    // reads the node being dragged from the program's DragNode.
+    Qt::DropAction dragNode(const TreeNode* node, Qt::DropActions actions);
+
     TreeNode* HitTest(const QPoint& point) const override;
+    TreeNode* NodeOnRow(int y) const override;
     QRect NodeRect(const TreeNode* node) const override;
     int ItemHeight() const override;
+    int Indentation() const override { return indentation(); }
     QFont TextFont() const override { return font(); }
     double TwipsPerPixel() const override;
 

@@ -86,6 +86,11 @@ ListRow* EventList::addDroppedObject(const QString& objectName) {
     return row;
 }
 
+void EventList::DeleteRow(const ListRow* row) {
+    LVUndoLog(listUndoLog_, EventUndoOperation::Removed, row);
+    listView1_.Remove(listView1_.PositionOf(row));
+}
+
 ScriptRequest EventList::ListView1_MouseUp(Qt::MouseButton button, ListRow* row, int column) {
     currentRowKey_ = row ? row->Key() : QString();
     if (button != Qt::LeftButton || !row || column < When || column > DoAnimation)

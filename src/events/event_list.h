@@ -51,6 +51,9 @@ public:
     // objectName, keyed "key<n>" and recorded nowhere, so undo passes it by.
     ListRow* addDroppedObject(const QString& objectName);
 
+    // Deletes row, recorded in ListUndoLog: undo brings it back at the end of the list.
+    void DeleteRow(const ListRow* row);
+
     // A click released on ListView1 over row (nullptr: none) in column (When, HappensTo,
     // DoAnimation; anything else: outside the columns). A left click on a row selects it,
     // becomes CurrentRow and CurrentColumn, and asks for the column's editor: the

@@ -8,6 +8,8 @@
 #include "script/script_host.h"
 #include "script/script_model.h"
 
+#include <QApplication>
+#include <QDrag>
 #include <QDragMoveEvent>
 #include <QDropEvent>
 #include <QHeaderView>
@@ -18,6 +20,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace vessa {
 
@@ -91,6 +94,11 @@ void EventPanel::guarded(const std::function<void()>& work) {
 bool EventPanel::eventFilter(QObject* watched, QEvent* event) {
     if (watched == listView1_ && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Backspace) {
+            if (const ListRow* row = list_.ListView1().SelectedItem())
+                guarded([&] { list_.DeleteRow(row); });
+            return true;
+        }
         if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Left ||
             key == Qt::Key_Right) {
             ListView1_KeyDown(key);
@@ -101,28 +109,26 @@ bool EventPanel::eventFilter(QObject* watched, QEvent* event) {
     if (watched != listView1_->viewport())
         return QWidget::eventFilter(watched, event);
     switch (event->type()) {
+    case QEvent::MouseButtonPress: {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        ListView1_MouseDown(mouse->button(), mouse->position().toPoint());
+        return false;
+    }
+    case QEvent::MouseMove: {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        ListView1_MouseMove(mouse->buttons(), mouse->position().toPoint());
+        return false;
+    }
     case QEvent::MouseButtonRelease: {
         const auto* mouse = static_cast<QMouseEvent*>(event);
+        pressedRowKey_.clear();
         ListView1_MouseUp(mouse->button(), mouse->position().toPoint());
         return false; // the view finishes the click
     }
     case QEvent::DragEnter:
-    case QEvent::DragMove: {
-        auto* drag = static_cast<QDragMoveEvent*>(event);
-        if (ListView1_DragOver(drag->mimeData()))
-            drag->acceptProposedAction();
-        else
-            drag->ignore();
-        return true;
-    }
-    case QEvent::Drop: {
-        auto* drop = static_cast<QDropEvent*>(event);
-        if (!ListView1_DragOver(drop->mimeData()))
-            return true;
-        ListView1_DragDrop();
-        drop->acceptProposedAction();
-        return true;
-    }
+    case QEvent::DragMove:
+    case QEvent::Drop:
+        return filterDrag(event);
     case QEvent::Resize: {
         // The three columns share the width; the user may move their borders after.
         const int third = static_cast<QResizeEvent*>(event)->size().width() / 3;
@@ -174,13 +180,63 @@ void EventPanel::ListView1_KeyDown(int key) {
     });
 }
 
-bool EventPanel::ListView1_DragOver(const QMimeData* carried) const {
+// A press on a row chooses it, so that a drag takes it along.
+void EventPanel::ListView1_MouseDown(Qt::MouseButton button, const QPoint& point) {
+    ListRow* row = button == Qt::LeftButton ? rowAt(point) : nullptr;
+    pressedRowKey_ = row ? row->Key() : QString();
+    pressPoint_ = point;
+    if (row)
+        list_.ListView1().SetSelectedItem(row);
+}
+
+void EventPanel::ListView1_MouseMove(Qt::MouseButtons buttons, const QPoint& point) {
+    if (!(buttons & Qt::LeftButton) || pressedRowKey_.isEmpty() ||
+        (point - pressPoint_).manhattanLength() < QApplication::startDragDistance())
+        return;
+    auto* carried = new QMimeData;
+    carried->setData(QString::fromLatin1(RowDragMimeType),
+                     std::exchange(pressedRowKey_, {}).toUtf8());
+    auto* drag = new QDrag(listView1_);
+    drag->setMimeData(carried);
+    drag->exec(Qt::MoveAction);
+}
+
+bool EventPanel::filterDrag(QEvent* event) {
+    auto* drag = static_cast<QDropEvent*>(event);
+    const QMimeData* carried = drag->mimeData();
+    const QPoint point = drag->position().toPoint();
+    // What may be taken somewhere on the list is let in, and each move judged on its own.
+    const bool taken = ListView1_DragOver(carried, point) ||
+                       (event->type() == QEvent::DragEnter &&
+                        carried->hasFormat(QString::fromLatin1(RowDragMimeType)));
+    if (!taken) {
+        drag->ignore();
+        return true;
+    }
+    if (event->type() == QEvent::Drop)
+        ListView1_DragDrop(carried, point);
+    drag->acceptProposedAction();
+    return true;
+}
+
+// An object from ObjectTree2 anywhere, or a row back onto itself, which is a click on it;
+// a row onto another row is refused.
+bool EventPanel::ListView1_DragOver(const QMimeData* carried, const QPoint& point) const {
+    if (carried->hasFormat(QString::fromLatin1(RowDragMimeType))) {
+        const ListRow* row = rowAt(point);
+        return row &&
+               row->Key() == QString::fromUtf8(carried->data(QString::fromLatin1(RowDragMimeType)));
+    }
     const NodeRef& dragged = list_.Script().DragNode;
     return carried->hasFormat(QString::fromLatin1(NodeDragMimeType)) &&
            dragged.Tree == &objectTree2_ && dragged.Get();
 }
 
-void EventPanel::ListView1_DragDrop() {
+void EventPanel::ListView1_DragDrop(const QMimeData* carried, const QPoint& point) {
+    if (carried->hasFormat(QString::fromLatin1(RowDragMimeType))) {
+        ListView1_MouseUp(Qt::LeftButton, point);
+        return;
+    }
     const QString objectName = list_.Script().DragNode.Get()->Tag();
     guarded([&] { list_.addDroppedObject(objectName); });
 }

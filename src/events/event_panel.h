@@ -19,7 +19,8 @@ class ListRow;
 // under "When", "Happens To" and "Do Animation". A click in a column, or Return on the
 // selected row, asks for that column's editor through the script's requests; Left and
 // Right choose the column the keyboard works on. An object dragged from ObjectTree2 and
-// dropped on the list makes a row for it. MakeEvent is enabled while the script has an
+// dropped on the list makes a row for it. A row can be dragged (to the trash can), and
+// Backspace deletes the selected one. MakeEvent is enabled while the script has an
 // animation.
 class EventPanel : public QWidget, private TreeObserver {
     Q_OBJECT
@@ -51,8 +52,11 @@ private:
 
     void ListView1_MouseUp(Qt::MouseButton button, const QPoint& point);
     void ListView1_KeyDown(int key);
-    bool ListView1_DragOver(const QMimeData* carried) const;
-    void ListView1_DragDrop();
+    void ListView1_MouseDown(Qt::MouseButton button, const QPoint& point);
+    void ListView1_MouseMove(Qt::MouseButtons buttons, const QPoint& point);
+    bool ListView1_DragOver(const QMimeData* carried, const QPoint& point) const;
+    void ListView1_DragDrop(const QMimeData* carried, const QPoint& point);
+    bool filterDrag(QEvent* event);
     void routeRequest(ScriptRequest request);
     ListRow* rowAt(const QPoint& point) const;
     void guarded(const std::function<void()>& work);
@@ -61,6 +65,8 @@ private:
     const TreeControl& objectTree2_; // Not owned.
     QToolButton* makeEvent_;         // Owned by Qt.
     ListControlView* listView1_;     // Owned by Qt.
+    QString pressedRowKey_;          // the row under the last left press, until its release
+    QPoint pressPoint_;
 };
 
 } // namespace vessa

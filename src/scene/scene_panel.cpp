@@ -8,7 +8,6 @@
 #include "gateway/error_reporter.h"
 #include "scene/scene_trees.h"
 
-#include <QDrag>
 #include <QDragMoveEvent>
 #include <QDropEvent>
 #include <QMessageBox>
@@ -195,14 +194,7 @@ TreeNode* ScenePanel::ObjectTree_MouseMove(Qt::MouseButtons buttons, const QPoin
 
 void ScenePanel::beginDrag(TreeControlView& view, TreeNode* node) {
     pressedSelectedNode_ = false; // a drag is no click to rename
-    auto* carried = new QMimeData;
-    carried->setData(QString::fromLatin1(NodeDragMimeType), node->Key().toUtf8());
-    auto* drag = new QDrag(&view);
-    drag->setMimeData(carried);
-    const QRect rect = view.NodeRect(node);
-    if (rect.isValid())
-        drag->setPixmap(view.viewport()->grab(rect));
-    drag->exec(Qt::MoveAction | Qt::CopyAction);
+    view.dragNode(node, Qt::MoveAction | Qt::CopyAction);
 }
 
 bool ScenePanel::eventFilter(QObject* watched, QEvent* event) {

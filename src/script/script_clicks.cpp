@@ -90,16 +90,16 @@ int RichCharNumOver(const QString& text, const QFont& font, const QRect& textRec
 
 void ScriptClicks::TreeView1_MouseDown(Qt::MouseButton button, const QPoint& point,
                                        const TreeGeometry& geometry) {
-    if (button != Qt::LeftButton)
+    // The right button drags too: its drop copies the line instead of moving it.
+    if (button != Qt::LeftButton && button != Qt::RightButton)
         return;
     TreeControl& tree = model_.TreeView1();
     TreeNode* node = geometry.HitTest(point);
-    if (node) {
+    if (node && button == Qt::LeftButton)
         tree.SetSelectedItem(node);
-        // An animation is selected like any node, but not dragged.
-        if (node->Parent())
-            model_.DragButton = button;
-    }
+    // An animation is selected like any node, but not dragged.
+    if (node && node->Parent())
+        model_.DragButton = button;
     model_.DragNode = NodeRef::To(tree, node);
 }
 

@@ -48,7 +48,8 @@ public:
     // Whether the Python code box shows, which decides the blank-space menu's rows.
     void SetCodeBoxShown(bool shown) { codeBoxShown_ = shown; }
 
-    // TreeView1: a press selects the node and remembers it as the one a drag would take.
+    // TreeView1: a press remembers the node as the one a drag would take, with the
+    // button that pressed it; the left button also selects it.
     void TreeView1_MouseDown(Qt::MouseButton button, const QPoint& point,
                              const TreeGeometry& geometry);
     ScriptRequest TreeView1_MouseUp(Qt::MouseButton button, const QPoint& point,

@@ -24,6 +24,11 @@ public:
     // An animation was renamed: the event rows that do it follow, each recorded in that
     // log. Answers how many rows changed.
     virtual int ReplaceInListView(const QString& oldName, const QString& newName) = 0;
+    // Whether an event row does the animation.
+    virtual bool FindInListView(const QString& name) = 0;
+    // An animation goes: the event rows that do it go too, each recorded in that log.
+    // Answers how many rows went.
+    virtual int RemoveFromListView(const QString& name) = 0;
     // A failure inside one of the script's handlers, for the program's error report.
     virtual void ReportError(const RunTimeError& error) = 0;
 

@@ -12,7 +12,25 @@ namespace vessa {
 
 ScriptModel::ScriptModel(ScriptHost& host)
     : host_(host), undo_(treeView1_, junkyard2_, animationNames_, host) {
+    setDragSource(treeView1_, DragSource::ScriptLine);
+    setDragSource(constructTree_, DragSource::Block);
     Initialize();
+}
+
+void ScriptModel::setDragSource(const TreeControl& tree, DragSource source) {
+    for (auto& [known, kind] : dragSources_)
+        if (known == &tree) {
+            kind = source;
+            return;
+        }
+    dragSources_.emplace_back(&tree, source);
+}
+
+DragSource ScriptModel::dragSourceOf(const TreeControl* tree) const {
+    for (const auto& [known, kind] : dragSources_)
+        if (known == tree)
+            return kind;
+    return DragSource::None;
 }
 
 void ScriptModel::Initialize() {
@@ -133,6 +151,22 @@ bool ScriptModel::RenameAnimation(TreeNode* root, const QString& newName) {
 
 void ScriptModel::ReplaceObjectName(const QString& oldName, const QString& newName) {
     TraverseTreeReplaceString(treeView1_.FirstRoot(), oldName, newName);
+}
+
+bool ScriptModel::DeleteTakesEventRows(const TreeNode* node) const {
+    return !node->Parent() && host_.FindInListView(node->Key());
+}
+
+void ScriptModel::DeleteNode(TreeNode* node) {
+    const int rows = node->Parent() ? 0 : host_.RemoveFromListView(node->Key());
+    if (IsAnimationToDelete(node->Text()))
+        animationNames_.Remove(AnimationName(node->Text()));
+    UndoLog(UndoOperation::Removed, node, nullptr, rows);
+    TreeNode* parent = node->Parent();
+    treeView1_.Remove(node->Index());
+    treeView1_.SetSelectedItem(nullptr);
+    treeView1_.SetDropHighlight(nullptr);
+    RefreshChildIcons(parent);
 }
 
 void ScriptModel::UndoLog(UndoOperation operation, const TreeNode* node, const TreeNode* otherNode,

@@ -5,9 +5,21 @@
 #include "script/script_line.h"
 #include "script/tree_undo_log.h"
 
+#include <utility>
+#include <vector>
+
 namespace vessa {
 
 class ScriptHost;
+
+// What a node dragged from a tree stands for when it lands in the script.
+enum class DragSource {
+    None,       // nothing the script takes
+    Object,     // an object: its Tag is its full name
+    Block,      // a block of the palette: its Text is "DoInOrder" or "DoTogether"
+    Sound,      // a sound: its Text is its name
+    ScriptLine, // a line or block of the script itself
+};
 
 // The script of the open world and every change to it that is not a menu's or an
 // editor's own: the animations tree TreeView1, the helper trees around it, the parse
@@ -71,6 +83,19 @@ public:
     // An object was renamed: the lines that call it or name it after "=" follow.
     void ReplaceObjectName(const QString& oldName, const QString& newName);
 
+    // Whether deleting node takes event rows with it, which the user is asked about
+    // first: node is an animation that rows do.
+    bool DeleteTakesEventRows(const TreeNode* node) const;
+    // Deletes node and all below it, recorded for undo; an animation goes from the
+    // names, and the event rows that do it go too, replayed before it by undo.
+    void DeleteNode(TreeNode* node);
+
+    // What a drag from tree carries into the script. The script's own tree and the
+    // palette are known from the start; the trees of the scene are told by whoever
+    // holds them.
+    void setDragSource(const TreeControl& tree, DragSource source);
+    DragSource dragSourceOf(const TreeControl* tree) const;
+
     void UndoLog(UndoOperation operation, const TreeNode* node, const TreeNode* otherNode = nullptr,
                  int count = 0);
     void UndoFromLog() { undo_.UndoFromLog(); }
@@ -90,7 +115,8 @@ public:
 private:
     void Initialize();
 
-    ScriptHost& host_; // Not owned.
+    std::vector<std::pair<const TreeControl*, DragSource>> dragSources_; // Trees not owned.
+    ScriptHost& host_;                                                   // Not owned.
     TreeControl treeView1_;
     TreeControl constructTree_;
     TreeControl commandLineTreeview_;

@@ -10,10 +10,14 @@
 #include "script/script_model.h"
 
 #include <QAccessible>
+#include <QDragMoveEvent>
+#include <QDropEvent>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPainter>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
@@ -100,7 +104,7 @@ QString pieceDescription(const QString& line, const LinePiece& piece) {
 } // namespace
 
 ScriptPanel::ScriptPanel(ScriptModel& model, QWidget* parent)
-    : QWidget(parent), model_(model), clicks_(model) {
+    : QWidget(parent), model_(model), clicks_(model), drops_(model, clicks_) {
     setObjectName(QStringLiteral("ScriptPanel"));
     const QList<QIcon> icons = TreeImages();
     constructTree_ = MakeView(model.ConstructTree(), QStringLiteral("ConstructTree"), icons, this);
@@ -154,6 +158,17 @@ ScriptPanel::ScriptPanel(ScriptModel& model, QWidget* parent)
             });
     connectTree(*treeView1_);
     connectTree(*commandLine_);
+    insertionMark_ = new QWidget(treeView1_->viewport());
+    insertionMark_->setObjectName(QStringLiteral("InsertionMark"));
+    insertionMark_->setAttribute(Qt::WA_TransparentForMouseEvents);
+    // Its own role: a child of the viewport would take the viewport's, and be as white.
+    insertionMark_->setBackgroundRole(QPalette::Highlight);
+    insertionMark_->setAutoFillBackground(true);
+    insertionMark_->hide();
+    ScrollTimer.setObjectName(QStringLiteral("ScrollTimer"));
+    ScrollTimer.setInterval(100);
+    connect(&ScrollTimer, &QTimer::timeout, this, [this] { ScrollTimer_Timer(); });
+    connectDrags();
 }
 
 void ScriptPanel::connectTree(TreeControlView& view) {
@@ -165,6 +180,180 @@ void ScriptPanel::connectTree(TreeControlView& view) {
                 if (const TreeNode* node = TreeItemModel::NodeOf(current))
                     tellPiece(view, node);
             });
+}
+
+void ScriptPanel::connectDrags() {
+    const auto pressedIn = [this](const TreeControl& tree) {
+        return model_.DragNode.Tree == &tree ? model_.DragNode.Get() : nullptr;
+    };
+    connect(treeView1_, &TreeControlView::MouseMove, this,
+            [this, pressedIn](Qt::MouseButtons buttons, const QPoint&) {
+                TreeNode* node = pressedIn(model_.TreeView1());
+                if (node && node->Parent() && (buttons & model_.DragButton))
+                    beginDrag(*treeView1_, node);
+            });
+    connect(constructTree_, &TreeControlView::MouseDown, this,
+            [this](Qt::MouseButton button, const QPoint& point) {
+                TreeNode* node = constructTree_->HitTest(point);
+                if (button != Qt::LeftButton || !node)
+                    return;
+                model_.DragNode = NodeRef::To(model_.ConstructTree(), node);
+                model_.ConstructTree().SetSelectedItem(node);
+            });
+    connect(constructTree_, &TreeControlView::MouseMove, this,
+            [this, pressedIn](Qt::MouseButtons buttons, const QPoint&) {
+                if (TreeNode* node = pressedIn(model_.ConstructTree());
+                    node && (buttons & Qt::LeftButton))
+                    beginDrag(*constructTree_, node);
+            });
+    constructTree_->installEventFilter(this);
+    for (TreeControlView* target : {treeView1_, commandLine_}) {
+        target->viewport()->setAcceptDrops(true);
+        target->viewport()->installEventFilter(this);
+    }
+}
+
+void ScriptPanel::beginDrag(TreeControlView& view, TreeNode* node) {
+    view.dragNode(node, Qt::MoveAction | Qt::CopyAction);
+    endDragOver();
+}
+
+bool ScriptPanel::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == constructTree_ && event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter)
+            return false;
+        if (!key->isAutoRepeat())
+            ConstructTree_KeyDown(key->key());
+        return true;
+    }
+    if (watched == commandLine_->viewport())
+        return CommandLineTreeview_DragEvent(event);
+    if (auto* view = qobject_cast<TreeControlView*>(watched);
+        event->type() == QEvent::KeyPress && (view == treeView1_ || view == commandLine_)) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        return !(key->modifiers() & ~Qt::KeypadModifier) && keyOnLine(*view, key->key());
+    }
+    if (watched != treeView1_->viewport())
+        return QWidget::eventFilter(watched, event);
+    switch (event->type()) {
+    case QEvent::DragEnter: {
+        // Taken in whole, so that every move over the rows is judged on its own.
+        auto* enter = static_cast<QDragEnterEvent*>(event);
+        if (enter->mimeData()->hasFormat(QString::fromLatin1(NodeDragMimeType)) &&
+            drops_.draggedSource() != DragSource::None)
+            enter->acceptProposedAction();
+        else
+            enter->ignore();
+        return true;
+    }
+    case QEvent::DragMove: {
+        auto* move = static_cast<QDragMoveEvent*>(event);
+        if (TreeView1_DragOver(move))
+            move->acceptProposedAction();
+        else
+            move->ignore();
+        return true;
+    }
+    case QEvent::DragLeave:
+        endDragOver();
+        return true;
+    case QEvent::Drop:
+        TreeView1_DragDrop(static_cast<QDropEvent*>(event));
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool ScriptPanel::TreeView1_DragOver(QDropEvent* event) {
+    if (!event->mimeData()->hasFormat(QString::fromLatin1(NodeDragMimeType)))
+        return false;
+    dragPoint_ = event->position().toPoint();
+    return showDropPlace();
+}
+
+bool ScriptPanel::showDropPlace() {
+    DropPlace place;
+    Guarded([&] { place = drops_.TreeView1_DragOver(dragPoint_, *treeView1_); });
+    const std::optional<InsertionMark> mark = ScriptDrops::MarkFor(place, *treeView1_);
+    if (mark) {
+        const QWidget* viewport = treeView1_->viewport();
+        insertionMark_->setGeometry(mark->Start.x(), mark->Start.y() - 1,
+                                    std::max(viewport->width() - mark->Start.x(), 8), 2);
+        insertionMark_->show();
+        insertionMark_->raise();
+    } else {
+        insertionMark_->hide();
+    }
+    ScrollDirection = ScriptDrops::ScrollDirection(dragPoint_.y(), treeView1_->viewport()->height(),
+                                                   treeView1_->TwipsPerPixel());
+    if (ScrollDirection == 0)
+        ScrollTimer.stop();
+    else if (!ScrollTimer.isActive())
+        ScrollTimer.start();
+    return place.IsPlace() || place.Click;
+}
+
+void ScriptPanel::ScrollTimer_Timer() {
+    treeView1_->verticalScrollBar()->triggerAction(ScrollDirection < 0
+                                                       ? QAbstractSlider::SliderSingleStepSub
+                                                       : QAbstractSlider::SliderSingleStepAdd);
+    // The rows moved under the pointer, and the place it shows with them.
+    showDropPlace();
+}
+
+void ScriptPanel::TreeView1_DragDrop(QDropEvent* event) {
+    endDragOver();
+    if (!event->mimeData()->hasFormat(QString::fromLatin1(NodeDragMimeType))) {
+        event->ignore();
+        return;
+    }
+    const QPoint point = event->position().toPoint();
+    Guarded([&] { Show(drops_.TreeView1_DragDrop(point, *treeView1_), *treeView1_); });
+    event->acceptProposedAction();
+}
+
+void ScriptPanel::endDragOver() {
+    ScrollTimer.stop();
+    insertionMark_->hide();
+    model_.TreeView1().SetDropHighlight(nullptr);
+}
+
+bool ScriptPanel::CommandLineTreeview_DragEvent(QEvent* event) {
+    switch (event->type()) {
+    case QEvent::DragEnter:
+    case QEvent::DragMove: {
+        auto* move = static_cast<QDragMoveEvent*>(event);
+        if (move->mimeData()->hasFormat(QString::fromLatin1(NodeDragMimeType)) &&
+            drops_.CommandLineTreeview_Accepts())
+            move->acceptProposedAction();
+        else
+            move->ignore();
+        return true;
+    }
+    case QEvent::Drop: {
+        auto* drop = static_cast<QDropEvent*>(event);
+        const QPoint point = drop->position().toPoint();
+        Guarded([&] { Show(drops_.CommandLineTreeview_DragDrop(point), *commandLine_); });
+        drop->acceptProposedAction();
+        return true;
+    }
+    default:
+        return false;
+    }
+}
+
+void ScriptPanel::ConstructTree_KeyDown(int) {
+    TreeNode* block = model_.ConstructTree().SelectedItem();
+    if (!block)
+        return;
+    Guarded([&] {
+        ScriptRequest next = drops_.InsertAtSelection(NodeRef::To(model_.ConstructTree(), block));
+        if (TreeNode* made = model_.TreeView1().SelectedItem())
+            next.TreePoint = treeView1_->NodeRect(made).bottomLeft();
+        Show(next, *treeView1_);
+    });
 }
 
 void ScriptPanel::ApplyScriptFont(const QFont& font) {
@@ -284,16 +473,6 @@ void ScriptPanel::takePieceAt(TreeControlView& view, const QPoint& point) {
         ++index;
     pieceNode_ = NodeRef::To(view.Tree(), node);
     pieceIndex_ = index;
-}
-
-bool ScriptPanel::eventFilter(QObject* watched, QEvent* event) {
-    auto* view = qobject_cast<TreeControlView*>(watched);
-    if (event->type() != QEvent::KeyPress || (view != treeView1_ && view != commandLine_))
-        return QWidget::eventFilter(watched, event);
-    auto* key = static_cast<QKeyEvent*>(event);
-    if (key->modifiers() & ~Qt::KeypadModifier)
-        return false;
-    return keyOnLine(*view, key->key());
 }
 
 bool ScriptPanel::keyOnLine(TreeControlView& view, int key) {

@@ -3,10 +3,14 @@
 #include "controls/node_ref.h"
 #include "controls/tree_control_view.h"
 #include "script/script_clicks.h"
+#include "script/script_drops.h"
 
 #include <QMenu>
 #include <QPointer>
+#include <QTimer>
 #include <QWidget>
+
+class QDropEvent;
 
 namespace vessa {
 
@@ -24,6 +28,13 @@ class ScriptModel;
 // and Right move among the pieces, Enter opens what a click on the piece opens, and the
 // menu key (or Shift+F10) the line's menu as a right click on the piece shows it. A
 // click makes the piece clicked the current one.
+//
+// Lines are made and moved by dragging: blocks from the palette, objects and sounds from
+// the scene's trees, and lines and blocks of the script itself (the right button
+// copies). While a drag is over the script tree a mark shows where the drop would land,
+// the tree scrolls near its top and bottom edges, and a place where nothing can go is
+// refused before the drop. From the keyboard, Return on a block of the palette puts it
+// where a paste would go.
 //
 // From outside it needs only the model's host (the event log's undo, error reports,
 // the scene the menus offer). The three views may be taken out of its layout and placed
@@ -48,13 +59,16 @@ public:
     // The piece of node's line that the keyboard works on: its offset and length; an
     // empty piece for a node that has none.
     LinePiece currentPiece(const TreeNode* node) const;
+    // The line that shows where a drop would land; hidden while there is none.
+    QWidget& insertionMark() const { return *insertionMark_; }
+    bool scrolling() const { return ScrollTimer.isActive(); }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 public Q_SLOTS:
     // Reverses the newest recorded change of the script.
     void UndoFromLog();
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void connectTree(TreeControlView& view);
@@ -67,9 +81,27 @@ private:
     QPoint piecePoint(TreeControlView& view, const TreeNode* node) const;
     void takePieceAt(TreeControlView& view, const QPoint& point);
     void tellPiece(TreeControlView& view, const TreeNode* node);
+    void connectDrags();
+    // A drag from the script tree or the palette: the drop decides what it means.
+    void beginDrag(TreeControlView& view, TreeNode* node);
+    bool TreeView1_DragOver(QDropEvent* event);
+    // The highlight, the mark and the scrolling for the drag at dragPoint_; answers
+    // whether a drop there would be taken.
+    bool showDropPlace();
+    void TreeView1_DragDrop(QDropEvent* event);
+    void endDragOver();
+    void ScrollTimer_Timer();
+    bool CommandLineTreeview_DragEvent(QEvent* event);
+    void ConstructTree_KeyDown(int key);
 
     ScriptModel& model_; // Not owned.
     ScriptClicks clicks_;
+    ScriptDrops drops_;
+    QWidget* insertionMark_; // Owned by Qt.
+    // Scrolls the script tree a line at a time while a drag is near its top or bottom.
+    QTimer ScrollTimer;
+    int ScrollDirection = 0;
+    QPoint dragPoint_; // where the drag over the script tree is, for the scrolled rows
     TreeControlView* constructTree_; // Owned by Qt.
     TreeControlView* treeView1_;     // Owned by Qt.
     TreeControlView* commandLine_;   // Owned by Qt.

@@ -4,11 +4,13 @@
 #include "controls/named_tab_bar.h"
 #include "events/event_panel.h"
 #include "gateway/output_limits.h"
+#include "scene/adding_commands.h"
 #include "scene/scene_panel.h"
 #include "script/script_panel.h"
 #include "shell/error_form.h"
 #include "shell/loop_wait.h"
 #include "shell/render_form.h"
+#include "shell/trash_can.h"
 #include "shell/view_hosts.h"
 #include "world/open_world.h"
 
@@ -181,11 +183,45 @@ QWidget* MainForm::buildOpeningScenePanel() {
     // The engine's own undo, disabled while the engine has nothing to undo, which its
     // records tell.
     connect(undoButton_, &QToolButton::clicked, this, &MainForm::UndoButton_MouseUp);
+    auto* buttons = new QHBoxLayout;
+    buttons->setContentsMargins(0, 0, 0, 0);
+    buttons->addWidget(undoButton_);
+    buttons->addWidget(buildAddingButtons(panel));
+    buttons->addStretch(1);
     auto* layout = new QVBoxLayout(panel);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(undoButton_, 0, Qt::AlignLeft);
+    layout->addLayout(buttons);
     layout->addWidget(openingSceneFrame_, 1);
     return panel;
+}
+
+QWidget* MainForm::buildAddingButtons(QWidget* parent) {
+    adding_ = new AddingCommands(state_, engine_, reporter_, this);
+    auto* row = new QWidget(parent);
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    const std::pair<const char*, const char*> commands[] = {{"AddObjectButton", "mnuAddObject"},
+                                                            {"AddSoundsButton", "mnuAddSounds"},
+                                                            {"AddTextButton", "mnuAddText"}};
+    for (const auto& [control, menuEntry] : commands) {
+        QAction* entry = findChild<QAction*>(QString::fromLatin1(menuEntry));
+        auto* button = new QToolButton(row);
+        button->setObjectName(QString::fromLatin1(control));
+        button->setText(entry->text());
+        layout->addWidget(button);
+        connect(button, &QToolButton::clicked, this, [this, entry] {
+            world_.trees().SelectedObjectName.clear();
+            entry->trigger();
+        });
+        lastAddingButton_ = button;
+    }
+    connect(findChild<QAction*>(QStringLiteral("mnuAddObject")), &QAction::triggered, adding_,
+            &AddingCommands::AddObjectFile);
+    connect(findChild<QAction*>(QStringLiteral("mnuAddSounds")), &QAction::triggered, adding_,
+            &AddingCommands::AddSoundFile);
+    connect(findChild<QAction*>(QStringLiteral("mnuAddText")), &QAction::triggered, adding_,
+            &AddingCommands::showAddTextForm);
+    return row;
 }
 
 QToolButton* MainForm::makeUndoButton(const QString& control, QWidget* parent) {
@@ -250,7 +286,16 @@ QWidget* MainForm::buildScriptTabs() {
     auto* scriptTab = new QWidget(area);
     auto* scriptLayout = new QVBoxLayout(scriptTab);
     scriptLayout->setContentsMargins(0, 0, 0, 0);
-    scriptLayout->addWidget(scriptUndoButton_, 0, Qt::AlignLeft);
+    trashCan_ = new TrashCan(
+        world_.script(), world_.events(), [this] { return world_.status().SceneScriptTab(); },
+        area);
+    connect(findChild<QAction*>(QStringLiteral("EditDeleteMenuButton")), &QAction::triggered,
+            trashCan_, &TrashCan::EditDeleteMenuButton_Click);
+    auto* scriptButtons = new QHBoxLayout;
+    scriptButtons->addWidget(scriptUndoButton_);
+    scriptButtons->addStretch(1);
+    scriptButtons->addWidget(trashCan_);
+    scriptLayout->addLayout(scriptButtons);
     scriptLayout->addWidget(eventPanel_, 1);
     scriptLayout->addWidget(scriptPanel_, 2);
 
@@ -276,6 +321,7 @@ void MainForm::SwitchToTab(int tab) {
                                  "EditUndoTextMenuButton", "EditPasteMenuButton",
                                  "EditCutMenuButton", "EditCopyMenuButton", "EditDeleteMenuButton"},
                                 false);
+                enableMenuItems({"mnuAddObject", "mnuAddSounds", "mnuAddText"}, true);
                 if (old != 0)
                     runTool(engine_, reporter_, QStringLiteral("RestoreHandbasket()"),
                             QStringLiteral("MainForm:SwitchToTab: Error restoring handbasket."));
@@ -286,6 +332,7 @@ void MainForm::SwitchToTab(int tab) {
                 enableMenuItems({"EditUndoTextMenuButton", "EditCutMenuButton",
                                  "EditCopyMenuButton", "EditDeleteMenuButton"},
                                 true);
+                enableMenuItems({"mnuAddObject", "mnuAddSounds", "mnuAddText"}, false);
                 scriptPanel_->ConstructTreeView().setVisible(tab == 1);
                 eventPanel_->setVisible(tab == 2);
             }
@@ -320,11 +367,11 @@ QWidget* MainForm::cameraViewHost() const {
 
 bool MainForm::eventFilter(QObject* watched, QEvent* event) {
     // The engine's camera view, when it comes into the opening scene, is reached right
-    // after the undo button above it.
+    // after the buttons above it.
     if (event->type() == QEvent::ChildPolished && watched == openingSceneFrame_) {
         QObject* child = static_cast<QChildEvent*>(event)->child();
         if (child->isWidgetType())
-            setTabOrder(undoButton_, static_cast<QWidget*>(child));
+            setTabOrder(lastAddingButton_, static_cast<QWidget*>(child));
     }
     if (event->type() == QEvent::Resize && watched == cameraViewHost() && engine_.isSet() &&
         !renderForm_.isMinimized()) {
@@ -378,6 +425,9 @@ void MainForm::buildMenus() {
             action->setEnabled(false);
         }
     }
+    // The world starts on the opening scene, where things are added.
+    for (const char* control : {"mnuAddObject", "mnuAddSounds", "mnuAddText"})
+        findChild<QAction*>(QString::fromLatin1(control))->setEnabled(true);
     // Shown only when the engine offers site commands.
     findChild<QMenu*>(QStringLiteral("SiteSpecificMenuButton"))->menuAction()->setVisible(false);
     QAction* undo = findChild<QAction*>(QStringLiteral("EditUndoTextMenuButton"));
@@ -420,7 +470,11 @@ void MainForm::orderTabStops() {
                                    &scenePanel_->SoundTreeView(),
                                    switchTab_,
                                    undoButton_,
+                                   findChild<QWidget*>(QStringLiteral("AddObjectButton")),
+                                   findChild<QWidget*>(QStringLiteral("AddSoundsButton")),
+                                   lastAddingButton_,
                                    scriptUndoButton_,
+                                   trashCan_,
                                    &script.ConstructTreeView(),
                                    &script.TreeView1View(),
                                    &script.CommandLineTreeviewView(),

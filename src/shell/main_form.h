@@ -16,12 +16,14 @@ class QToolButton;
 
 namespace vessa {
 
+class AddingCommands;
 class EventPanel;
 class NamedTabBar;
 class OpenWorld;
 class RenderForm;
 class ScenePanel;
 class ScriptPanel;
+class TrashCan;
 
 // The main window: it shows the open world and holds the panels of every
 // subsystem, and owns no data of its own. It is the window side of the engine's
@@ -50,6 +52,9 @@ public:
     ScriptPanel& scriptPanel() { return *scriptPanel_; }
     EventPanel& eventPanel() { return *eventPanel_; }
     ScenePanel& scenePanel() { return *scenePanel_; }
+    // Add Object, Add Sound and Add Text, from the menu and from their buttons.
+    AddingCommands& addingCommands() { return *adding_; }
+    TrashCan& trashCan() { return *trashCan_; }
     QTextEdit* OutputText() const { return outputText_; }
 
     // DifferenceView
@@ -85,6 +90,8 @@ private:
     void moveCameraView(QWidget* host);
     QWidget* cameraViewHost() const;
     QToolButton* makeUndoButton(const QString& control, QWidget* parent);
+    // The buttons and menu entries by which things come into the scene.
+    QWidget* buildAddingButtons(QWidget* parent);
     // Undoes the engine's last step.
     void UndoButton_MouseUp();
     // Undoes the newest change of the tab's own log: the script's, or the event rows'.
@@ -109,6 +116,9 @@ private:
     ScenePanel* scenePanel_ = nullptr;
     QToolButton* undoButton_ = nullptr;       // on the opening scene: the engine's undo
     QToolButton* scriptUndoButton_ = nullptr; // on the script's tabs: the tab's own undo
+    AddingCommands* adding_ = nullptr;        // Owned by Qt.
+    QWidget* lastAddingButton_ = nullptr;     // the camera view comes after it
+    TrashCan* trashCan_ = nullptr;            // beside the script's undo
     // Keeps the engine stepping while a dialog or an external tool holds the
     // main loop.
     QTimer IdleTimer;

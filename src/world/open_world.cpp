@@ -11,6 +11,8 @@ OpenWorld::OpenWorld(AppState& state, EngineLink& engine, ErrorReporter& reporte
       differences_(state, engine, reporter, trees_, followers_,
                    [this](const QString& objectName) { showObjectMenu(objectName); }) {
     InitSoundTree(trees_);
+    script_.setDragSource(trees_.ObjectTree, DragSource::Object);
+    script_.setDragSource(trees_.SoundTree, DragSource::Sound);
     followers_.add([this](const QString& oldName, const QString& newName) {
         script_.ReplaceObjectName(oldName, newName);
         events_.ListviewReplaceString(oldName, newName);

@@ -62,6 +62,10 @@ public:
     void scriptModified() override { status_.markModified(); }
     void LVUndoFromLog() override;
     int ReplaceInListView(const QString& oldName, const QString& newName) override;
+    bool FindInListView(const QString& name) override { return events_.FindInListView(name); }
+    int RemoveFromListView(const QString& name) override {
+        return events_.RemoveFromListView(name);
+    }
     void ReportError(const RunTimeError& error) override;
     const TreeControl& sceneObjects() override { return trees_.ObjectTree; }
     QStringList sceneSounds() override;

@@ -119,3 +119,34 @@ TEST_F(Builder, OnlyAnObjectDraggedFromObjectTree2MakesARowWhenDropped) {
     ASSERT_EQ(events.ListView1().Count(), 3);
     EXPECT_EQ(events.ListView1().Row(2)->SubItems(EventList::HappensTo), "Bunny.Head");
 }
+
+TEST_F(Builder, BackspaceDeletesTheSelectedRowForUndoAndARowIsTakenOnlyBackOnItself) {
+    Click(Qt::LeftButton, 1, EventList::HappensTo);
+    view->setFocus();
+    QTest::keyClick(view, Qt::Key_Backspace);
+    ASSERT_EQ(events.ListView1().Count(), 1);
+    events.LVUndoFromLog(events.ListUndoLog());
+    ASSERT_EQ(events.ListView1().Count(), 2);
+
+    // A row dragged over the list: over itself it is a click, over another row nothing.
+    const ListRow* row = events.ListView1().Row(1);
+    QMimeData carried;
+    carried.setData(QString::fromLatin1(RowDragMimeType), row->Key().toUtf8());
+    const auto over = [&](int position) {
+        const QPoint at =
+            view->visualRect(view->model()->index(position, EventList::When)).center();
+        QDragEnterEvent enter(at, Qt::MoveAction, &carried, Qt::LeftButton, {});
+        QApplication::sendEvent(view->viewport(), &enter);
+        QDragMoveEvent move(at, Qt::MoveAction, &carried, Qt::LeftButton, {});
+        QApplication::sendEvent(view->viewport(), &move);
+        return move.isAccepted();
+    };
+    EXPECT_FALSE(over(0));
+    EXPECT_TRUE(over(1));
+    requests.clear();
+    const QPoint at = view->visualRect(view->model()->index(1, EventList::When)).center();
+    QDropEvent dropped(QPointF(at), Qt::MoveAction, &carried, Qt::LeftButton, {});
+    QApplication::sendEvent(view->viewport(), &dropped);
+    EXPECT_EQ(requests, QStringList{Asked(Kind::EventConditionMenu, "LeftMouseButtonDown")});
+    EXPECT_EQ(events.ListView1().Count(), 2);
+}

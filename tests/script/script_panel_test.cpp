@@ -5,8 +5,10 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QAccessible>
+#include <QDropEvent>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QScrollBar>
 #include <QTest>
 
@@ -222,4 +224,99 @@ TEST_F(Panel, TheMenuKeyOpensTheSelectedLinesMenuWherePerformThisLineRunsIt) {
     ASSERT_EQ(host.requests.size(), 1u);
     EXPECT_EQ(host.requests[0].What, Kind::PerformLine);
     EXPECT_EQ(host.requests[0].Value, "Camera.Move(Forward, 1, Duration=2),\r\n");
+}
+
+namespace {
+
+// The script with a block, a second animation and the palette beside it, and drags made
+// by pressing and moving the mouse on a view; the platform's part, the events over the
+// script tree, is delivered as it would deliver them.
+struct Dragging : Panel {
+    TreeNode *hop = nullptr, *turn = nullptr, *action2 = nullptr;
+    TreeControlView& palette = panel.ConstructTreeView();
+
+    void SetUp() override {
+        Panel::SetUp();
+        carried.setData(QString::fromLatin1(NodeDragMimeType), "k");
+        TreeControl& tree = script.TreeView1();
+        hop = tree.Add(action1, Relation::Child, "", "Hop : DoTogether");
+        turn = tree.Add(hop, Relation::Child, "", "Bunny.Turn(Left, 1/4, more...)");
+        tree.SetExpanded(hop, true);
+        action2 = tree.AddRoot("action2", "Action2 = DoInOrder");
+        script.AnimationNames().Append("Action2");
+        QApplication::processEvents();
+    }
+
+    void pressAndMove(TreeControlView& from, const TreeNode* node) {
+        const QPoint at = from.NodeRect(node).center();
+        QTest::mousePress(from.viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseMove(from.viewport(), at + QPoint(0, 3 * QApplication::startDragDistance()));
+        QTest::mouseRelease(from.viewport(), Qt::LeftButton, {}, at);
+    }
+
+    // Moves over the script tree to point; answers whether a drop there would be taken.
+    bool over(const QPoint& point) {
+        QDragEnterEvent enter(point, Qt::MoveAction, &carried, Qt::LeftButton, {});
+        QApplication::sendEvent(view.viewport(), &enter);
+        QDragMoveEvent move(point, Qt::MoveAction, &carried, Qt::LeftButton, {});
+        QApplication::sendEvent(view.viewport(), &move);
+        return enter.isAccepted() && move.isAccepted();
+    }
+    void dropAt(const QPoint& point) {
+        over(point);
+        QDropEvent drop(QPointF(point), Qt::MoveAction, &carried, Qt::LeftButton, {});
+        QApplication::sendEvent(view.viewport(), &drop);
+        QApplication::processEvents();
+    }
+    // Low in the node's row, at its level.
+    QPoint below(const TreeNode* node) {
+        const QRect rect = view.NodeRect(node);
+        return {rect.left() + 4, rect.bottom() - 1};
+    }
+
+    QMimeData carried;
+};
+
+} // namespace
+
+TEST_F(Dragging, ABlockFromThePaletteShowsWhereItWillLandAndIsMadeThereForOneUndo) {
+    pressAndMove(palette, script.ConstructTree().RootAt(0));
+    ASSERT_EQ(script.DragNode.Tree, &script.ConstructTree());
+    EXPECT_TRUE(over(below(line)));
+    QWidget& mark = panel.insertionMark();
+    EXPECT_TRUE(mark.isVisible());
+    EXPECT_NEAR(mark.geometry().center().y(), view.NodeRect(hop).top(), 3);
+    // Drawn in the colour of a selection, not lost in the white of the rows.
+    const QImage shown = view.viewport()->grab().toImage();
+    EXPECT_EQ(shown.pixelColor(mark.geometry().center()),
+              view.palette().color(QPalette::Highlight));
+    dropAt(below(line));
+    EXPECT_FALSE(mark.isVisible());
+    EXPECT_EQ(action1->ChildAt(1)->Text(), "DoInOrder");
+    EXPECT_EQ(action1->ChildAt(2), hop);
+    script.UndoFromLog();
+    EXPECT_EQ(action1->Children(), 2);
+}
+
+TEST_F(Dragging, ABlockMovesByTheMouseButIsRefusedInsideItselfBeforeTheDrop) {
+    pressAndMove(view, hop);
+    ASSERT_EQ(script.DragNode.Get(), hop);
+    EXPECT_FALSE(over(below(turn)));
+    EXPECT_FALSE(panel.insertionMark().isVisible());
+    dropAt(below(turn));
+    EXPECT_EQ(hop->Parent(), action1);
+    EXPECT_EQ(hop->Child(), turn);
+    EXPECT_TRUE(script.TreeUndoRecords().Text().isEmpty());
+
+    // Below every row: into the last animation, the block with its line.
+    const QPoint empty(below(line).x(), view.viewport()->height() - 30);
+    EXPECT_TRUE(over(empty));
+    dropAt(empty);
+    ASSERT_EQ(action2->Children(), 1);
+    EXPECT_EQ(action2->Child()->Text(), "Hop : DoTogether");
+    EXPECT_EQ(action2->Child()->Child()->Text(), "Bunny.Turn(Left, 1/4, more...)");
+    EXPECT_EQ(action1->Children(), 1);
+    script.UndoFromLog();
+    EXPECT_EQ(action1->ChildAt(1)->Text(), "Hop : DoTogether");
+    EXPECT_EQ(action2->Children(), 0);
 }

@@ -23,6 +23,13 @@ public:
         animationRenames << oldName + QStringLiteral(" -> ") + newName;
         return eventRowsOfRenamedAnimation;
     }
+    bool FindInListView(const QString& name) override {
+        return animationsWithRows.contains(name, Qt::CaseInsensitive);
+    }
+    int RemoveFromListView(const QString& name) override {
+        removedAnimationRows << name;
+        return animationsWithRows.removeAll(name.toLower()) > 0 ? eventRowsOfRemovedAnimation : 0;
+    }
     void ReportError(const RunTimeError& error) override { errors.push_back(error.number()); }
     const TreeControl& sceneObjects() override { return objects; }
     QStringList sceneSounds() override { return sounds; }
@@ -48,6 +55,9 @@ public:
     int eventUndos = 0;
     QStringList animationRenames;        // "old -> new", as the event list was told
     int eventRowsOfRenamedAnimation = 0; // what the event list answers
+    QStringList animationsWithRows;      // in lower case: the animations event rows do
+    QStringList removedAnimationRows;    // the animations whose rows were asked to go
+    int eventRowsOfRemovedAnimation = 0; // what the event list answers for one of those
     std::vector<ScriptRequest> requests;
     std::vector<int> errors;
 
@@ -67,6 +77,7 @@ public:
 class FakeTreeGeometry : public TreeGeometry {
 public:
     static constexpr int RowHeight = 20;
+    static constexpr int Indent = 20;
 
     explicit FakeTreeGeometry(const TreeControl& tree) : tree_(tree) {
         font_ = QFont("DejaVu Sans", 10);
@@ -81,6 +92,14 @@ public:
         return point.x() >= TextLeft(node) - 20 ? node : nullptr;
     }
 
+    TreeNode* NodeOnRow(int y) const override {
+        const std::vector<TreeNode*> rows = Rows();
+        const int row = y / RowHeight;
+        if (y < 0 || row >= static_cast<int>(rows.size()))
+            return nullptr;
+        return rows[static_cast<size_t>(row)];
+    }
+
     QRect NodeRect(const TreeNode* node) const override {
         const std::vector<TreeNode*> rows = Rows();
         for (size_t row = 0; row < rows.size(); ++row)
@@ -91,6 +110,7 @@ public:
     }
 
     int ItemHeight() const override { return RowHeight; }
+    int Indentation() const override { return Indent; }
     QFont TextFont() const override { return font_; }
     double TwipsPerPixel() const override { return 15; }
 
@@ -104,7 +124,7 @@ public:
     }
 
 private:
-    static int TextLeft(const TreeNode* node) { return 20 * node->Depth() + 24; }
+    static int TextLeft(const TreeNode* node) { return Indent * node->Depth() + 24; }
 
     std::vector<TreeNode*> Rows() const {
         std::vector<TreeNode*> rows;

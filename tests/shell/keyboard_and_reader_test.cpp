@@ -2,6 +2,8 @@
 // names and roles that assistive technology reads in-process, and the Tab order.
 #include "controls/accessible_names.h"
 #include "controls/tree_control_view.h"
+#include "scene/adding_commands.h"
+#include "scene/gallery_dialog.h"
 #include "scene/scene_panel.h"
 #include "script/script_panel.h"
 #include "shell/error_form.h"
@@ -186,7 +188,12 @@ TEST(ScreenReader, TheListNamesOnlyControlsThatExistAndEveryShownControlHasAName
     ErrorForm error(ErrorFormContent{}, [] { return QString(); });
     HelpForm help;
     SplashScreen splash;
-    QList<QWidget*> widgets = {h.form.get(), &h.renderForm, &error, &help, &splash};
+    // The gallery and the Add Text form are made the first time they are asked for.
+    AddingCommands& adding = h.form->addingCommands();
+    adding.AddObjectFile();
+    adding.showAddTextForm();
+    QList<QWidget*> widgets = {h.form.get(),     &h.renderForm,       &error, &help, &splash,
+                               adding.gallery(), adding.addTextForm()};
     for (QWidget* window : QList<QWidget*>(widgets))
         widgets << window->findChildren<QWidget*>();
     QSet<QString> made;
@@ -217,9 +224,11 @@ TEST(Keyboard, FocusStartsOnTheObjectsAndTabReadsTheWindowInOrderBothWays) {
     cameraView->setGeometry(0, 0, 100, 80);
     cameraView->show();
 
-    const QStringList opening = {QStringLiteral("Objects"),     QStringLiteral("Sounds"),
-                                 QStringLiteral("World tabs"),  QStringLiteral("Undo scene change"),
-                                 QStringLiteral("Camera view"), QStringLiteral("Output")};
+    const QStringList opening = {QStringLiteral("Objects"),    QStringLiteral("Sounds"),
+                                 QStringLiteral("World tabs"), QStringLiteral("Undo scene change"),
+                                 QStringLiteral("Add object"), QStringLiteral("Add sound"),
+                                 QStringLiteral("Add text"),   QStringLiteral("Camera view"),
+                                 QStringLiteral("Output")};
     EXPECT_EQ(w.walk(Qt::Key_Tab), opening);
     EXPECT_EQ(w.inReadingOrder(opening), opening);
     QStringList backwards = opening.mid(1);
@@ -229,10 +238,11 @@ TEST(Keyboard, FocusStartsOnTheObjectsAndTabReadsTheWindowInOrderBothWays) {
     w.press(Qt::Key_Tab, Qt::ControlModifier);
     w.useMainWindow();
     const QStringList animations = {
-        QStringLiteral("Objects"),          QStringLiteral("Sounds"),
-        QStringLiteral("World tabs"),       QStringLiteral("Undo Changes to Script"),
-        QStringLiteral("Blocks"),           QStringLiteral("Script"),
-        QStringLiteral("Line being built"), QStringLiteral("Output")};
+        QStringLiteral("Objects"),    QStringLiteral("Sounds"),
+        QStringLiteral("World tabs"), QStringLiteral("Undo Changes to Script"),
+        QStringLiteral("Trash can"),  QStringLiteral("Blocks"),
+        QStringLiteral("Script"),     QStringLiteral("Line being built"),
+        QStringLiteral("Output")};
     EXPECT_EQ(w.walk(Qt::Key_Tab), animations);
     EXPECT_EQ(w.inReadingOrder(animations), animations);
 }
