@@ -27,7 +27,8 @@ def file_of(model):
     return model.rsplit(PART_MARK, 1)[0]
 
 
-def _with_file(model, path):
+def with_file(model, path):
+    """The reference with its file named path instead."""
     return path + model[len(file_of(model)):]
 
 
@@ -115,9 +116,11 @@ def replace(thing, path):
     return None
 
 
-def keep_in_folder(things, folder):
+def keep_in_folder(things, folder, scratch=None):
     """Copies the model files of things that live outside folder into it,
-    and makes the things use the copies."""
+    and makes the things use the copies. Each copy is written in scratch
+    (folder when not given) and then renamed into folder: it is there
+    whole or not at all."""
     folder = os.path.abspath(folder)
     copies = {}
     for thing in things:
@@ -125,19 +128,25 @@ def keep_in_folder(things, folder):
         if source is None or os.path.dirname(os.path.abspath(source)) == folder:
             continue
         if source not in copies:
-            copies[source] = copy_into(source, folder)
-        thing.model = _with_file(thing.model, copies[source])
+            copies[source] = copy_into(source, folder, scratch)
+        thing.model = with_file(thing.model, copies[source])
 
 
-def copy_into(source, folder):
+def copy_into(source, folder, scratch=None):
     """Where the file source is kept in folder: a copy under its own name, or
-    a numbered one when another file has that name there."""
+    a numbered one when another file has that name there. The copy is made
+    in scratch (folder when not given), flushed, and renamed into place."""
     stem, ext = os.path.splitext(os.path.basename(source))
     target, n = os.path.join(folder, stem + ext), 2
     while os.path.exists(target) and not _same_file(source, target):
         target, n = os.path.join(folder, "%s%d%s" % (stem, n, ext)), n + 1
     if not os.path.exists(target) and os.path.exists(source):
-        shutil.copyfile(source, target)
+        partial = os.path.join(scratch or folder, os.path.basename(target) + ".copying")
+        with open(source, "rb") as original, open(partial, "wb") as copy:
+            shutil.copyfileobj(original, copy)
+            copy.flush()
+            os.fsync(copy.fileno())
+        os.replace(partial, target)
     return target
 
 
@@ -154,7 +163,7 @@ def relative_to(model, folder):
     source = file_of(model)
     if source is None or os.path.dirname(source) != os.path.abspath(folder):
         return model
-    return _with_file(model, os.path.basename(source))
+    return with_file(model, os.path.basename(source))
 
 
 def within(model, folder):
@@ -162,4 +171,4 @@ def within(model, folder):
     source = file_of(model)
     if source is None or os.path.isabs(source):
         return model
-    return _with_file(model, os.path.join(os.path.abspath(folder), source))
+    return with_file(model, os.path.join(os.path.abspath(folder), source))
