@@ -20,6 +20,8 @@ public:
     ScriptModel& operator=(const ScriptModel&) = delete;
 
     ScriptHost& Host() const { return host_; }
+    // The script of a new world: one animation "Action1 = DoInOrder" and nothing to undo.
+    void Initialize();
     // Who answers the menus, editors and commands that clicks ask for.
     ScriptRequests& requests() { return requests_; }
     // The animations: roots named "<name> = DoInOrder", blocks inside, lines as leaves.
@@ -83,8 +85,6 @@ public:
     double LastClickY = 0;
 
 private:
-    void Initialize();
-
     ScriptHost& host_; // Not owned.
     TreeControl treeView1_;
     TreeControl constructTree_;
