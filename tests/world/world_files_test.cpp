@@ -17,47 +17,6 @@ using namespace vessa::testing;
 
 namespace {
 
-QString homeFile(const QString& path) {
-    return qEnvironmentVariable("VESSA47_HOME") + path;
-}
-
-// A world as a user makes one: objects added through the engine, lines, rows and code
-// through the models.
-void buildWorld(WorldOnEngine& w) {
-    ASSERT_TRUE(isSuccessResult(w.engine.call(
-        QStringLiteral("addobject"), {homeFile(QStringLiteral("Objects/Animals/Bunny.mdl"))})));
-    ASSERT_TRUE(isSuccessResult(w.engine.call(QStringLiteral("AddText"), {QStringLiteral("Hi")})));
-    w.run(QStringLiteral("Bunny.Move(Left, 2, Duration=0)\nHi.Turn(Right, 1/4, Duration=0)\n"
-                         "Hi.SetColor(Red, Duration=0)"));
-    ScriptModel& script = w.world.script();
-    TreeControl& tree = script.TreeView1();
-    TreeNode* hop = tree.FirstRoot();
-    tree.SetExpanded(hop, true);
-    tree.Add(hop, Relation::Child, {}, QStringLiteral("Bunny.Move(Forward, 1, more...)"));
-    TreeNode* both = tree.Add(hop, Relation::Child, {}, QStringLiteral("Both : DoTogether"));
-    tree.Add(both, Relation::Child, {}, QStringLiteral("Hi.Turn(Left, 1, more...)"));
-    TreeNode* python = tree.Add(both, Relation::Child, {}, QStringLiteral("print('hop')"));
-    tree.SetTag(python, PythonLineTag);
-    TreeNode* spin = script.AddNewAnimation();
-    tree.Add(spin, Relation::Child, {}, QStringLiteral("Hi.Turn(Left, 2, more...)"));
-    tree.SetExpanded(spin, false);
-    w.world.events().addRow(QStringLiteral(R"(KeyDown ("A" key))"), QStringLiteral("AnyWhere"),
-                            QStringLiteral("Action2"));
-    w.world.ArbitraryCodeBox().Text = QStringLiteral("greeting = Hi.GetName()\r\n");
-    w.poll();
-}
-
-QByteArray bytesOf(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void write(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
-}
-
 // What the world shows once it is saved and opened again: the code gains a line end
 // when it is written and another when it is read, as it always has.
 QString afterLoad(const QString& shown) {
@@ -277,4 +236,74 @@ TEST(WorldFiles, ASaveFromAScriptTabWritesTheSceneAsItStoodBeforeTheRun) {
     QDir().mkdir(saved.folder);
     ASSERT_EQ(w.files.SaveWorld(saved.folder), kYesSave);
     EXPECT_EQ(w.sceneText(), opening);
+}
+
+TEST(WorldFiles, LeavingAChangedWorldAsksFirstYesSavesNoLeavesItAndCancelStays) {
+    using Answer = WorldFilesView::Answer;
+    enum class Command { New, Open };
+    for (const Command command : {Command::New, Command::Open}) {
+        for (const Answer answer : {Answer::Yes, Answer::No, Answer::Cancel}) {
+            const std::string what = std::string(command == Command::New ? "New" : "Open") +
+                                     " answered " + std::to_string(static_cast<int>(answer));
+            WorldOnEngine w;
+            buildWorld(w);
+            SavedWorld saved;
+            SavedWorld other;
+            QDir().mkdir(saved.folder);
+            QDir().mkdir(other.folder);
+            ASSERT_EQ(w.files.SaveWorld(other.folder), kYesSave);
+            ASSERT_EQ(w.files.SaveWorld(saved.folder), kYesSave);
+            const QByteArray before = bytesOf(saved.folder + QStringLiteral("/world_script.tv"));
+            TreeControl& tree = w.world.script().TreeView1();
+            tree.Add(tree.FirstRoot(), Relation::Child, {}, QStringLiteral("Hi.Move(Up, 3)"));
+            // As the script's history tells the world of a change.
+            w.world.status().markModified();
+            ASSERT_TRUE(w.world.IsWorldDirty()) << what;
+            const QString changed = w.shown();
+
+            w.view.saveChanges = answer;
+            w.view.folders << other.folder;
+            if (command == Command::New)
+                w.files.FileNewMenuButton_Click();
+            else
+                w.files.FileOpenMenuButton_Click();
+            w.poll();
+            EXPECT_EQ(w.view.questions, QStringList{QStringLiteral("save changes")}) << what;
+            const QByteArray after = bytesOf(saved.folder + QStringLiteral("/world_script.tv"));
+            EXPECT_EQ(after.contains("Hi.Move(Up, 3)"), answer == Answer::Yes) << what;
+            EXPECT_EQ(after == before, answer != Answer::Yes) << what;
+            const QString left = w.world.status().worldSaveFile();
+            if (answer == Answer::Cancel) {
+                EXPECT_EQ(left, saved.folder) << what;
+                EXPECT_EQ(w.shown(), changed) << what;
+                EXPECT_TRUE(w.world.IsWorldDirty()) << what;
+            } else {
+                EXPECT_EQ(left, command == Command::New ? QString() : other.folder) << what;
+                EXPECT_FALSE(w.world.IsWorldDirty()) << what;
+            }
+        }
+    }
+}
+
+TEST(WorldFiles, YesForAWorldWithoutANameAsksForAFolderAndNoneChosenKeepsTheWorld) {
+    WorldOnEngine w;
+    buildWorld(w);
+    ASSERT_TRUE(w.world.IsWorldDirty());
+    const QString made = w.shown();
+    w.view.saveChanges = WorldFilesView::Answer::Yes;
+    w.files.FileNewMenuButton_Click();
+    w.poll();
+    EXPECT_EQ(w.files.result(), kNoSave);
+    EXPECT_EQ(w.shown(), made);
+    EXPECT_TRUE(w.world.IsWorldDirty());
+
+    SavedWorld saved;
+    QDir().mkdir(saved.folder);
+    w.view.folders << saved.folder;
+    w.files.FileNewMenuButton_Click();
+    w.poll();
+    EXPECT_EQ(w.files.result(), kYesSave);
+    EXPECT_TRUE(isWorldFolder(saved.folder));
+    EXPECT_EQ(w.world.status().worldSaveFile(), QString());
+    EXPECT_EQ(w.world.script().TreeView1().FirstRoot()->Child(), nullptr);
 }

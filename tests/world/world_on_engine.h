@@ -12,6 +12,7 @@
 #include "support/scripted_engine.h"
 
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -153,5 +154,46 @@ struct WorldOnEngine {
         return lines.join(u'\n');
     }
 };
+
+inline QString homeFile(const QString& path) {
+    return qEnvironmentVariable("VESSA47_HOME") + path;
+}
+
+// A world as a user makes one: objects added through the engine, lines, rows and code
+// through the models.
+inline void buildWorld(WorldOnEngine& w) {
+    ASSERT_TRUE(isSuccessResult(w.engine.call(
+        QStringLiteral("addobject"), {homeFile(QStringLiteral("Objects/Animals/Bunny.mdl"))})));
+    ASSERT_TRUE(isSuccessResult(w.engine.call(QStringLiteral("AddText"), {QStringLiteral("Hi")})));
+    w.run(QStringLiteral("Bunny.Move(Left, 2, Duration=0)\nHi.Turn(Right, 1/4, Duration=0)\n"
+                         "Hi.SetColor(Red, Duration=0)"));
+    ScriptModel& script = w.world.script();
+    TreeControl& tree = script.TreeView1();
+    TreeNode* hop = tree.FirstRoot();
+    tree.SetExpanded(hop, true);
+    tree.Add(hop, Relation::Child, {}, QStringLiteral("Bunny.Move(Forward, 1, more...)"));
+    TreeNode* both = tree.Add(hop, Relation::Child, {}, QStringLiteral("Both : DoTogether"));
+    tree.Add(both, Relation::Child, {}, QStringLiteral("Hi.Turn(Left, 1, more...)"));
+    TreeNode* python = tree.Add(both, Relation::Child, {}, QStringLiteral("print('hop')"));
+    tree.SetTag(python, PythonLineTag);
+    TreeNode* spin = script.AddNewAnimation();
+    tree.Add(spin, Relation::Child, {}, QStringLiteral("Hi.Turn(Left, 2, more...)"));
+    tree.SetExpanded(spin, false);
+    w.world.events().addRow(QStringLiteral(R"(KeyDown ("A" key))"), QStringLiteral("AnyWhere"),
+                            QStringLiteral("Action2"));
+    w.world.ArbitraryCodeBox().Text = QStringLiteral("greeting = Hi.GetName()\r\n");
+    w.poll();
+}
+
+inline QByteArray bytesOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+inline void write(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(bytes);
+}
 
 } // namespace vessa::testing
