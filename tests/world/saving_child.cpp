@@ -3,17 +3,24 @@
 //   saving_child FOLDER A|B          saves that world into FOLDER once and ends
 //   saving_child FOLDER A|B again    says "ready", then saves that world, the other, the
 //                                    first again, ... into FOLDER until it is killed
+//   saving_child ROOT A|B unsaved    makes that world without saving it, keeps a copy of
+//                                    the unsaved work in the recovery folder ROOT, says
+//                                    "kept" and waits to be killed
 // The two differ in their script, rows, code and scene, so that a folder that mixed
 // them, or held half a file, would not open as either.
 #include "gateway/python_interpreter.h"
+#include "world/autosave.h"
 #include "world/open_world.h"
 #include "world/recovery_store.h"
 #include "world/world_files.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QTemporaryDir>
 
 #include <cstdio>
+#include <cstring>
+#include <unistd.h>
 
 using namespace vessa;
 
@@ -67,11 +74,12 @@ struct Saver {
     OpenWorld world{state, engine, reporter};
     SilentView view;
     QTemporaryDir recoveryRoot;
-    RecoveryStore recovery{recoveryRoot.path()};
+    RecoveryStore recovery;
     WorldFiles files{WorldContext{state, engine, reporter, world, view, {}}, recovery};
     bool markerMoved = false;
 
-    Saver() {
+    explicit Saver(const QString& recoveryAt)
+        : recovery(recoveryAt.isEmpty() ? recoveryRoot.path() : recoveryAt) {
         state.ExitOnFatal = false;
         state.HomeDir = qEnvironmentVariable("VESSA47_HOME");
         // Started two hundred times: the engine without its compiled backend starts
@@ -113,6 +121,27 @@ struct Saver {
         markerMoved = b;
     }
 
+    // Keeps copies of the unsaved work as the program does, only more often, until the
+    // first is whole.
+    void keepUnsaved(QCoreApplication& app) {
+        world.status().markModified();
+        Autosave autosave(engine, world, recovery, [](const QString& line) {
+            std::fprintf(stderr, "%s\n", qPrintable(line));
+            std::exit(6);
+        });
+        autosave.start(std::chrono::milliseconds(1));
+        while (!readRecoveredWork(onlyCopy()).savedAt.isValid())
+            app.processEvents(QEventLoop::WaitForMoreEvents);
+        autosave.stop();
+        recovery.waitForCopy();
+    }
+
+    QString onlyCopy() const {
+        const QStringList copies =
+            QDir(recovery.root()).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        return copies.size() == 1 ? QDir(recovery.root()).filePath(copies[0]) : QString();
+    }
+
     void save(const QString& folder) {
         if (files.SaveWorld(folder) != kYesSave)
             std::exit(5);
@@ -126,8 +155,17 @@ int main(int argc, char** argv) {
     if (argc < 3)
         return 1;
     const QString folder = QString::fromLocal8Bit(argv[1]);
-    Saver saver;
+    const bool unsaved = argc > 3 && std::strcmp(argv[3], "unsaved") == 0;
+    Saver saver(unsaved ? folder : QString());
     bool b = argc > 2 && argv[2][0] == 'B';
+    if (unsaved) {
+        saver.become(b);
+        saver.keepUnsaved(app);
+        std::printf("kept\n");
+        std::fflush(stdout);
+        for (;;)
+            ::pause();
+    }
     if (argc < 4) {
         saver.become(b);
         saver.save(folder);

@@ -63,7 +63,8 @@ public:
 };
 
 // The open world over the real engine, with its files: what the main window does with
-// them, without the window. Copies of unsaved work go to a folder of the test's own.
+// them, without the window. Copies of unsaved work go to a folder of the test's own
+// unless it is given one.
 struct WorldOnEngine {
     AppState state;
     EngineLink engine;
@@ -73,7 +74,8 @@ struct WorldOnEngine {
     OpenWorld world{state, engine, reporter};
     RecordingFilesView view;
     QTemporaryDir recoveryRoot;
-    RecoveryStore recovery{recoveryRoot.path()};
+    QString recoveryFolder;
+    RecoveryStore recovery{recoveryFolder.isEmpty() ? recoveryRoot.path() : recoveryFolder};
     QStringList trusted;
     WorldFiles files{WorldContext{state, engine, reporter, world, view,
                                   [this](const QString& folder) {
@@ -81,7 +83,8 @@ struct WorldOnEngine {
                                   }},
                      recovery};
 
-    WorldOnEngine() {
+    // recoveryAt: where copies of unsaved work are kept, when not in a folder of its own.
+    explicit WorldOnEngine(const QString& recoveryAt = QString()) : recoveryFolder(recoveryAt) {
         state.ExitOnFatal = false;
         state.HomeDir = qEnvironmentVariable("VESSA47_HOME");
         InterpreterRegistry registry;
