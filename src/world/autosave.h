@@ -21,7 +21,7 @@ class OpenWorld;
 class Autosave {
 public:
     // How many objects' text one step asks the engine for.
-    static constexpr int kObjectsPerStep = 200;
+    static constexpr int kObjectsPerStep = 100;
 
     // tell: one line for the user, when a copy can't be written (once until one can).
     Autosave(EngineLink& engine, OpenWorld& world, RecoveryStore& store,
