@@ -53,6 +53,8 @@ void ScriptModel::Initialize() {
     commandLineTreeview_.Clear();
     commandLineTreeview_.AddRoot(QString(),
                                  DefaultLine(QStringLiteral("Camera"), QStringLiteral("Move")));
+    // Records of another world would undo into this one.
+    undo_.Clear();
 }
 
 void ScriptModel::UpdateNode(TreeNode* node, const QString& newValue, bool log) {

@@ -32,6 +32,8 @@ public:
     ScriptModel& operator=(const ScriptModel&) = delete;
 
     ScriptHost& Host() const { return host_; }
+    // The script of a new world: one animation "Action1 = DoInOrder" and nothing to undo.
+    void Initialize();
     // Who answers the menus, editors and commands that clicks ask for.
     ScriptRequests& requests() { return requests_; }
     // The animations: roots named "<name> = DoInOrder", blocks inside, lines as leaves.
@@ -113,8 +115,6 @@ public:
     double LastClickY = 0;
 
 private:
-    void Initialize();
-
     std::vector<std::pair<const TreeControl*, DragSource>> dragSources_; // Trees not owned.
     ScriptHost& host_;                                                   // Not owned.
     TreeControl treeView1_;

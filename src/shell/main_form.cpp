@@ -10,15 +10,22 @@
 #include "shell/error_form.h"
 #include "shell/loop_wait.h"
 #include "shell/render_form.h"
+#include "shell/settings_store.h"
 #include "shell/trash_can.h"
 #include "shell/view_hosts.h"
+#include "shell/world_folder_dialog.h"
+#include "shell/world_trust.h"
+#include "world/autosave.h"
 #include "world/open_world.h"
+#include "world/recovery_store.h"
+#include "world/world_files.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QChildEvent>
 #include <QCloseEvent>
 #include <QFrame>
+#include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QScopedValueRollback>
@@ -40,6 +47,16 @@ constexpr bool kLogMessagesOn = false;
 // The shares of the window that the scene's column and the output pane start with.
 constexpr double kObjectTreeShare = 0.2;
 constexpr double kOutputShare = 0.08;
+
+// How often a copy of unsaved work is kept, unless the preferences say otherwise.
+constexpr int kRecoveryCopySeconds = 120;
+
+const QString kTrustExplanation = QStringLiteral(
+    "A world's code can do anything a program on this computer can do: read, change and "
+    "delete your files, use the network and start other programs. Until you trust a world, "
+    "Vessa47 stops its code from doing these things.\n\nTrust only a world you made "
+    "yourself or that comes from someone you know well. You can take your trust back by "
+    "choosing this command again.\n\nTrust this world's code?");
 
 struct MenuItemSpec {
     const char* control;
@@ -63,6 +80,7 @@ const MenuSpec kMenus[] = {
       {"FileSaveAsMenuButton", "Save &As..."},
       {"FileSaveAsWWWMenuButton", "Save As &WWW Page..."},
       {"mnuSendToFriend", "Send To A &Friend..."},
+      {"mnuTrustWorld", "&Trust This World's Code"},
       {"", ""},
       {"FileStartCameraHere", "Make Camera Start Here in Opening Scene"},
       {"FileOpeningScene", "Make This the Opening Scene"},
@@ -142,12 +160,24 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     world_.attachView(this);
     world_.status().addObserver(*this);
     world_.script().setUndoListener([this] { showScriptUndoAvailable(); });
+    settings_ = std::make_unique<RegKeys>();
+    trust_ = std::make_unique<WorldTrust>(*settings_);
+    recovery_ = std::make_unique<RecoveryStore>();
+    files_ = std::make_unique<WorldFiles>(WorldContext{state_, engine_, reporter_, world_, *this,
+                                                       [this](const QString& folder) {
+                                                           return trust_->isTrusted(folder);
+                                                       }},
+                                          *recovery_);
+    autosave_ = std::make_unique<Autosave>(engine_, world_, *recovery_,
+                                           [this](const QString& line) { PrintOutput(line); });
+    connectFileCommands();
     SwitchToTab(0);
     // Where a user begins: the objects of the scene.
     scenePanel_->ObjectTreeView().setFocus();
 }
 
 MainForm::~MainForm() {
+    autosave_->stop();
     world_.script().setUndoListener({});
     world_.status().removeObserver(*this);
     world_.attachView(nullptr);
@@ -492,27 +522,138 @@ bool MainForm::objectTreeVisible() const {
 }
 
 int MainForm::SaveChangesPrompt() {
-    const auto answer = QMessageBox::question(
-        this, QStringLiteral("Vessa47"), QStringLiteral("Save changes to your world first?"),
-        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
-    if (answer == QMessageBox::Yes) {
-        if (!FileSaveMenuButton_Click())
-            return 2; // not saved: keep the world open rather than lose it
-        return 0;
-    }
-    // A box closed without a choice keeps the world open, as Cancel does.
-    return answer == QMessageBox::No ? 1 : 2;
+    return files_->SaveChangesPrompt();
 }
 
-bool MainForm::FileSaveMenuButton_Click() {
-    // Worlds can't be written to a folder yet; say so rather than pretend.
-    QMessageBox::information(this, QStringLiteral("Vessa47"),
-                             QStringLiteral("This version of Vessa47 can't save worlds yet, so "
-                                            "your world stays open."));
-    return false;
+bool MainForm::LoadWorld(const QString& worldPath, bool showHelp) {
+    return files_->LoadWorld(worldPath, showHelp);
+}
+
+QString MainForm::SaveWorld(const QString& worldPath) {
+    return files_->SaveWorld(worldPath);
+}
+
+void MainForm::offerRecoveredWork() {
+    files_->offerRecoveredWork();
+}
+
+void MainForm::connectFileCommands() {
+    const auto command = [this](const char* control, QKeySequence::StandardKey key, auto work) {
+        QAction* action = findChild<QAction*>(QString::fromUtf8(control));
+        action->setEnabled(true);
+        if (key != QKeySequence::UnknownKey)
+            action->setShortcut(key);
+        connect(action, &QAction::triggered, this, work);
+    };
+    command("FileNewMenuButton", QKeySequence::New, [this] { files_->FileNewMenuButton_Click(); });
+    command("FileOpenMenuButton", QKeySequence::Open,
+            [this] { files_->FileOpenMenuButton_Click(); });
+    command("FileSaveMenuButton", QKeySequence::Save,
+            [this] { files_->FileSaveMenuButton_Click(); });
+    command("FileSaveAsMenuButton", QKeySequence::SaveAs,
+            [this] { files_->FileSaveAsMenuButton_Click(); });
+    QAction* trust = findChild<QAction*>(QStringLiteral("mnuTrustWorld"));
+    trust->setCheckable(true);
+    connect(trust, &QAction::triggered, this, &MainForm::mnuTrustWorld_Click);
+    const int seconds = settings_
+                            ->GetRegValue(RegistryRoot::LocalMachine, kPreferencesKey,
+                                          QStringLiteral("RecoveryCopySeconds"))
+                            .toInt();
+    autosave_->start(std::chrono::seconds(seconds > 0 ? seconds : kRecoveryCopySeconds));
+}
+
+void MainForm::mnuTrustWorld_Click(bool trusted) {
+    const QString folder = world_.status().worldSaveFile();
+    if (trusted && QMessageBox::question(this, QStringLiteral("Vessa47 - Trust This World's Code"),
+                                         kTrustExplanation, QMessageBox::Yes | QMessageBox::No,
+                                         QMessageBox::No) != QMessageBox::Yes)
+        trusted = false;
+    trust_->setTrusted(folder, trusted);
+    files_->context().tellTrust();
+    showTrustOfWorld();
+}
+
+// Only a world in a folder of its own can be trusted.
+void MainForm::showTrustOfWorld() {
+    QAction* trust = findChild<QAction*>(QStringLiteral("mnuTrustWorld"));
+    const QString folder = world_.status().worldSaveFile();
+    trust->setEnabled(!folder.isEmpty());
+    trust->setChecked(trust_->isTrusted(folder));
+}
+
+void MainForm::showMessage(const QString& title, const QString& text, const QString& details) {
+    QMessageBox box(QMessageBox::Warning, title, text, QMessageBox::Ok, this);
+    box.setInformativeText(details);
+    box.exec();
+}
+
+namespace {
+
+WorldFilesView::Answer answerOf(QMessageBox::StandardButton button) {
+    switch (button) {
+    case QMessageBox::Yes:
+        return WorldFilesView::Answer::Yes;
+    case QMessageBox::No:
+        return WorldFilesView::Answer::No;
+    default: // a box closed without a choice keeps things as they are, as Cancel does
+        return WorldFilesView::Answer::Cancel;
+    }
+}
+
+} // namespace
+
+WorldFilesView::Answer MainForm::askSaveChanges() {
+    return answerOf(QMessageBox::question(
+        this, QStringLiteral("Vessa47"), QStringLiteral("Save changes to your world first?"),
+        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes));
+}
+
+WorldFilesView::Answer MainForm::askOverwrite(const QString& folder) {
+    QMessageBox box(QMessageBox::Question, QStringLiteral("Vessa - World Save"),
+                    QStringLiteral("This world already exists.  Overwrite?"),
+                    QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, this);
+    box.setInformativeText(folder);
+    return answerOf(static_cast<QMessageBox::StandardButton>(box.exec()));
+}
+
+bool MainForm::askBringBack(const RecoveredWork& work) {
+    const QString world = work.worldSaveFile.isEmpty()
+                              ? QStringLiteral("a new world that had not been saved yet")
+                              : work.worldSaveFile;
+    return QMessageBox::question(
+               this, QStringLiteral("Vessa47 - Unsaved Work"),
+               QStringLiteral("When Vessa47 last stopped without closing properly, it kept a "
+                              "copy of work you had not saved: %1, as it was at %2.\n\nBring "
+                              "it back?\n\nIf you choose No, the copy is kept until you next "
+                              "close Vessa47.")
+                   .arg(world,
+                        QLocale::c().toString(work.savedAt, QStringLiteral("MMM d yyyy hh:mm:ss"))),
+               QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes) == QMessageBox::Yes;
+}
+
+QString MainForm::chooseWorldFolder(FolderUse use, const QString& startIn) {
+    return vessa::chooseWorldFolder(this,
+                                    use == FolderUse::Open
+                                        ? QStringLiteral("Vessa47 - Open World")
+                                        : QStringLiteral("Vessa47 - Save World As..."),
+                                    startIn);
+}
+
+CameraFrame MainForm::cameraFrame() const {
+    const QWidget* host = cameraViewHost();
+    return {host->width(), host->height(), viewHostId(host)};
+}
+
+void MainForm::showHelpPage(const QString& page) {
+    Q_EMIT helpPageWanted(page);
+}
+
+void MainForm::keepCameraWindowOnTop() {
+    renderForm_.AlwaysOnTop(renderForm_.Check1Value());
 }
 
 void MainForm::worldNamed(const QString& worldSaveFile) {
+    showTrustOfWorld();
     const QString version = engine_.call(QStringLiteral("GetVersionText")).toString();
     setWindowTitle(worldSaveFile.isEmpty()
                        ? QStringLiteral("Vessa47 [") + version + QLatin1Char(']')
@@ -545,6 +686,9 @@ void MainForm::closeEvent(QCloseEvent* event) {
 void MainForm::CleanUpAndExit() {
     cleanedUp_ = true;
     IdleTimer.stop();
+    // Nothing unsaved is left that the user wanted: the copies of it go.
+    autosave_->stop();
+    recovery_->cleanExit();
     // Errors are ignored from here on: the program is on its way out.
     const auto ignoringErrors = [&](const QString& method, const QString& message) {
         try {

@@ -4,10 +4,13 @@
 #include "gateway/engine_link.h"
 #include "gateway/error_reporter.h"
 #include "world/difference_handler.h"
+#include "world/world_files_view.h"
 #include "world/world_status.h"
 
 #include <QMainWindow>
 #include <QTimer>
+
+#include <memory>
 
 class QFrame;
 class QStackedWidget;
@@ -17,19 +20,28 @@ class QToolButton;
 namespace vessa {
 
 class AddingCommands;
+class Autosave;
 class EventPanel;
 class NamedTabBar;
 class OpenWorld;
+class RecoveryStore;
+class RegKeys;
 class RenderForm;
 class ScenePanel;
 class ScriptPanel;
 class TrashCan;
+class WorldFiles;
+class WorldTrust;
 
 // The main window: it shows the open world and holds the panels of every
 // subsystem, and owns no data of its own. It is the window side of the engine's
-// records and of the world's status; the world, its script and its trees live in
-// the OpenWorld it is given, errors go to the ErrorReporter.
-class MainForm : public QMainWindow, public DifferenceView, public WorldStatusObserver {
+// records, of the world's status and of its files; the world, its script and its trees
+// live in the OpenWorld it is given, the File commands in WorldFiles, errors go to the
+// ErrorReporter.
+class MainForm : public QMainWindow,
+                 public DifferenceView,
+                 public WorldStatusObserver,
+                 public WorldFilesView {
     Q_OBJECT
 public:
     MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter, RenderForm& renderForm,
@@ -38,8 +50,14 @@ public:
 
     bool objectTreeVisible() const;
 
-    // Yes saves and answers 0, No answers 1, Cancel answers 2.
+    // Yes saves and answers 0, No answers 1, Cancel answers 2, as does a Yes whose save
+    // did not happen.
     int SaveChangesPrompt();
+    bool LoadWorld(const QString& worldPath, bool showHelp);
+    // "yessave" or "nosave".
+    QString SaveWorld(const QString& worldPath);
+    // At start: unsaved work that programs killed before their end left behind.
+    void offerRecoveredWork();
     void CleanUpAndExit();
     void setIdleTimerInterval(int ms);
 
@@ -71,8 +89,23 @@ public:
     void worldNamed(const QString& worldSaveFile) override;
     void worldModified() override;
 
+    // WorldFilesView
+    void showMessage(const QString& title, const QString& text,
+                     const QString& details = QString()) override;
+    Answer askSaveChanges() override;
+    Answer askOverwrite(const QString& folder) override;
+    bool askBringBack(const RecoveredWork& work) override;
+    QString chooseWorldFolder(FolderUse use, const QString& startIn) override;
+    CameraFrame cameraFrame() const override;
+    void showHelpPage(const QString& page) override;
+    void keepCameraWindowOnTop() override;
+
     // A diagnostic line in blue; off unless the program is built to trace.
     void LogMessage(const QString& text);
+
+Q_SIGNALS:
+    // A world's help page, to be shown beside the world.
+    void helpPageWanted(const QString& page);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -98,8 +131,10 @@ private:
     void EditUndoTextMenuButton_Click();
     void showScriptUndoAvailable();
     void IdleTimer_Timer();
-    // Answers whether the world was saved.
-    bool FileSaveMenuButton_Click();
+    void connectFileCommands();
+    // The user trusts the open world's code, or no longer does.
+    void mnuTrustWorld_Click(bool trusted);
+    void showTrustOfWorld();
 
     AppState& state_;
     EngineLink& engine_;
@@ -125,6 +160,11 @@ private:
     // The camera window stays above the others: "Always keep this window on top".
     bool gCameraWindowOnTop;
     bool cleanedUp_ = false;
+    std::unique_ptr<RegKeys> settings_;
+    std::unique_ptr<WorldTrust> trust_;
+    std::unique_ptr<RecoveryStore> recovery_;
+    std::unique_ptr<WorldFiles> files_;
+    std::unique_ptr<Autosave> autosave_;
 };
 
 } // namespace vessa

@@ -74,6 +74,8 @@ void Program::startUp() {
     checkEngine();
     setUpWindowsAndWorld();
     showDefaultWorld();
+    // With the program up, work left unsaved by one that was killed is offered back.
+    resumeNext(kAfterEngine, [&] { shell_.offerRecoveredWork(); });
     state_.ErrorLine = 92;
     state_.RunEngineLoop = true;
 }
@@ -147,9 +149,10 @@ void Program::createEngine() {
         try {
             engine_.attach(registry_.create(kFallbackEngineProgId));
         } catch (const RunTimeError& second) {
-            const QString why = QStringLiteral("The engine could not be created.\n  %1: %2\n  %3: %4")
-                                    .arg(kEngineProgId, first.description(),
-                                         kFallbackEngineProgId, second.description());
+            const QString why =
+                QStringLiteral("The engine could not be created.\n  %1: %2\n  %3: %4")
+                    .arg(kEngineProgId, first.description(), kFallbackEngineProgId,
+                         second.description());
             std::fprintf(stderr, "Vessa47: %s\n", qPrintable(why));
             fatal(ReportForm::B,
                   QStringLiteral("VB:MainModule:Main() Error Creating COM server object"),

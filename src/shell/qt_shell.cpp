@@ -74,6 +74,8 @@ void QtShell::pumpEventsWaiting(int maxWaitMs) {
 void QtShell::createMainForm() {
     createRenderForm();
     mainForm_ = std::make_unique<MainForm>(state_, engine_, reporter_, *renderForm_, world_);
+    QObject::connect(mainForm_.get(), &MainForm::helpPageWanted,
+                     [this](const QString& page) { showHelpPage(page); });
 }
 
 void QtShell::createRenderForm() {
@@ -131,6 +133,11 @@ bool QtShell::objectTreeVisible() const {
 void QtShell::LogMessage(const QString& text) {
     if (mainForm_)
         mainForm_->LogMessage(text);
+}
+
+void QtShell::offerRecoveredWork() {
+    if (mainForm_)
+        mainForm_->offerRecoveredWork();
 }
 
 void QtProcessControl::endProcess(int exitCode) {

@@ -46,6 +46,7 @@ public:
     bool HelpFormWanted() const override;
     bool objectTreeVisible() const override;
     void LogMessage(const QString& text) override;
+    void offerRecoveredWork() override;
 
 private:
     AppState& state_;

@@ -44,6 +44,9 @@ public:
 
     // A diagnostic line; switched off in normal builds.
     virtual void LogMessage(const QString& text) = 0;
+
+    // Offers back the unsaved work that programs killed before their end left behind.
+    virtual void offerRecoveredWork() = 0;
 };
 
 } // namespace vessa

@@ -59,9 +59,30 @@ void OpenWorld::SetSaveName(const QString& name) {
     const bool isDefault =
         name.toLower() == (state_.HomeDir + QStringLiteral("worlds/default")).toLower();
     status_.setWorldSaveFile(isDefault ? QString() : name);
+    // The recent-files menu shows this list; the engine keeps it in order.
+    if (!status_.worldSaveFile().isEmpty())
+        engine_.call(QStringLiteral("ReorderRecentFiles"), {name});
     reporter_.CheckInterpreterResult(
         engine_.call(QStringLiteral("SetIsDirty"), {0}),
         QStringLiteral("MainForm:SetSaveName: Error making world clean."));
+}
+
+void OpenWorld::emptyForNextWorld() {
+    script_.Initialize();
+    events_.InitEventList();
+    codeBox_ = CodeBoxText();
+    trees_.ObjectTree.Clear();
+    trees_.ObjectTree2.Clear();
+    trees_.Junkyard.Clear();
+    InitSoundTree(trees_);
+}
+
+ScriptTargets OpenWorld::scriptTargets() {
+    return {script_.TreeView1(), script_.AnimationNames(), [this] { events_.ListView1().Clear(); },
+            [this](const QString& when, const QString& happensTo, const QString& animation) {
+                events_.addRow(when, happensTo, animation);
+            },
+            codeBox_};
 }
 
 void OpenWorld::LVUndoFromLog() {

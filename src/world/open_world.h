@@ -6,6 +6,7 @@
 #include "script/script_model.h"
 #include "world/code_box_text.h"
 #include "world/difference_handler.h"
+#include "world/world_script_file.h"
 #include "world/world_status.h"
 
 namespace vessa {
@@ -55,8 +56,16 @@ public:
     // Whether closing or replacing the world would lose work worth saving.
     bool IsWorldDirty();
     // Names the world after its folder ("" and the default world's folder: unnamed),
-    // and makes the engine's scene clean.
+    // puts a named one first among the engine's recent files, and makes the engine's
+    // scene clean.
     void SetSaveName(const QString& name);
+
+    // Before another world comes in: the script of a new world, the event list with its
+    // start row, no code, and empty scene trees for the engine's records to fill.
+    void emptyForNextWorld();
+    // Where a world's script file is read into: the script, the rows (each with a fresh
+    // key), the code box.
+    ScriptTargets scriptTargets();
 
     // ScriptHost
     void scriptModified() override { status_.markModified(); }

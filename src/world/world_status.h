@@ -32,6 +32,8 @@ public:
     void setWorldSaveFile(const QString& folder);
     // A change the user made; the first since the world was clean tells the observers.
     void markModified();
+    // The world is as its folder holds it: just saved, loaded or made new.
+    void markClean() { scriptDirty_ = false; }
 
     // Tutorial and example worlds are never worth saving. Otherwise the front end's
     // changes count, and the engine's own mark on the opening-scene tab only: on the

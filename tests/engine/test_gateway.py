@@ -16,7 +16,7 @@ setimagenavigatorparent setimagenavigatorsize SetImageNavigatorCollisionDetectio
 SetImageNavigatorCollisionDetectionOff StartInspector StopInspector setrenderwindowfocus
 GetFPS CheckForHardwareAcceleration SetAcceleration AddRecentFile GetRecentFiles
 ReorderRecentFiles DeleteRecentFile GetLoopWait SetWatchdogSeconds UseManualClock AdvanceClock
-SaveThumbnail
+SaveThumbnail StartSceneCopy NextSceneCopyPart
 """.split()
 
 

@@ -4,7 +4,7 @@ import os
 
 import pytest
 
-from conftest import misc, tagged, write_tone
+from conftest import describe, misc, tagged, write_tone
 from fronttrees import FrontTrees
 from vessa import Interpreter
 
@@ -191,3 +191,69 @@ def test_the_handbasket_puts_back_the_sounds_of_the_scene(world, tmp_path):
     world.PollForTreeDifferences()
     run(world, "RestoreHandbasket()")
     run(world, "assert 'kit' not in Pop.path and 'kit' in Drum.path")
+
+
+def test_a_save_into_a_staging_folder_leaves_the_worlds_own_files_alone(world, tmp_path, core_only):
+    """The scene file and picture go to the staging folder for the caller to move; the
+    files the scene names are copied into the world's folder, each whole, by way of it."""
+    store_a_bunny(world, tmp_path / "Bunny.mdl")
+    world.scene.destroy(world.scene.find("Bunny"))
+    world.addobject(str(tmp_path / "Bunny.mdl"))
+    sound_world(world, tmp_path)
+    folder, staging = tmp_path / "World", tmp_path / "World" / ".staging"
+    staging.mkdir(parents=True)
+    (folder / "World_Scene.py").write_text("the old scene\n")
+    assert world.SaveScene(str(folder), str(staging)) is None
+    assert (folder / "World_Scene.py").read_text() == "the old scene\n"
+    assert sorted(os.listdir(staging)) == ["World_Scene.py", "world_thumbnail.bmp"]
+    assert sorted(os.listdir(folder)) == [".staging", "Bunny.mdl", "Pop.wav", "Pop2.wav",
+                                          "World_Scene.py"]
+    assert (folder / "Bunny.mdl").read_bytes() == (tmp_path / "Bunny.mdl").read_bytes()
+    # The scene names the files as the world's folder holds them: moved there, it loads.
+    os.replace(staging / "World_Scene.py", folder / "World_Scene.py")
+    other = Interpreter()
+    assert other.LoadWorld(str(folder)) is None
+    assert other.scene.find("Bunny.Head").model == str(folder / "Bunny.mdl") + "#1"
+    assert other.sounds.find("Drum") is not None
+    other.Close()
+
+
+def test_a_copy_of_the_scene_names_each_file_once_and_loads_in_its_own_folder(world, tmp_path,
+                                                                            core_only):
+    store_a_bunny(world, tmp_path / "Bunny.mdl")
+    world.addobject(str(tmp_path / "Bunny.mdl"))
+    sound_world(world, tmp_path)
+    files = world.StartSceneCopy(0)
+    assert sorted(name for _, name in files) == ["Bunny.mdl", "Pop.wav", "Pop2.wav"]
+    text, part = "", world.NextSceneCopyPart(1)
+    parts = 0
+    while part:
+        text, part, parts = text + part, world.NextSceneCopyPart(1), parts + 1
+    assert parts == len(world.scene.living()) and world.NextSceneCopyPart(1) == ""
+    copy = tmp_path / "Copy"
+    copy.mkdir()
+    (copy / "World_Scene.py").write_text(text, newline="")
+    for path, name in files:
+        (copy / name).write_bytes(open(path, "rb").read())
+    before = describe(world)
+    other = Interpreter()
+    assert other.LoadWorld(str(copy)) is None
+    assert describe(other) == before
+    assert other.sounds.find("Drum").path == str(copy / "Pop2.wav")
+    other.Close()
+
+
+def test_a_copy_taken_while_the_world_runs_holds_it_as_the_handbasket_keeps_it(world):
+    run(world, "Camera.Copy()\nCamera2.Move(Left, 2, Duration=0)")
+    world.Loop()
+    world.ExecuteCode("PreserveHandbasket()", "<Tool>", "exec")
+    run(world, "Camera2.Move(Up, 3, Duration=0)\nCamera2.Rename('Eye')\nCamera.Copy()")
+    world.Loop()
+
+    def copy(as_preserved):
+        world.StartSceneCopy(as_preserved)
+        return "".join(iter(lambda: world.NextSceneCopyPart(100), ""))
+    running, kept = copy(0), copy(1)
+    assert "Eye" in running and "Eye" not in kept and "Camera3" not in kept
+    world.ExecuteCode("RestoreHandbasket()", "<Tool>", "exec")
+    assert copy(0) == kept

@@ -34,6 +34,7 @@ public:
     bool HelpFormWanted() const override { return helpWanted; }
     bool objectTreeVisible() const override { return treeVisible; }
     void LogMessage(const QString& text) override { logLines << text; }
+    void offerRecoveredWork() override { events << QStringLiteral("offerRecoveredWork"); }
 
     int bitsPerPixel = 32;
     bool helpWanted = false;

@@ -81,6 +81,10 @@ class Handbasket:
     def forget(self):
         self._saved = None
 
+    def saved(self):
+        """(things, sounds) as preserve() took them, or None."""
+        return self._saved
+
     def preserve(self):
         self._saved = (snapshot(self._scene), self._scene.sounds.snapshot())
         self._undo_mark = self._undo.mark()

@@ -49,6 +49,7 @@ class Interpreter:
         self._queue = DifferenceQueue()
         self._watchdog = Watchdog(clock, after_run=policy.restore_builtins)
         self._recent = RecentFiles()
+        self._copy = None       # the autosave's copy of the scene, while it is told
         self._home = places.home_dir()
         self._dirty = False
         policy.install()
@@ -283,22 +284,46 @@ class Interpreter:
         self._dirty = False
         return None
 
-    def SaveScene(self, folder):
+    def SaveScene(self, folder, into=None):
         """Writes World_Scene.py, with the model and sound files the world
         uses copied into the folder, and a picture of the world through its
-        camera."""
+        camera. With into (a folder on the same disk, such as one inside
+        folder), the scene file and the picture are written there instead,
+        for the caller to move into folder with the world's other files;
+        each model or sound file is copied by way of into and renamed into
+        folder, so it is there whole or not at all."""
         folder = str(folder)
+        into = str(into) if into else None
         try:
-            notes = models.keep_in_folder(self.scene.living(), folder)
-            scenefile.write(self.scene, folder, self.sounds.keep_in_folder(folder))
+            notes = models.keep_in_folder(self.scene.living(), folder, into)
+            scenefile.write(self.scene, folder, self.sounds.keep_in_folder(folder, into), into)
         except OSError as exc:
-            return "SaveScene: %s can't be written: %s" % (folder, exc.strerror)
+            return "SaveScene: %s can't be written: %s" % (into or folder, exc.strerror)
         for note in notes:
             self._tell(note)
         policy.configure(world=folder)
         # The world is saved; a picture that can't be written costs it nothing.
-        self.backend.save_picture(os.path.join(folder, THUMBNAIL))
+        self.backend.save_picture(os.path.join(into or folder, THUMBNAIL))
         return None
+
+    def StartSceneCopy(self, asPreserved):
+        """Takes the scene for a copy of the world in a folder of its own
+        (the autosave's), quickly and drawing nothing; its text then comes
+        from NextSceneCopyPart. asPreserved 1: the world as the handbasket
+        keeps it, as a save would write it while the world may be running.
+        Answers [[path, name], ...]: each model and sound file the copy's
+        scene names, and its name in the copy's folder."""
+        preserved = self.handbasket.saved() if int(asPreserved) else None
+        self._copy = scenefile.Copy(self.scene, self.sounds, preserved)
+        return self._copy.files()
+
+    def NextSceneCopyPart(self, objectCount):
+        """The next part of the copy's scene file: the statements of up to
+        objectCount objects; "" once all has been given."""
+        text = self._copy.part(objectCount) if self._copy else ""
+        if not text:
+            self._copy = None
+        return text
 
     def SaveThumbnail(self, folder, width, height):
         """The world through its camera as the folder's picture, width x

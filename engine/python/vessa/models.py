@@ -56,7 +56,8 @@ def file_of(model):
     return model.rsplit(PART_MARK, 1)[0]
 
 
-def _with_file(model, path):
+def with_file(model, path):
+    """The reference with its file named path instead."""
     return path + model[len(file_of(model)):]
 
 
@@ -197,10 +198,12 @@ def replace(thing, path):
     return None
 
 
-def keep_in_folder(things, folder):
+def keep_in_folder(things, folder, scratch=None):
     """Copies the model files of things that live outside folder into it,
     each with the files it names, and makes the things use the copies.
-    Answers what the user should be told of files that could not come."""
+    Each copy is written in scratch (folder when not given) and then renamed
+    into place: it is there whole or not at all. Answers what the user should
+    be told of files that could not come."""
     folder = os.path.abspath(folder)
     copies, notes = {}, []
     for thing in things:
@@ -208,8 +211,8 @@ def keep_in_folder(things, folder):
         if source is None or _inside(source, folder):
             continue
         if source not in copies:
-            copies[source] = _copy_model(source, folder, thing.scene.backend, notes)
-        thing.model = _with_file(thing.model, copies[source])
+            copies[source] = _copy_model(source, folder, thing.scene.backend, notes, scratch)
+        thing.model = with_file(thing.model, copies[source])
     return notes
 
 
@@ -217,7 +220,7 @@ def _inside(path, folder):
     return os.path.abspath(path).startswith(os.path.join(folder, ""))
 
 
-def _copy_model(source, folder, backend, notes):
+def _copy_model(source, folder, backend, notes, scratch):
     """Where the model file source is kept in folder, with the files it
     names beside it as they were: in folder itself unless one of them would
     take the place of another file there, else in a folder of its own."""
@@ -240,27 +243,40 @@ def _copy_model(source, folder, backend, notes):
         target = os.path.join(place, name)
         if not os.path.exists(target):
             os.makedirs(os.path.dirname(target), exist_ok=True)
-            shutil.copyfile(os.path.join(beside, name), target)
+            _copy_whole(os.path.join(beside, name), target, scratch)
     for name in model["missing"]:
         notes.append(text("missing_when_saved", file=os.path.basename(source), named=name))
     os.makedirs(place, exist_ok=True)
-    return copy_into(source, place)
+    return copy_into(source, place, scratch)
 
 
 def _fits(source, target):
     return not os.path.exists(target) or _same_file(source, target)
 
 
-def copy_into(source, folder):
+def copy_into(source, folder, scratch=None):
     """Where the file source is kept in folder: a copy under its own name, or
-    a numbered one when another file has that name there."""
+    a numbered one when another file has that name there. The copy is made
+    in scratch (folder when not given), flushed, and renamed into place."""
     stem, ext = os.path.splitext(os.path.basename(source))
     target, n = os.path.join(folder, stem + ext), 2
     while os.path.exists(target) and not _same_file(source, target):
         target, n = os.path.join(folder, "%s%d%s" % (stem, n, ext)), n + 1
     if not os.path.exists(target) and os.path.exists(source):
-        shutil.copyfile(source, target)
+        _copy_whole(source, target, scratch)
     return target
+
+
+def _copy_whole(source, target, scratch):
+    """Copies source to target by way of scratch (target's folder when not
+    given), flushed and then renamed: target is there whole or not at all."""
+    partial = os.path.join(scratch or os.path.dirname(target),
+                           os.path.basename(target) + ".copying")
+    with open(source, "rb") as original, open(partial, "wb") as copy:
+        shutil.copyfileobj(original, copy)
+        copy.flush()
+        os.fsync(copy.fileno())
+    os.replace(partial, target)
 
 
 def _same_file(a, b):
@@ -278,7 +294,7 @@ def relative_to(model, folder):
     folder = os.path.abspath(folder)
     if source is None or not _inside(source, folder):
         return model
-    return _with_file(model, os.path.relpath(source, folder).replace(os.sep, "/"))
+    return with_file(model, os.path.relpath(source, folder).replace(os.sep, "/"))
 
 
 def within(model, folder):
@@ -286,4 +302,4 @@ def within(model, folder):
     source = file_of(model)
     if source is None or os.path.isabs(source):
         return model
-    return _with_file(model, os.path.join(os.path.abspath(folder), *source.split("/")))
+    return with_file(model, os.path.join(os.path.abspath(folder), *source.split("/")))

@@ -24,6 +24,7 @@ import tokenize
 
 from . import geometry as g
 from . import models, namespace
+from .backend import STYLES as DRAWN
 from .scene import DEFAULT_VALUES, STYLE_DEFAULTS
 
 FILE_NAME = "World_Scene.py"
@@ -65,19 +66,32 @@ def path_in(folder):
 
 # -- writing ------------------------------------------------------------------
 
-def _statement(scene, thing, folder):
-    fields = {"kind": thing.kind, "name": thing.local_name,
-              "parent": thing.parent.name if thing.parent else None,
-              "firstclass": thing.first_class}
-    for channel, default in DEFAULT_VALUES.items():
-        value = tuple(round(x, 9) for x in scene.backend.get(thing.id, channel))
+def _record(scene, thing):
+    """What the scene file says of thing, read from the scene at once."""
+    # Straight from the backend: a copy of a big world is taken while the user waits.
+    get, get_style, thing_id = scene.backend.get, scene.backend.get_style, thing.id
+    styles = {s: get_style(thing_id, s) for s in DRAWN}
+    styles["vertex_count"], styles["face_count"] = thing.vertex_count, thing.face_count
+    return {"kind": thing.kind, "name": thing.local_name,
+            "parent": thing.parent.name if thing.parent else None,
+            "firstclass": thing.first_class,
+            "values": [get(thing_id, channel) for channel in DEFAULT_VALUES],
+            "styles": styles}
+
+
+def _statement(record, file_name):
+    """The line of a record; file_name(model) names a model's file as the
+    folder of the scene file knows it."""
+    fields = {a: record[a] for a in ("kind", "name", "parent", "firstclass")}
+    for (channel, default), value in zip(DEFAULT_VALUES.items(), record["values"]):
+        value = tuple(round(x, 9) for x in value)
         if value != default:
             fields[channel] = value
     # values left out are the defaults, which is what the reader assumes
-    fields.update({a: getattr(thing, a) for a, default in STYLE_DEFAULTS.items()
-                   if getattr(thing, a) != default})
+    fields.update({a: value for a, value in record["styles"].items()
+                   if value != STYLE_DEFAULTS[a]})
     if "model" in fields:
-        fields["model"] = models.relative_to(fields["model"], folder)
+        fields["model"] = file_name(fields["model"])
     return "Object(%s)\r\n" % ", ".join("%s=%r" % item for item in fields.items())
 
 
@@ -88,16 +102,109 @@ def _in_family_order(thing):
             yield from _in_family_order(child)
 
 
+def _sound_lines(sounds):
+    return "".join("Sound(name=%r, file=%r)\r\n" % row for row in sounds)
+
+
 def text_of(scene, folder, sounds=()):
     """The scene file of the world in folder. sounds: (name, file) of each
     sound of the scene, its file named as in the scene file of folder."""
-    return (HEADER + "".join(_statement(scene, t, folder) for t in _in_family_order(scene.root))
-            + "".join("Sound(name=%r, file=%r)\r\n" % row for row in sounds))
+    def file_name(model):
+        return models.relative_to(model, folder)
+    return (HEADER + "".join(_statement(_record(scene, t), file_name)
+                             for t in _in_family_order(scene.root))
+            + _sound_lines(sounds))
 
 
-def write(scene, folder, sounds=()):
-    with open(path_in(folder), "w", encoding="utf-8", newline="") as f:
+def write(scene, folder, sounds=(), into=None):
+    """Writes the scene file of folder, into folder or, when into is given,
+    into that folder under the same name."""
+    path = os.path.join(into, FILE_NAME) if into else path_in(folder)
+    with open(path, "w", encoding="utf-8", newline="") as f:
         f.write(text_of(scene, folder, sounds))
+
+
+class Copy:
+    """The scene file of a copy of the world in a folder of its own, taken
+    from the scene at once and written a part at a time, so that a copy of
+    a big world holds up nothing for long. Model and sound files are named
+    as they will be called in the copy's folder (files): each (path now,
+    name there), a name used once.
+
+    preserved: the world as the handbasket keeps it, from Handbasket.saved(),
+    for a copy made while the world may be running."""
+
+    def __init__(self, scene, sounds, preserved=None):
+        self._names, self._taken = {}, set()
+        if preserved is None:
+            self._records = [_record(scene, t) for t in _in_family_order(scene.root)]
+            sound_rows = [(s.name, s.path) for s in sounds.in_scene()]
+        else:
+            things, saved_sounds = preserved
+            self._records = _preserved_records(scene, things)
+            sound_rows = [(name, s.path) for s, name, in_scene in saved_sounds if in_scene]
+        for record in self._records:
+            source = models.file_of(record["styles"]["model"])
+            if source is not None:
+                self._name_of(source)
+        self._sounds = [(name, self._name_of(path)) for name, path in sound_rows]
+        self._next = 0
+
+    def _name_of(self, path):
+        if path not in self._names:
+            stem, extension = os.path.splitext(os.path.basename(path))
+            name, n = stem + extension, 2
+            while name.lower() in self._taken:
+                name, n = "%s%d%s" % (stem, n, extension), n + 1
+            self._taken.add(name.lower())
+            self._names[path] = name
+        return self._names[path]
+
+    def files(self):
+        return [[path, name] for path, name in self._names.items()]
+
+    def part(self, count):
+        """The statements of the next count objects; the first part begins
+        with the header, the last ends with the sounds. "" once all is told."""
+        if self._next > len(self._records):
+            return ""
+        start, self._next = self._next, self._next + max(1, int(count))
+        text = HEADER if start == 0 else ""
+        text += "".join(_statement(r, self._file_name) for r in self._records[start:self._next])
+        if self._next >= len(self._records):
+            self._next = len(self._records) + 1
+            text += _sound_lines(self._sounds)
+        return text
+
+    def _file_name(self, model):
+        source = models.file_of(model)
+        return model if source is None else models.with_file(model, self._names[source])
+
+
+def _preserved_records(scene, things):
+    """Records of the living things the handbasket keeps, parents first."""
+    def full_name(thing):
+        state = things[thing.id]
+        parent = state["parent"]
+        if state["first_class"] or parent is None:
+            return state["name"]
+        return full_name(parent) + "." + state["name"]
+    children = {}
+    for thing_id in sorted(things):
+        parent = things[thing_id]["parent"]
+        if things[thing_id]["alive"] and parent is not None:
+            children.setdefault(parent.id, []).append(scene.things[thing_id])
+    records, waiting = [], [scene.root]
+    while waiting:
+        thing = waiting.pop()
+        state = things[thing.id]
+        records.append({"kind": thing.kind, "name": state["name"],
+                        "parent": full_name(state["parent"]) if state["parent"] else None,
+                        "firstclass": state["first_class"],
+                        "values": [state["values"][c] for c in DEFAULT_VALUES],
+                        "styles": dict(state["styles"])})
+        waiting.extend(reversed(children.get(thing.id, [])))
+    return records
 
 
 # -- reading ------------------------------------------------------------------

@@ -157,13 +157,14 @@ class SoundShelf:
                 self._queue.write("output", failure + "\n")
             self._enter(name, path)
 
-    def keep_in_folder(self, folder):
+    def keep_in_folder(self, folder, scratch=None):
         """Copies the files of the scene's sounds that live outside folder
-        into it, and makes the sounds use the copies. Answers [(name, file
+        into it (whole or not at all, by way of scratch as models.copy_into
+        does), and makes the sounds use the copies. Answers [(name, file
         name in folder)] for the scene file."""
         for sound in self.in_scene():
             if not _lies_in(sound.path, folder):
-                sound.path = models.copy_into(sound.path, folder)
+                sound.path = models.copy_into(sound.path, folder, scratch)
         return self.rows(folder)
 
     def rows(self, folder):
