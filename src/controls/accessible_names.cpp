@@ -27,6 +27,9 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("CommandLineTreeview"), QStringLiteral("Line being built")},
         {QStringLiteral("UndoButton"), QStringLiteral("Undo scene change")},
         {QStringLiteral("ScriptUndoButton"), QStringLiteral("Undo Changes to Script")},
+        {QStringLiteral("PerformScriptButton"), QStringLiteral("Perform")},
+        {QStringLiteral("TrafficLightImage"), QStringLiteral("Reset the world")},
+        {QStringLiteral("ScriptText"), QStringLiteral("The world's Python")},
         {QStringLiteral("ScenePanel"), QStringLiteral("Scene")},
         {QStringLiteral("ObjectTree"), QStringLiteral("Objects")},
         {QStringLiteral("ObjectTree2"), QStringLiteral("Objects for events")},
@@ -48,6 +51,16 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("Command1"), QStringLiteral("Copy report to clipboard")},
         // Help window
         {QStringLiteral("WebBrowser1"), QStringLiteral("Help page")},
+    };
+    return names;
+}
+
+// Names of the other states of the controls whose name follows their state, by
+// control and state.
+const QHash<QString, QString>& stateTable() {
+    static const QHash<QString, QString> names = {
+        {QStringLiteral("PerformScriptButton/running"), QStringLiteral("Perform again")},
+        {QStringLiteral("TrafficLightImage/running"), QStringLiteral("Stop the world")},
     };
     return names;
 }
@@ -75,6 +88,10 @@ Q_COREAPP_STARTUP_FUNCTION(installPlainWindowFactory)
 
 QString accessibleNameOf(const QString& control) {
     return table().value(control);
+}
+
+QString accessibleNameOf(const QString& control, const QString& state) {
+    return stateTable().value(control + QLatin1Char('/') + state);
 }
 
 QStringList namedControls() {

@@ -3,13 +3,18 @@
 #include "gateway/app_state.h"
 #include "gateway/engine_link.h"
 #include "gateway/error_reporter.h"
+#include "shell/settings_store.h"
 #include "world/difference_handler.h"
+#include "world/world_run.h"
 #include "world/world_status.h"
 
 #include <QMainWindow>
 #include <QTimer>
+#include <functional>
+#include <memory>
 
 class QFrame;
+class QPlainTextEdit;
 class QStackedWidget;
 class QTextEdit;
 class QToolButton;
@@ -26,8 +31,12 @@ class ScriptPanel;
 // The main window: it shows the open world and holds the panels of every
 // subsystem, and owns no data of its own. It is the window side of the engine's
 // records and of the world's status; the world, its script and its trees live in
-// the OpenWorld it is given, errors go to the ErrorReporter.
-class MainForm : public QMainWindow, public DifferenceView, public WorldStatusObserver {
+// the OpenWorld it is given, errors go to the ErrorReporter, and the tabs and runs are
+// the WorldRun's, which it shows.
+class MainForm : public QMainWindow,
+                 public DifferenceView,
+                 public WorldStatusObserver,
+                 public RunView {
     Q_OBJECT
 public:
     MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter, RenderForm& renderForm,
@@ -51,6 +60,7 @@ public:
     EventPanel& eventPanel() { return *eventPanel_; }
     ScenePanel& scenePanel() { return *scenePanel_; }
     QTextEdit* OutputText() const { return outputText_; }
+    WorldRun& worldRun() { return *run_; }
 
     // DifferenceView
     void appendOutput(const QString& text, const QColor& color) override;
@@ -66,8 +76,21 @@ public:
     void worldNamed(const QString& worldSaveFile) override;
     void worldModified() override;
 
+    // RunView
+    void showSelectedTab(int tab) override;
+    void showTabPage(int tab) override;
+    void enableMenuItems(std::initializer_list<const char*> items, bool enabled) override;
+    void showCodeBox(bool shown) override;
+    ViewHostPlace openingSceneHost() const override;
+    ViewHostPlace cameraWindowHost() const override;
+    void showCameraWindow(bool shown) override;
+    void focusCameraWindow() override;
+    void showPerformPicture(PerformPicture picture) override;
+    void showLightPicture(LightPicture picture) override;
+    void showNotice(const QString& text) override;
+    void showScriptText(const ScriptTextBox& box) override;
     // A diagnostic line in blue; off unless the program is built to trace.
-    void LogMessage(const QString& text);
+    void LogMessage(const QString& text) override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -81,8 +104,12 @@ private:
     QWidget* buildScriptTabs();
     void addKeyboardCommands();
     void orderTabStops();
-    void enableMenuItems(std::initializer_list<const char*> controls, bool enabled);
-    void moveCameraView(QWidget* host);
+    // A menu item's command: the item works from now on, whenever its tab allows.
+    void connectMenuCommand(const char* control, const std::function<void()>& work);
+    // The row of the undo, Perform and traffic-light buttons; also makes the script text,
+    // which the caller places.
+    QWidget* buildRunControls(QWidget* parent);
+    void connectRun();
     QWidget* cameraViewHost() const;
     QToolButton* makeUndoButton(const QString& control, QWidget* parent);
     // Undoes the engine's last step.
@@ -109,6 +136,11 @@ private:
     ScenePanel* scenePanel_ = nullptr;
     QToolButton* undoButton_ = nullptr;       // on the opening scene: the engine's undo
     QToolButton* scriptUndoButton_ = nullptr; // on the script's tabs: the tab's own undo
+    QToolButton* performScriptButton_ = nullptr; // runs the world
+    QToolButton* trafficLightImage_ = nullptr;   // stops it and puts its start back
+    QPlainTextEdit* scriptText_ = nullptr;       // the world's Python, shown on demand
+    RegKeys settings_;                           // the user's stored preferences
+    std::unique_ptr<WorldRun> run_;
     // Keeps the engine stepping while a dialog or an external tool holds the
     // main loop.
     QTimer IdleTimer;
