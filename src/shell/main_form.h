@@ -134,8 +134,8 @@ private:
     ScriptPanel* scriptPanel_ = nullptr;
     EventPanel* eventPanel_ = nullptr; // on the events tab, above the script
     ScenePanel* scenePanel_ = nullptr;
-    QToolButton* undoButton_ = nullptr;       // on the opening scene: the engine's undo
-    QToolButton* scriptUndoButton_ = nullptr; // on the script's tabs: the tab's own undo
+    QToolButton* undoButton_ = nullptr;          // on the opening scene: the engine's undo
+    QToolButton* scriptUndoButton_ = nullptr;    // on the script's tabs: the tab's own undo
     QToolButton* performScriptButton_ = nullptr; // runs the world
     QToolButton* trafficLightImage_ = nullptr;   // stops it and puts its start back
     QPlainTextEdit* scriptText_ = nullptr;       // the world's Python, shown on demand

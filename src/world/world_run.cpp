@@ -89,8 +89,8 @@ void WorldRun::toAnimations(int old) {
     // The backup must leave no mark: the engine is as clean or dirty afterwards as before.
     const bool wasClean = engine_.call(QStringLiteral("getisdirty")).toInt() == 0;
     backUpScene();
-    reporter_.CheckInterpreterResult(
-        engine_.call(QStringLiteral("SetIsDirty"), {wasClean ? 0 : 1}), kMakeCleanFailed);
+    reporter_.CheckInterpreterResult(engine_.call(QStringLiteral("SetIsDirty"), {wasClean ? 0 : 1}),
+                                     kMakeCleanFailed);
     // The engine's mark is read only on the opening scene: a change made there is carried
     // over into the world's own.
     if (engine_.call(QStringLiteral("getisdirty")).toInt() != 0)
@@ -106,9 +106,9 @@ void WorldRun::toEvents(int old) {
     view_.showTabPage(2);
     applyCodeBoxPreference();
     view_.enableMenuItems({"EditFindMenuButton", "EditPasteMenuButton"}, false);
-    view_.enableMenuItems(
-        {"EditUndoTextMenuButton", "EditCutMenuButton", "EditCopyMenuButton", "EditDeleteMenuButton"},
-        true);
+    view_.enableMenuItems({"EditUndoTextMenuButton", "EditCutMenuButton", "EditCopyMenuButton",
+                           "EditDeleteMenuButton"},
+                          true);
     view_.enableMenuItems({"mnuMakeObject", "mnuAddObject", "mnuAddSounds", "mnuAddText"}, false);
     // FileOpeningScene and FileStartCameraHere stay as they were: coming from the opening
     // scene they stay disabled.
@@ -138,8 +138,7 @@ void WorldRun::moveCameraView(int old) {
 // A stored choice of the user shows or hides the code box; without one it stays as it is.
 void WorldRun::applyCodeBoxPreference() {
     CodeBoxText& codeBox = world_.ArbitraryCodeBox();
-    const QString stored =
-        preferences_.CodeBoxVisible ? preferences_.CodeBoxVisible() : QString();
+    const QString stored = preferences_.CodeBoxVisible ? preferences_.CodeBoxVisible() : QString();
     if (!stored.isEmpty())
         codeBox.Visible = isStoredTrue(stored);
     view_.showCodeBox(codeBox.Visible);
@@ -168,8 +167,7 @@ void WorldRun::backUpScene() {
 }
 
 void WorldRun::makePythonScript() {
-    PythonScript python = MakePythonScript(world_.script().TreeView1(),
-                                           world_.events().ListView1(),
+    PythonScript python = MakePythonScript(world_.script().TreeView1(), world_.events().ListView1(),
                                            world_.ArbitraryCodeBox().Text);
     for (const ScriptNotice& notice : python.notices)
         view_.showNotice(notice.message);
@@ -214,8 +212,8 @@ void WorldRun::PerformScriptButton_MouseUp() {
 }
 
 QString WorldRun::runningLine() const {
-    const QString now = QLocale::c().toString(QDateTime::currentDateTime(),
-                                              QStringLiteral("MMM d yyyy hh:mm:ss"));
+    const QString now =
+        QLocale::c().toString(QDateTime::currentDateTime(), QStringLiteral("MMM d yyyy hh:mm:ss"));
     const QString& name = world_.status().worldSaveFile();
     return (name.isEmpty() ? QStringLiteral("Running unnamed world at ")
                            : QStringLiteral("Running ") + name + QStringLiteral(" at ")) +

@@ -124,7 +124,7 @@ private:
     ErrorReporter& reporter_; // Not owned.
     OpenWorld& world_;        // Not owned.
     Preferences preferences_;
-    RunView& view_; // Not owned.
+    RunView& view_;        // Not owned.
     int selectedTab_ = -1; // none before the first switch
     bool worldActive_ = false;
     ScriptTextBox scriptText_;
