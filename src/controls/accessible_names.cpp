@@ -27,6 +27,9 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("CommandLineTreeview"), QStringLiteral("Line being built")},
         {QStringLiteral("UndoButton"), QStringLiteral("Undo scene change")},
         {QStringLiteral("ScriptUndoButton"), QStringLiteral("Undo Changes to Script")},
+        {QStringLiteral("PerformScriptButton"), QStringLiteral("Perform")},
+        {QStringLiteral("TrafficLightImage"), QStringLiteral("Reset the world")},
+        {QStringLiteral("ScriptText"), QStringLiteral("The world's Python")},
         {QStringLiteral("ScenePanel"), QStringLiteral("Scene")},
         {QStringLiteral("ObjectTree"), QStringLiteral("Objects")},
         {QStringLiteral("ObjectTree2"), QStringLiteral("Objects for events")},
@@ -70,6 +73,16 @@ const QHash<QString, QString>& table() {
     return names;
 }
 
+// Names of the other states of the controls whose name follows their state, by
+// control and state.
+const QHash<QString, QString>& stateTable() {
+    static const QHash<QString, QString> names = {
+        {QStringLiteral("PerformScriptButton/running"), QStringLiteral("Perform again")},
+        {QStringLiteral("TrafficLightImage/running"), QStringLiteral("Stop the world")},
+    };
+    return names;
+}
+
 // A window of our own made from a plain widget (the camera window, the help window) is a
 // window to assistive technology; the platform would call it a filler.
 QAccessibleInterface* plainWindowFactory(const QString& className, QObject* object) {
@@ -93,6 +106,10 @@ Q_COREAPP_STARTUP_FUNCTION(installPlainWindowFactory)
 
 QString accessibleNameOf(const QString& control) {
     return table().value(control);
+}
+
+QString accessibleNameOf(const QString& control, const QString& state) {
+    return stateTable().value(control + QLatin1Char('/') + state);
 }
 
 QStringList namedControls() {

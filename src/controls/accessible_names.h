@@ -13,6 +13,9 @@ namespace vessa {
 // and a label by its text, so that the name never hides what they say; the
 // engine names its own camera view.
 QString accessibleNameOf(const QString& control);
+// The name of a control whose name says what it does now, in one of its other states
+// ("running"); the list's entry is its name in the state it starts in.
+QString accessibleNameOf(const QString& control, const QString& state);
 // The object names of every control the list names, each of a control that exists.
 QStringList namedControls();
 

@@ -28,10 +28,10 @@
 #include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QScopedValueRollback>
 #include <QSplitter>
 #include <QStackedWidget>
-#include <QStatusBar>
 #include <QStyle>
 #include <QTextEdit>
 #include <QToolButton>
@@ -171,6 +171,7 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     autosave_ = std::make_unique<Autosave>(engine_, world_, *recovery_,
                                            [this](const QString& line) { PrintOutput(line); });
     connectFileCommands();
+    connectRun();
     SwitchToTab(0);
     // Where a user begins: the objects of the scene.
     scenePanel_->ObjectTreeView().setFocus();
@@ -178,6 +179,7 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
 
 MainForm::~MainForm() {
     autosave_->stop();
+    world_.setScriptErrorListener({});
     world_.script().setUndoListener({});
     world_.status().removeObserver(*this);
     world_.attachView(nullptr);
@@ -321,13 +323,10 @@ QWidget* MainForm::buildScriptTabs() {
         area);
     connect(findChild<QAction*>(QStringLiteral("EditDeleteMenuButton")), &QAction::triggered,
             trashCan_, &TrashCan::EditDeleteMenuButton_Click);
-    auto* scriptButtons = new QHBoxLayout;
-    scriptButtons->addWidget(scriptUndoButton_);
-    scriptButtons->addStretch(1);
-    scriptButtons->addWidget(trashCan_);
-    scriptLayout->addLayout(scriptButtons);
+    scriptLayout->addWidget(buildRunControls(scriptTab));
     scriptLayout->addWidget(eventPanel_, 1);
     scriptLayout->addWidget(scriptPanel_, 2);
+    scriptLayout->addWidget(scriptText_, 2);
 
     sceneScriptTab_ = new QStackedWidget(area);
     sceneScriptTab_->addWidget(buildOpeningScenePanel());
@@ -343,52 +342,8 @@ QWidget* MainForm::buildScriptTabs() {
 
 void MainForm::SwitchToTab(int tab) {
     const QScopedValueRollback<bool> switching(switchingTab_, true);
-    const int old = world_.status().SceneScriptTab();
-    if (old != tab) {
-        try {
-            if (tab == 0) {
-                enableMenuItems({"FileOpeningScene", "FileStartCameraHere", "EditFindMenuButton",
-                                 "EditUndoTextMenuButton", "EditPasteMenuButton",
-                                 "EditCutMenuButton", "EditCopyMenuButton", "EditDeleteMenuButton"},
-                                false);
-                enableMenuItems({"mnuAddObject", "mnuAddSounds", "mnuAddText"}, true);
-                if (old != 0)
-                    runTool(engine_, reporter_, QStringLiteral("RestoreHandbasket()"),
-                            QStringLiteral("MainForm:SwitchToTab: Error restoring handbasket."));
-            } else {
-                if (old == 0)
-                    runTool(engine_, reporter_, QStringLiteral("PreserveHandbasket()"),
-                            QStringLiteral("MainForm:SwitchToTab: Error restoring handbasket."));
-                enableMenuItems({"EditUndoTextMenuButton", "EditCutMenuButton",
-                                 "EditCopyMenuButton", "EditDeleteMenuButton"},
-                                true);
-                enableMenuItems({"mnuAddObject", "mnuAddSounds", "mnuAddText"}, false);
-                scriptPanel_->ConstructTreeView().setVisible(tab == 1);
-                eventPanel_->setVisible(tab == 2);
-            }
-            if (tab == 2)
-                ObjectTree2_Update(world_.trees());
-            world_.status().setSceneScriptTab(tab);
-            scenePanel_->showTab(tab);
-            sceneScriptTab_->setCurrentIndex(tab == 0 ? 0 : 1);
-            showScriptUndoAvailable();
-            if (tab == 0 && engine_.isSet())
-                reporter_.CheckInterpreterResult(
-                    engine_.call(QStringLiteral("SetIsDirty"), {0}),
-                    QStringLiteral("MainForm:SwitchToTab: Error making world clean."));
-        } catch (const RunTimeError& e) {
-            reporter_.reportAtTop(ReportForm::C, QStringLiteral("VB:MainForm:SwitchToTab() Error"),
-                                  e);
-        }
-    }
-    // The tab shown is the page shown, also when the switch failed half way.
-    switchTab_->setCurrentIndex(world_.status().SceneScriptTab());
-    // The camera view lives in the opening-scene panel, and in the camera
-    // window while a script tab shows.
-    if (tab == 0 && old != 0)
-        moveCameraView(openingSceneFrame_);
-    else if (tab != 0 && old == 0)
-        moveCameraView(renderForm_.RenderFrame());
+    run_->SwitchToTab(tab);
+    showScriptUndoAvailable();
 }
 
 QWidget* MainForm::cameraViewHost() const {
@@ -418,27 +373,6 @@ bool MainForm::eventFilter(QObject* watched, QEvent* event) {
     return QMainWindow::eventFilter(watched, event);
 }
 
-void MainForm::enableMenuItems(std::initializer_list<const char*> controls, bool enabled) {
-    for (const char* control : controls)
-        if (QAction* action = findChild<QAction*>(QString::fromUtf8(control)))
-            action->setEnabled(enabled);
-}
-
-void MainForm::moveCameraView(QWidget* host) {
-    if (!engine_.isSet())
-        return;
-    if (host == openingSceneFrame_)
-        renderForm_.hide();
-    try {
-        engine_.call(QStringLiteral("setimagenavigatorsize"), {host->width(), host->height()});
-        engine_.call(QStringLiteral("setimagenavigatorparent"), {viewHostId(host)});
-    } catch (const RunTimeError&) {
-        // A view that can't move stays where it is; the world still runs.
-    }
-    if (host != openingSceneFrame_)
-        renderForm_.show();
-}
-
 void MainForm::buildMenus() {
     for (const MenuSpec& entry : kMenus) {
         QMenu* menu = menuBar()->addMenu(QString::fromUtf8(entry.caption));
@@ -460,9 +394,8 @@ void MainForm::buildMenus() {
         findChild<QAction*>(QString::fromLatin1(control))->setEnabled(true);
     // Shown only when the engine offers site commands.
     findChild<QMenu*>(QStringLiteral("SiteSpecificMenuButton"))->menuAction()->setVisible(false);
-    QAction* undo = findChild<QAction*>(QStringLiteral("EditUndoTextMenuButton"));
-    undo->setShortcut(QKeySequence::Undo);
-    connect(undo, &QAction::triggered, this, &MainForm::EditUndoTextMenuButton_Click);
+    findChild<QAction*>(QStringLiteral("EditUndoTextMenuButton"))->setShortcut(QKeySequence::Undo);
+    connectMenuCommand("EditUndoTextMenuButton", [this] { EditUndoTextMenuButton_Click(); });
     QAction* exit = findChild<QAction*>(QStringLiteral("FileExitMenuButton"));
     exit->setEnabled(true);
     exit->setShortcut(QKeySequence::Quit);
@@ -504,10 +437,13 @@ void MainForm::orderTabStops() {
                                    findChild<QWidget*>(QStringLiteral("AddSoundsButton")),
                                    lastAddingButton_,
                                    scriptUndoButton_,
+                                   performScriptButton_,
+                                   trafficLightImage_,
                                    trashCan_,
                                    &script.ConstructTreeView(),
                                    &script.TreeView1View(),
                                    &script.CommandLineTreeviewView(),
+                                   scriptText_,
                                    outputText_};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
@@ -763,8 +699,10 @@ void MainForm::showUndoAvailable(bool available) {
 }
 
 void MainForm::showWorldActive(bool active) {
-    statusBar()->showMessage(active ? QStringLiteral("The world is running")
-                                    : QStringLiteral("The world is stopped"));
+    if (active)
+        run_->SetWorldActive();
+    else
+        run_->SetWorldIdle();
 }
 
 void MainForm::setRenderFormAlwaysOnTop(bool onTop) {

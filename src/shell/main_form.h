@@ -3,16 +3,21 @@
 #include "gateway/app_state.h"
 #include "gateway/engine_link.h"
 #include "gateway/error_reporter.h"
+#include "shell/settings_store.h"
 #include "world/difference_handler.h"
 #include "world/world_files_view.h"
+#include "world/world_run.h"
 #include "world/world_status.h"
 
 #include <QMainWindow>
 #include <QTimer>
+#include <functional>
+#include <memory>
 
 #include <memory>
 
 class QFrame;
+class QPlainTextEdit;
 class QStackedWidget;
 class QTextEdit;
 class QToolButton;
@@ -37,11 +42,12 @@ class WorldTrust;
 // subsystem, and owns no data of its own. It is the window side of the engine's
 // records, of the world's status and of its files; the world, its script and its trees
 // live in the OpenWorld it is given, the File commands in WorldFiles, errors go to the
-// ErrorReporter.
+// ErrorReporter, and the tabs and runs are the WorldRun's, which it shows.
 class MainForm : public QMainWindow,
                  public DifferenceView,
                  public WorldStatusObserver,
-                 public WorldFilesView {
+                 public WorldFilesView,
+                 public RunView {
     Q_OBJECT
 public:
     MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter, RenderForm& renderForm,
@@ -74,6 +80,7 @@ public:
     AddingCommands& addingCommands() { return *adding_; }
     TrashCan& trashCan() { return *trashCan_; }
     QTextEdit* OutputText() const { return outputText_; }
+    WorldRun& worldRun() { return *run_; }
 
     // DifferenceView
     void appendOutput(const QString& text, const QColor& color) override;
@@ -100,8 +107,21 @@ public:
     void showHelpPage(const QString& page) override;
     void keepCameraWindowOnTop() override;
 
+    // RunView
+    void showSelectedTab(int tab) override;
+    void showTabPage(int tab) override;
+    void enableMenuItems(std::initializer_list<const char*> items, bool enabled) override;
+    void showCodeBox(bool shown) override;
+    ViewHostPlace openingSceneHost() const override;
+    ViewHostPlace cameraWindowHost() const override;
+    void showCameraWindow(bool shown) override;
+    void focusCameraWindow() override;
+    void showPerformPicture(PerformPicture picture) override;
+    void showLightPicture(LightPicture picture) override;
+    void showNotice(const QString& text) override;
+    void showScriptText(const ScriptTextBox& box) override;
     // A diagnostic line in blue; off unless the program is built to trace.
-    void LogMessage(const QString& text);
+    void LogMessage(const QString& text) override;
 
 Q_SIGNALS:
     // A world's help page, to be shown beside the world.
@@ -119,8 +139,12 @@ private:
     QWidget* buildScriptTabs();
     void addKeyboardCommands();
     void orderTabStops();
-    void enableMenuItems(std::initializer_list<const char*> controls, bool enabled);
-    void moveCameraView(QWidget* host);
+    // A menu item's command: the item works from now on, whenever its tab allows.
+    void connectMenuCommand(const char* control, const std::function<void()>& work);
+    // The row of the undo, Perform and traffic-light buttons; also makes the script text,
+    // which the caller places.
+    QWidget* buildRunControls(QWidget* parent);
+    void connectRun();
     QWidget* cameraViewHost() const;
     QToolButton* makeUndoButton(const QString& control, QWidget* parent);
     // The buttons and menu entries by which things come into the scene.
@@ -149,11 +173,15 @@ private:
     ScriptPanel* scriptPanel_ = nullptr;
     EventPanel* eventPanel_ = nullptr; // on the events tab, above the script
     ScenePanel* scenePanel_ = nullptr;
-    QToolButton* undoButton_ = nullptr;       // on the opening scene: the engine's undo
-    QToolButton* scriptUndoButton_ = nullptr; // on the script's tabs: the tab's own undo
-    AddingCommands* adding_ = nullptr;        // Owned by Qt.
-    QWidget* lastAddingButton_ = nullptr;     // the camera view comes after it
-    TrashCan* trashCan_ = nullptr;            // beside the script's undo
+    QToolButton* undoButton_ = nullptr;          // on the opening scene: the engine's undo
+    QToolButton* scriptUndoButton_ = nullptr;    // on the script's tabs: the tab's own undo
+    AddingCommands* adding_ = nullptr;           // Owned by Qt.
+    QWidget* lastAddingButton_ = nullptr;        // the camera view comes after it
+    TrashCan* trashCan_ = nullptr;               // beside the script's undo
+    QToolButton* performScriptButton_ = nullptr; // runs the world
+    QToolButton* trafficLightImage_ = nullptr;   // stops it and puts its start back
+    QPlainTextEdit* scriptText_ = nullptr;       // the world's Python, shown on demand
+    std::unique_ptr<WorldRun> run_;
     // Keeps the engine stepping while a dialog or an external tool holds the
     // main loop.
     QTimer IdleTimer;

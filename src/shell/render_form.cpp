@@ -3,8 +3,10 @@
 #include "controls/accessible_names.h"
 #include "shell/view_hosts.h"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QChildEvent>
+#include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
@@ -30,9 +32,19 @@ RenderForm::RenderForm(QWidget* parent)
     fpsLabel_->hide();
     renderFrame_->installEventFilter(this);
 
+    // Escape stops the world wherever the focus is in this window: keys typed in the
+    // view go to the world, but this one never does.
+    auto* stop = new QAction(this);
+    stop->setShortcut(Qt::Key_Escape);
+    connect(stop, &QAction::triggered, this, &RenderForm::stopAsked);
+    addAction(stop);
+    auto* stopHint = new QLabel(QStringLiteral("Esc stops the world"), this);
+    stopHint->setObjectName(QStringLiteral("StopHint"));
+
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(check1_);
     bottom->addStretch();
+    bottom->addWidget(stopHint);
     bottom->addWidget(fpsLabel_);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -57,6 +69,12 @@ bool RenderForm::eventFilter(QObject* watched, QEvent* event) {
             setTabOrder(static_cast<QWidget*>(child), check1_);
     }
     return QWidget::eventFilter(watched, event);
+}
+
+void RenderForm::closeEvent(QCloseEvent* event) {
+    QWidget::closeEvent(event);
+    if (event->isAccepted() && event->spontaneous())
+        Q_EMIT closedByUser();
 }
 
 bool RenderForm::Check1Value() const {

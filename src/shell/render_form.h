@@ -23,9 +23,14 @@ public:
 Q_SIGNALS:
     // The user ticked or cleared "Always keep this window on top".
     void alwaysOnTopChosen(bool onTop);
+    // Escape, which stops the running world.
+    void stopAsked();
+    // The user closed the window.
+    void closedByUser();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     QWidget* renderFrame_;

@@ -83,6 +83,7 @@ struct DifferenceHandler::Batch {
     int index = 0;
     int skip = 0;
     int image = 0;
+    QString errorText; // of the error records since the last error dialog
     const TreeControl* currentTree = nullptr;
     int currentIndex = 0;
     QString currentKey;
@@ -150,6 +151,7 @@ void DifferenceHandler::handleRecord(Batch& batch, const QString& tag, const QVa
     } else if (tag == QStringLiteral("output")) {
         batch.view().appendOutput(itemText(record, 1), QColor(0, 0, 0));
     } else if (tag == QStringLiteral("error")) {
+        batch.errorText += itemText(record, 1);
         batch.view().appendOutput(itemText(record, 1), QColor(255, 0, 0));
     } else if (tag == QStringLiteral("popuperrordialog")) {
         popUpErrorDialog(batch, record);
@@ -187,6 +189,8 @@ void DifferenceHandler::handleRecord(Batch& batch, const QString& tag, const QVa
 void DifferenceHandler::popUpErrorDialog(Batch& batch, const QVariantList& record) {
     const ErrorFormContent content =
         userErrorContent(recordItem(record, 1), recordItem(record, 2), state_.ErrorLineOffset);
+    batch.result.scriptError = scriptErrorPlace(batch.errorText, recordItem(record, 2));
+    batch.errorText.clear();
     const bool onTop = batch.view().cameraWindowOnTop();
     if (onTop)
         batch.view().setRenderFormAlwaysOnTop(false);

@@ -3,6 +3,7 @@
 #include "gateway/app_state.h"
 #include "gateway/engine_link.h"
 #include "gateway/error_reporter.h"
+#include "world/script_error_place.h"
 
 #include <QColor>
 #include <QVariant>
@@ -52,6 +53,8 @@ struct DifferenceResult {
     bool objectTreeChanged = false;    // gUpdateObjectTree2: a record changed ObjectTree
     std::optional<bool> undoAvailable; // the engine's undo stack, as last reported
     std::optional<bool> worldActive;   // whether the world runs, as last reported
+    // Where the last error of the user's code stands, when the records name a place.
+    std::optional<ScriptErrorPlace> scriptError;
 };
 
 // Turns the records of the engine's polls into changes of the front end. A poll

@@ -34,6 +34,8 @@ DifferenceResult OpenWorld::HandleDifferences(const QVariant& differences) {
     const DifferenceResult result = differences_.HandleDifferences(differences, view_);
     if (result.objectTreeChanged)
         ObjectTree2_Update(trees_);
+    if (result.scriptError && scriptErrorListener_)
+        scriptErrorListener_(*result.scriptError);
     return result;
 }
 

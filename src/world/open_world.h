@@ -40,8 +40,13 @@ public:
 
     // The window side of the records; nullptr detaches it.
     void attachView(DifferenceView* view) { view_ = view; }
-    // Applies a poll's records; a changed ObjectTree is copied again into ObjectTree2.
+    // Applies a poll's records; a changed ObjectTree is copied again into ObjectTree2, and
+    // the place of an error of the user's code goes to the listener.
     DifferenceResult HandleDifferences(const QVariant& differences);
+    // Told where each error of the user's code stands that the records place.
+    void setScriptErrorListener(std::function<void(const ScriptErrorPlace&)> listener) {
+        scriptErrorListener_ = std::move(listener);
+    }
     // The object tree's records, out of the rhythm of the main loop, as loading a world
     // must have them before the scene goes away.
     DifferenceResult pollTreeDifferences();
@@ -95,6 +100,7 @@ private:
     RenameFollowers followers_;
     DifferenceHandler differences_;
     DifferenceView* view_ = nullptr; // Not owned.
+    std::function<void(const ScriptErrorPlace&)> scriptErrorListener_;
 };
 
 } // namespace vessa

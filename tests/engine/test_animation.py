@@ -220,6 +220,23 @@ def test_a_parent_cycle_found_when_its_step_comes_is_told_and_the_rest_goes_on(w
     assert world.GetLoopWait() == -1
 
 
+def test_the_line_that_made_a_failing_animation_is_found_deep_in_a_long_text(world):
+    scene = world.scene
+    with world.undo.quiet():
+        scene.create("model", "Bunny", scene.root)
+        scene.create("model", "Ball", scene.root)
+    filler = "".join("Ball.Move(Up, 0, Duration=0)\n" for _ in range(3000))
+    world.ExecuteCode(filler + "Bunny.BecomeChildOf(Ball)\nDoInOrder(Bunny.Move(Up, 1),\n"
+                      "    Ball.BecomeChildOf(Bunny))\n", "<treeview>", "exec")
+    loop_at(world, 0.0)
+    loop_at(world, 1.0)
+    records = misc(world)
+    assert tagged(records, "popuperrordialog") == [
+        ["popuperrordialog", "Ball can't become a child of Bunny.", "3003"]]
+    assert tagged(records, "error")[0][1].startswith(
+        '  File "<treeview>", line 3003, where the animation was made\n')
+
+
 def test_a_step_that_fails_as_it_begins_is_passed_over_and_its_block_goes_on(world):
     def broken():
         raise Mistake("no_object", name="Boing")

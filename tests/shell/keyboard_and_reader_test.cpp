@@ -240,6 +240,7 @@ TEST(Keyboard, FocusStartsOnTheObjectsAndTabReadsTheWindowInOrderBothWays) {
     const QStringList animations = {
         QStringLiteral("Objects"),    QStringLiteral("Sounds"),
         QStringLiteral("World tabs"), QStringLiteral("Undo Changes to Script"),
+        QStringLiteral("Perform"),    QStringLiteral("Reset the world"),
         QStringLiteral("Trash can"),  QStringLiteral("Blocks"),
         QStringLiteral("Script"),     QStringLiteral("Line being built"),
         QStringLiteral("Output")};

@@ -44,13 +44,34 @@ def line_detail(exc, tags):
     return str(frames[-1].lineno) if frames else NO_LINE
 
 
+class Place:
+    """Where code stands: its source tag, and its line, worked out only when it
+    is asked for. Finding the line of an instruction walks the line table of its
+    code from the start, and a world's generated text is one long module: asked
+    for at every animation it makes, that would grow with the square of its
+    length."""
+
+    __slots__ = ("tag", "_code", "_offset")
+
+    def __init__(self, code, offset):
+        self.tag, self._code, self._offset = code.co_filename, code, offset
+
+    @property
+    def line(self):
+        """The line as text; NO_LINE when the instruction has none."""
+        for start, end, line in self._code.co_lines():
+            if start <= self._offset < end and line is not None:
+                return str(line)
+        return NO_LINE
+
+
 def current_place(tags):
-    """(source tag, line as text) of the innermost frame now running that
-    was compiled from one of tags; None when there is none."""
+    """The Place of the innermost frame now running that was compiled from one
+    of tags; None when there is none."""
     frame = sys._getframe(1)
     while frame is not None:
         if frame.f_code.co_filename in tags:
-            return frame.f_code.co_filename, str(frame.f_lineno)
+            return Place(frame.f_code, frame.f_lasti)
         frame = frame.f_back
     return None
 
@@ -59,7 +80,7 @@ def made_at(place):
     """The line a traceback would give for where an animation was made, so
     that a reader of the report can tell the generated lines from the
     hand-written ones."""
-    return '  File "%s", line %s, where the animation was made\n' % place
+    return '  File "%s", line %s, where the animation was made\n' % (place.tag, place.line)
 
 
 def user_traceback(exc, tags):

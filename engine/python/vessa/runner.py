@@ -90,8 +90,8 @@ class CodeRunner:
         return True
 
     def where(self):
-        """Where in the user's code the engine is now: (source tag, line as
-        text); None outside it."""
+        """Where in the user's code the engine is now (a reports.Place); None
+        outside it."""
         return reports.current_place(USER_SOURCES)
 
     def tell(self, exc, where):
@@ -100,7 +100,7 @@ class CodeRunner:
         if where is None:
             self._report_to_user(exc, reports.NO_LINE)
         else:
-            self._report_to_user(exc, where[1], reports.made_at(where))
+            self._report_to_user(exc, where.line, reports.made_at(where))
 
     def _failed(self, exc, tag, detail):
         if tag not in USER_SOURCES:

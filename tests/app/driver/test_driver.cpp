@@ -11,6 +11,7 @@
 //                 by depth: "driver: NAME: <indent><text>"
 //   "wait:MS"     let the program run for MS milliseconds
 //   "key:KEYS"    press KEYS ("Ctrl+Tab") where the keyboard focus is
+//   "click:NAME"  click the middle of the main window's widget NAME with the left button
 //   "reader:NAME" print what assistive technology reads of the window or widget NAME:
 //                 "driver: reader: NAME <role> "<name>"", and for a tab list the
 //                 selected tab: " selected "<tab>""
@@ -104,6 +105,8 @@ private:
             pause = argument.toInt();
         else if (step.startsWith(QStringLiteral("key:")))
             pressKeys(QKeySequence::fromString(argument));
+        else if (step.startsWith(QStringLiteral("click:")))
+            clickWidget(argument);
         else if (step.startsWith(QStringLiteral("reader:")))
             printReading(argument);
         else
@@ -136,6 +139,15 @@ private:
         QWidget* focus = QApplication::focusWidget();
         const QKeyCombination key = keys[0];
         QTest::keyClick(focus ? focus : main_, key.key(), key.keyboardModifiers());
+    }
+
+    void clickWidget(const QString& name) {
+        auto* widget = main_->findChild<QWidget*>(name);
+        if (!widget || !widget->isVisible()) {
+            std::fprintf(stderr, "driver: no widget %s to click\n", qPrintable(name));
+            return;
+        }
+        QTest::mouseClick(widget, Qt::LeftButton);
     }
 
     void printReading(const QString& name) {

@@ -1,0 +1,245 @@
+// A world run from the main window over the real engine: Perform, what the world then
+// does, the traffic light, mistakes of the user's code, and the camera view's keys and
+// clicks reaching the world's events. With a display (Xvfb) the view is drawn and
+// takes real input; without one, the tests that need it skip.
+#include "gateway/engine_registration.h"
+#include "gateway/interpreter_registry.h"
+#include "shell/main_form.h"
+#include "shell/render_form.h"
+#include "world/open_world.h"
+
+#include "support/qt_print.h"
+#include "support/scripted_engine.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSettings>
+#include <QTabBar>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextEdit>
+#include <QTimer>
+#include <QToolButton>
+#include <gtest/gtest.h>
+
+using namespace vessa;
+using namespace vessa::testing;
+
+namespace {
+
+bool drawing() {
+    return QGuiApplication::platformName() == QLatin1String("xcb");
+}
+
+struct RunningWorld {
+    QTemporaryDir settings;
+    AppState state;
+    EngineLink engine;
+    RecordingErrorDisplay internalErrors;
+    ThrowingProcessControl process;
+    ErrorReporter reporter{state, internalErrors, process};
+    OpenWorld world{state, engine, reporter};
+    RenderForm renderForm;
+    std::unique_ptr<MainForm> form;
+    TreeControl& script = world.script().TreeView1();
+    QStringList userErrors; // the captions of the error boxes the user saw
+    QTimer errorBoxes;
+
+    RunningWorld() {
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
+        state.ExitOnFatal = false;
+        InterpreterRegistry registry;
+        registerPythonEngine(registry, qEnvironmentVariable("PYTHONPATH"));
+        engine.attach(registry.create(kEngineProgId));
+        call("LoadWorld",
+             {qEnvironmentVariable("VESSA47_HOME") + QStringLiteral("Worlds/Default")});
+        form = std::make_unique<MainForm>(state, engine, reporter, renderForm, world);
+        form->resize(900, 700);
+        form->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(form.get()));
+        QWidget* frame = form->OpeningSceneFrame();
+        call("imagenavigator", {frame->width(), frame->height(), 1});
+        // A cube in the middle of the camera's picture, facing it: its forward is the
+    // world's back, its right the world's left.
+        call("addobject",
+             {qEnvironmentVariable("VESSA47_HOME") + QStringLiteral("Objects/Shapes/Cube.mdl")});
+        tool("Cube.Move(Up, 1, Duration=0)");
+        runEngine();
+        QObject::connect(&errorBoxes, &QTimer::timeout, [this] { closeErrorBox(); });
+        errorBoxes.start(0);
+    }
+
+    QVariant call(const char* method, const QVariantList& args = {}) {
+        return engine.call(QString::fromLatin1(method), args);
+    }
+    void tool(const char* statement) {
+        EXPECT_TRUE(
+            engine.ExecuteCode(QString::fromLatin1(statement), QStringLiteral("<Tool>")).isNull());
+    }
+
+    void closeErrorBox() {
+        QWidget* box = QApplication::activeModalWidget();
+        if (!box || box->objectName() != QStringLiteral("ErrorForm"))
+            return;
+        userErrors << box->findChild<QLabel*>(QStringLiteral("ErrorTypeLabel"))->text();
+        QTest::mouseClick(box->findChild<QPushButton*>(QStringLiteral("OkButton")), Qt::LeftButton);
+    }
+
+    void clickTab(int tab) {
+        auto* tabs = form->findChild<QTabBar*>(QStringLiteral("SwitchTab"));
+        QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(tab).center());
+    }
+    void press(const char* button) {
+        QTest::mouseClick(form->findChild<QToolButton*>(QString::fromLatin1(button)),
+                          Qt::LeftButton);
+        runEngine();
+    }
+
+    // Rounds of the main loop until the engine has nothing left to run: its steps, the
+    // window's events, and its records to the window.
+    void runEngine() {
+        for (int round = 0; round < 200; ++round) {
+            call("Loop");
+            QApplication::processEvents();
+            call("flushout");
+            world.HandleDifferences(call("PollForMiscDifferences"));
+            world.HandleDifferences(call("PollForTreeDifferences"));
+            if (call("GetLoopWait").toInt() < 0)
+                break;
+        }
+    }
+
+    QString where(const char* object) {
+        form->OutputText()->clear();
+        tool(qPrintable(QStringLiteral("print('%.1f %.1f %.1f' % tuple(%1.GetPosition()))")
+                            .arg(QString::fromLatin1(object))));
+        call("flushout");
+        world.HandleDifferences(call("PollForMiscDifferences"));
+        return form->OutputText()->toPlainText().trimmed();
+    }
+
+    TreeNode* animation(const char* name, std::initializer_list<const char*> lines) {
+        TreeNode* root = script.AddRoot(QString::fromLatin1(name).toLower(),
+                                        QString::fromLatin1(name) + QStringLiteral(" = DoInOrder"));
+        for (const char* line : lines)
+            script.Add(root, Relation::Child, QString(), QString::fromLatin1(line));
+        return root;
+    }
+
+    // F12 in the main window, which the user comes back to from the camera window.
+    void flipScriptText() {
+        form->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(form.get()));
+        QTest::keyClick(form.get(), Qt::Key_F12);
+    }
+    QPlainTextEdit* scriptText() {
+        return form->findChild<QPlainTextEdit*>(QStringLiteral("ScriptText"));
+    }
+    // The line of the world's Python that the script text shows marked.
+    QString markedLine() {
+        QApplication::processEvents();
+        return scriptText()->textCursor().selectedText().trimmed();
+    }
+};
+
+} // namespace
+
+TEST(RunningWorld, PerformMovesTheWorldAndTheTrafficLightPutsItBack) {
+    RunningWorld w;
+    w.script.Add(w.script.FirstRoot(), Relation::Child, QString(),
+                 "Cube.Move(Forward, 2, Duration=0, more...)");
+    w.clickTab(1);
+    ASSERT_EQ(w.where("Cube"), QStringLiteral("0.0 1.0 0.0"));
+
+    w.press("PerformScriptButton");
+    EXPECT_EQ(w.where("Cube"), QStringLiteral("0.0 1.0 -2.0"));
+    w.tool("Cube.Move(Right, 1, Duration=0)");
+    w.runEngine();
+    w.press("TrafficLightImage");
+    EXPECT_EQ(w.where("Cube"), QStringLiteral("0.0 1.0 0.0"));
+    // Each run starts from the start kept aside, not from where the last one left it.
+    w.press("PerformScriptButton");
+    w.press("PerformScriptButton");
+    EXPECT_EQ(w.where("Cube"), QStringLiteral("0.0 1.0 -2.0"));
+    EXPECT_TRUE(w.userErrors.isEmpty());
+    EXPECT_TRUE(w.internalErrors.shown.isEmpty());
+}
+
+TEST(RunningWorld, MistakesAreToldByTheirLineInTheirOwnPartAndMarkedInThePython) {
+    RunningWorld w;
+    w.script.Add(w.script.FirstRoot(), Relation::Child, QString(),
+                 "Bunny.Move(Forward, 1, more...)");
+    w.clickTab(1);
+    w.press("PerformScriptButton");
+    const QString python = w.form->worldRun().ScriptText().Text;
+    const int generatedLine = python.left(python.indexOf(QStringLiteral("Bunny"))).count(u'\n');
+    ASSERT_EQ(w.userErrors.size(), 1);
+    EXPECT_TRUE(w.userErrors[0].endsWith(QStringLiteral(" on line %1").arg(generatedLine + 1)))
+        << w.userErrors[0].toStdString();
+    w.flipScriptText();
+    EXPECT_EQ(w.markedLine(), QStringLiteral("Bunny.Move(Forward, 1),"));
+    w.flipScriptText();
+
+    // The code box's lines count from its own first line.
+    w.script.Remove(w.script.FirstRoot()->Child()->Index());
+    w.world.ArbitraryCodeBox().Text = QStringLiteral("x = 1\r\nprint(x)\r\nprint(y)");
+    w.press("PerformScriptButton");
+    ASSERT_EQ(w.userErrors.size(), 2);
+    EXPECT_TRUE(w.userErrors[1].endsWith(QStringLiteral(" on line 3")))
+        << w.userErrors[1].toStdString();
+    w.flipScriptText();
+    EXPECT_EQ(w.markedLine(), QStringLiteral("print(y)"));
+
+    // Shown, the text runs as it stands, and its own lines are told.
+    w.scriptText()->setPlainText(QStringLiteral("x = 1\nprint(z)\n"));
+    w.press("PerformScriptButton");
+    ASSERT_EQ(w.userErrors.size(), 3);
+    EXPECT_TRUE(w.userErrors[2].endsWith(QStringLiteral(" on line 2")))
+        << w.userErrors[2].toStdString();
+    EXPECT_EQ(w.markedLine(), QStringLiteral("print(z)"));
+    EXPECT_TRUE(w.internalErrors.shown.isEmpty());
+}
+
+TEST(RunningWorld, KeysAndClicksInTheCameraViewReachTheWorldsEvents) {
+    if (!drawing())
+        GTEST_SKIP() << "the camera view needs a display";
+    RunningWorld w;
+    w.animation("Hop", {"Cube.Move(Up, 1, Duration=0, more...)"});
+    w.animation("Slide", {"Cube.Move(Right, 1, Duration=0, more...)"});
+    EventList& events = w.world.events();
+    events.addRow(QStringLiteral(R"(KeyDown ("A" key))"), QStringLiteral("AnyWhere"),
+                  QStringLiteral("Hop"));
+    events.addRow(QStringLiteral("LeftMouseButtonDown"), QStringLiteral("Cube"),
+                  QStringLiteral("Slide"));
+    w.clickTab(1);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&w.renderForm));
+    w.press("PerformScriptButton");
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&w.renderForm));
+    auto* view = w.renderForm.RenderFrame()->findChild<QWidget*>(QStringLiteral("ImageNavigator"));
+    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(QApplication::focusWidget(), view); // keys go to the world at once
+
+    // A click beside the cube is no click on it.
+    QTest::mouseClick(view, Qt::LeftButton, {}, QPoint(5, 5));
+    w.runEngine();
+    EXPECT_EQ(w.where("Cube"), QStringLiteral("0.0 1.0 0.0"));
+    QTest::mouseClick(view, Qt::LeftButton, {}, view->rect().center());
+    w.runEngine();
+    EXPECT_EQ(w.where("Cube"), QStringLiteral("-1.0 1.0 0.0"));
+    QTest::keyClick(view, Qt::Key_A);
+    w.runEngine();
+    EXPECT_EQ(w.where("Cube"), QStringLiteral("-1.0 2.0 0.0"));
+    if (qEnvironmentVariableIsSet("VESSA_DRAWING_OUTPUT")) {
+        const QString folder = qEnvironmentVariable("VESSA_DRAWING_OUTPUT");
+        w.renderForm.grab().save(folder + QStringLiteral("/camera_window_running.png"));
+        w.form->grab().save(folder + QStringLiteral("/main_window_running.png"));
+    }
+
+    // Escape in the camera window stops the world and puts it back.
+    QTest::keyClick(view, Qt::Key_Escape);
+    w.runEngine();
+    EXPECT_EQ(w.where("Cube"), QStringLiteral("0.0 1.0 0.0"));
+    EXPECT_TRUE(w.userErrors.isEmpty());
+}
