@@ -46,6 +46,18 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("ErrorLabel"), QStringLiteral("Error details")},
         {QStringLiteral("OkButton"), QStringLiteral("OK")},
         {QStringLiteral("Command1"), QStringLiteral("Copy report to clipboard")},
+        // Sending a world to friends, and the mail client's settings
+        {QStringLiteral("WorldName"), QStringLiteral("World Title")},
+        {QStringLiteral("MyName"), QStringLiteral("My Name")},
+        {QStringLiteral("myEmail"), QStringLiteral("My eMail")},
+        {QStringLiteral("friendsEmail"), QStringLiteral("Friends' eMail")},
+        {QStringLiteral("myMessage"), QStringLiteral("My Message")},
+        {QStringLiteral("CancelButton"), QStringLiteral("Cancel")},
+        {QStringLiteral("MailServerHost"), QStringLiteral("Mail server")},
+        {QStringLiteral("MailServerPort"), QStringLiteral("Port")},
+        {QStringLiteral("MailServerSecurity"), QStringLiteral("Security")},
+        {QStringLiteral("MailServerUser"), QStringLiteral("User name")},
+        {QStringLiteral("MailServerPassword"), QStringLiteral("Password")},
         // Help window
         {QStringLiteral("WebBrowser1"), QStringLiteral("Help page")},
     };

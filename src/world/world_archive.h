@@ -1,9 +1,9 @@
 #pragma once
 
+#include "export/friend_mail.h"
 #include "export/ves_archive.h"
 
 #include <QString>
-#include <QStringList>
 
 #include <functional>
 #include <optional>
@@ -11,27 +11,6 @@
 namespace vessa {
 
 class WorldFiles;
-
-// What "Send To A Friend..." asks in its form, one text a field.
-struct FriendMail {
-    QString WorldName;
-    QString MyName;
-    QString myEmail;
-    QString friendsEmail;
-    QString myMessage;
-};
-
-// Why the form can't be sent as it is: a box's title and text; empty when it can.
-struct MailFormProblem {
-    QString title;
-    QString text;
-    bool empty() const { return title.isEmpty(); }
-};
-MailFormProblem checkFriendMail(const FriendMail& mail);
-
-// The mail client's command line after `jview`: the tool's name, the sender, the
-// message on one line, the title, the archive and one argument for each address.
-QStringList vessaClientArguments(const FriendMail& mail, const QString& archive);
 
 // What importing and sending a world ask of the windows.
 class ArchiveView {
