@@ -96,9 +96,11 @@ MailSettingsForm::MailSettingsForm(const MailServer& server, QWidget* parent)
     security_->setCurrentIndex(int(server.security));
     password_->setEchoMode(QLineEdit::Password);
     auto* form = new QFormLayout(this);
-    form->addRow(new QLabel(QStringLiteral("The mail server that sends your worlds. Your "
-                                           "teacher or your mail provider can tell you."),
-                            this));
+    auto* explanation = new QLabel(QStringLiteral("The mail server that sends your worlds. Your "
+                                                  "teacher or your mail provider can tell you."),
+                                   this);
+    explanation->setWordWrap(true);
+    form->addRow(explanation);
     form->addRow(QStringLiteral("Mail &server:"), host_);
     form->addRow(QStringLiteral("&Port:"), port_);
     form->addRow(QStringLiteral("S&ecurity:"), security_);
