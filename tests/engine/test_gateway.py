@@ -145,7 +145,8 @@ def test_an_unpacked_archive_is_taken_only_when_it_holds_a_world_and_nothing_of_
     world.mkdir()
     answer = interp.ImportVESFile("friend.ves", str(world))
     assert "friend.ves holds no world" in answer
-    interp.SaveScene(str(tmp_path / "Saved"))
+    (tmp_path / "Saved").mkdir()
+    assert interp.SaveScene(str(tmp_path / "Saved")) is None
     assert interp.ImportVESFile("mine.ves", str(tmp_path / "Saved")) is None
     # Code in place of a scene is refused by the reader, never run.
     (world / "World_Scene.py").write_text("open(%r, 'w').write('ran')\n" % str(tmp_path / "ran"))
