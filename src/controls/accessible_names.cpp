@@ -67,6 +67,17 @@ const QHash<QString, QString>& table() {
         // Add Text form
         {QStringLiteral("AddTextBox"), QStringLiteral("Text to add")},
         {QStringLiteral("CancelButton"), QStringLiteral("Cancel")},
+        // Sending a world to friends, and the mail client's settings
+        {QStringLiteral("WorldName"), QStringLiteral("World Title")},
+        {QStringLiteral("MyName"), QStringLiteral("My Name")},
+        {QStringLiteral("myEmail"), QStringLiteral("My eMail")},
+        {QStringLiteral("friendsEmail"), QStringLiteral("Friends' eMail")},
+        {QStringLiteral("myMessage"), QStringLiteral("My Message")},
+        {QStringLiteral("MailServerHost"), QStringLiteral("Mail server")},
+        {QStringLiteral("MailServerPort"), QStringLiteral("Port")},
+        {QStringLiteral("MailServerSecurity"), QStringLiteral("Security")},
+        {QStringLiteral("MailServerUser"), QStringLiteral("User name")},
+        {QStringLiteral("MailServerPassword"), QStringLiteral("Password")},
         // Help window
         {QStringLiteral("WebBrowser1"), QStringLiteral("Help page")},
     };

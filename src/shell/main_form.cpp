@@ -7,6 +7,7 @@
 #include "scene/adding_commands.h"
 #include "scene/scene_panel.h"
 #include "script/script_panel.h"
+#include "shell/archive_dialogs.h"
 #include "shell/error_form.h"
 #include "shell/loop_wait.h"
 #include "shell/render_form.h"
@@ -168,6 +169,8 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
                                                            return trust_->isTrusted(folder);
                                                        }},
                                           *recovery_);
+    archiveDialogs_ = std::make_unique<ArchiveDialogs>(this, *trust_);
+    archive_ = std::make_unique<WorldArchive>(*files_, *archiveDialogs_);
     autosave_ = std::make_unique<Autosave>(engine_, world_, *recovery_,
                                            [this](const QString& line) { PrintOutput(line); });
     connectFileCommands();
@@ -488,6 +491,9 @@ void MainForm::connectFileCommands() {
             [this] { files_->FileSaveMenuButton_Click(); });
     command("FileSaveAsMenuButton", QKeySequence::SaveAs,
             [this] { files_->FileSaveAsMenuButton_Click(); });
+    command("mnuImportVES", QKeySequence::UnknownKey, [this] { archive_->mnuImportVES_Click(); });
+    command("mnuSendToFriend", QKeySequence::UnknownKey,
+            [this] { archive_->mnuSendToFriend_Click(); });
     QAction* trust = findChild<QAction*>(QStringLiteral("mnuTrustWorld"));
     trust->setCheckable(true);
     connect(trust, &QAction::triggered, this, &MainForm::mnuTrustWorld_Click);

@@ -25,6 +25,7 @@ class QToolButton;
 namespace vessa {
 
 class AddingCommands;
+class ArchiveDialogs;
 class Autosave;
 class EventPanel;
 class NamedTabBar;
@@ -36,6 +37,7 @@ class ScenePanel;
 class ScriptPanel;
 class TrashCan;
 class WorldFiles;
+class WorldArchive;
 class WorldTrust;
 
 // The main window: it shows the open world and holds the panels of every
@@ -192,6 +194,8 @@ private:
     std::unique_ptr<WorldTrust> trust_;
     std::unique_ptr<RecoveryStore> recovery_;
     std::unique_ptr<WorldFiles> files_;
+    std::unique_ptr<ArchiveDialogs> archiveDialogs_;
+    std::unique_ptr<WorldArchive> archive_; // Import VES File, Send To A Friend
     std::unique_ptr<Autosave> autosave_;
 };
 

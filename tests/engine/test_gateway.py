@@ -128,7 +128,7 @@ def test_object_menu_of_a_name_no_object_has_is_a_menu_with_nothing_to_act_on(in
 
 
 def test_methods_whose_work_is_still_to_come_say_so_instead_of_succeeding(interp):
-    for name in ["SaveForPlugin", "ImportVESFile", "OnTheFlyButton", "PreserveDefaultCameraPOV"]:
+    for name in ["SaveForPlugin", "OnTheFlyButton", "PreserveDefaultCameraPOV"]:
         answer = getattr(interp, name)("a", "b")
         assert name in answer and "not available" in answer, name
 
@@ -138,3 +138,17 @@ def test_calls_after_close_are_harmless(interp):
     assert interp.ExecuteCode("x = 1", "<Tool>", "exec") is None
     assert interp.Loop() is None
     assert interp.Close() is None
+
+
+def test_an_unpacked_archive_is_taken_only_when_it_holds_a_world_and_nothing_of_it_runs(interp, tmp_path):
+    world = tmp_path / "TempWorld"
+    world.mkdir()
+    answer = interp.ImportVESFile("friend.ves", str(world))
+    assert "friend.ves holds no world" in answer
+    (tmp_path / "Saved").mkdir()
+    assert interp.SaveScene(str(tmp_path / "Saved")) is None
+    assert interp.ImportVESFile("mine.ves", str(tmp_path / "Saved")) is None
+    # Code in place of a scene is refused by the reader, never run.
+    (world / "World_Scene.py").write_text("open(%r, 'w').write('ran')\n" % str(tmp_path / "ran"))
+    assert "holds no world" in interp.ImportVESFile("bad.ves", str(world))
+    assert not (tmp_path / "ran").exists()

@@ -2,6 +2,7 @@
 // names and roles that assistive technology reads in-process, and the Tab order.
 #include "controls/accessible_names.h"
 #include "controls/tree_control_view.h"
+#include "export/mail_forms.h"
 #include "scene/adding_commands.h"
 #include "scene/gallery_dialog.h"
 #include "scene/scene_panel.h"
@@ -192,8 +193,10 @@ TEST(ScreenReader, TheListNamesOnlyControlsThatExistAndEveryShownControlHasAName
     AddingCommands& adding = h.form->addingCommands();
     adding.AddObjectFile();
     adding.showAddTextForm();
-    QList<QWidget*> widgets = {h.form.get(),     &h.renderForm,       &error, &help, &splash,
-                               adding.gallery(), adding.addTextForm()};
+    EmailForm email(FriendMail{});
+    MailSettingsForm mailServer(MailServer{});
+    QList<QWidget*> widgets = {h.form.get(),     &h.renderForm,        &error, &help,      &splash,
+                               adding.gallery(), adding.addTextForm(), &email, &mailServer};
     for (QWidget* window : QList<QWidget*>(widgets))
         widgets << window->findChildren<QWidget*>();
     QSet<QString> made;
@@ -257,3 +260,35 @@ TEST(Keyboard, F10OpensTheFileMenu) {
     w.press(Qt::Key_Escape);
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }
+
+namespace {
+
+TEST(Keyboard, TheMailFormIsFilledAndSentFromTheKeyboardInTheOrderItReads) {
+    FriendMail preset;
+    preset.WorldName = QStringLiteral("Bunny World");
+    EmailForm form(preset);
+    form.show();
+    QApplication::setActiveWindow(&form);
+    QWidget* first = form.findChild<QWidget*>(QStringLiteral("WorldName"));
+    first->setFocus();
+    QStringList order;
+    for (int i = 0; i < 7; ++i) {
+        order << QApplication::focusWidget()->objectName();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    EXPECT_EQ(order, (QStringList{"WorldName", "MyName", "myEmail", "friendsEmail", "myMessage",
+                                  "OkButton", "CancelButton"}));
+    // Typed into, field by field, and sent with Enter on OK.
+    const auto type = [&](const char* control, const QString& text) {
+        QTest::keyClicks(form.findChild<QWidget*>(QString::fromUtf8(control)), text);
+    };
+    type("MyName", QStringLiteral("Ann"));
+    type("myEmail", QStringLiteral("ann@x.example"));
+    type("friendsEmail", QStringLiteral("bo@x.example"));
+    type("myMessage", QStringLiteral("Hi"));
+    QTest::keyClick(form.findChild<QWidget*>(QStringLiteral("OkButton")), Qt::Key_Return);
+    EXPECT_EQ(form.result(), QDialog::Accepted);
+    EXPECT_EQ(form.mail().friendsEmail, QStringLiteral("bo@x.example"));
+}
+
+} // namespace

@@ -27,12 +27,11 @@ from .watchdog import Watchdog
 
 VERSION = "0.1.0"
 
-# Methods of the gateway whose work is still to come (the web export, archive
-# import and the code box's on-the-fly run): each answers that it is not
-# available, never a success for work it did not do.
+# Methods of the gateway whose work is still to come (the web export and the
+# code box's on-the-fly run): each answers that it is not available, never a
+# success for work it did not do.
 NOT_YET = (
-    "PreserveDefaultCameraPOV", "OnTheFlyButton",
-    "ImportVESFile", "SaveForPlugin",
+    "PreserveDefaultCameraPOV", "OnTheFlyButton", "SaveForPlugin",
 )
 
 THUMBNAIL = "world_thumbnail.bmp"
@@ -282,6 +281,19 @@ class Interpreter:
         self._runner.call(names.clear)     # the old world's __del__ are user code
         names.update(namespace.build(self))
         self._dirty = False
+        return None
+
+    def ImportVESFile(self, archive, folder):
+        """Takes in a world that came as an archive: the front end has unpacked
+        it into folder, a fresh one, checking every entry. The world is
+        someone else's: its scene is read by the restricted reader and nothing
+        of it is run. None when the folder holds a world this engine can load
+        (LoadWorld then loads it, untrusted, as every world), else why not."""
+        folder = str(folder)
+        try:
+            scenefile.read(folder)
+        except scenefile.SceneFileError as exc:
+            return "%s holds no world that can be loaded: %s" % (archive, exc)
         return None
 
     def SaveScene(self, folder, into=None):
