@@ -38,6 +38,18 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("MakeEvent"), QStringLiteral("Make event")},
         {QStringLiteral("menuBar"), QStringLiteral("Menu bar")},
         {QStringLiteral("SplitterH1"), QStringLiteral("Divider above the output")},
+        // The opening scene's tools
+        {QStringLiteral("MouseControlsFrame"), QStringLiteral("Mouse tools")},
+        {QStringLiteral("MouseMoveOption"), QStringLiteral("Drag moves objects")},
+        {QStringLiteral("MouseRaiseOption"), QStringLiteral("Drag moves objects up and down")},
+        {QStringLiteral("MouseTurnLROption"), QStringLiteral("Drag turns objects left and right")},
+        {QStringLiteral("MouseTurnFBOption"),
+         QStringLiteral("Drag turns objects forward and back")},
+        {QStringLiteral("MouseTumbleOption"), QStringLiteral("Drag tumbles objects")},
+        {QStringLiteral("MouseInspectOption"), QStringLiteral("Drag looks around objects")},
+        {QStringLiteral("OpeningSceneOptions"), QStringLiteral("Opening scene options")},
+        {QStringLiteral("OpeningSceneOptions0"), QStringLiteral("Use Hardware Acceleration")},
+        {QStringLiteral("OpeningSceneOptions1"), QStringLiteral("Camera Can Pass Through Objects")},
         // Camera window
         {QStringLiteral("RenderFrame"), QStringLiteral("Running world")},
         {QStringLiteral("Check1"), QStringLiteral("Always keep this window on top")},

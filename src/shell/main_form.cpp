@@ -4,13 +4,17 @@
 #include "controls/named_tab_bar.h"
 #include "events/event_panel.h"
 #include "gateway/output_limits.h"
+#include "scene/mouse_tools.h"
 #include "scene/scene_panel.h"
 #include "script/script_panel.h"
 #include "shell/error_form.h"
 #include "shell/loop_wait.h"
+#include "shell/opening_scene.h"
+#include "shell/recent_files_menu.h"
 #include "shell/render_form.h"
 #include "shell/settings_store.h"
 #include "shell/view_hosts.h"
+#include "shell/window_keeper.h"
 #include "shell/world_folder_dialog.h"
 #include "shell/world_trust.h"
 #include "world/autosave.h"
@@ -20,6 +24,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QChildEvent>
 #include <QCloseEvent>
 #include <QFrame>
@@ -169,6 +174,7 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     autosave_ = std::make_unique<Autosave>(engine_, world_, *recovery_,
                                            [this](const QString& line) { PrintOutput(line); });
     connectFileCommands();
+    keepWindows();
     SwitchToTab(0);
     // Where a user begins: the objects of the scene.
     scenePanel_->ObjectTreeView().setFocus();
@@ -215,6 +221,7 @@ QWidget* MainForm::buildOpeningScenePanel() {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(undoButton_, 0, Qt::AlignLeft);
     layout->addWidget(openingSceneFrame_, 1);
+    layout->addWidget(buildOpeningSceneTools(panel));
     return panel;
 }
 
@@ -313,7 +320,8 @@ void MainForm::SwitchToTab(int tab) {
                 if (old == 0)
                     runTool(engine_, reporter_, QStringLiteral("PreserveHandbasket()"),
                             QStringLiteral("MainForm:SwitchToTab: Error restoring handbasket."));
-                enableMenuItems({"EditUndoTextMenuButton", "EditCutMenuButton",
+                enableMenuItems({"FileOpeningScene", "FileStartCameraHere",
+                                 "EditUndoTextMenuButton", "EditCutMenuButton",
                                  "EditCopyMenuButton", "EditDeleteMenuButton"},
                                 true);
                 scriptPanel_->ConstructTreeView().setVisible(tab == 1);
@@ -445,16 +453,24 @@ void MainForm::addKeyboardCommands() {
 // tabs and the page under them, then the output. Panels hidden by the tab are passed.
 void MainForm::orderTabStops() {
     ScriptPanel& script = *scriptPanel_;
-    const QList<QWidget*> order = {&scenePanel_->ObjectTreeView(),
-                                   &scenePanel_->ObjectTree2View(),
-                                   &scenePanel_->SoundTreeView(),
-                                   switchTab_,
-                                   undoButton_,
-                                   scriptUndoButton_,
-                                   &script.ConstructTreeView(),
-                                   &script.TreeView1View(),
-                                   &script.CommandLineTreeviewView(),
-                                   outputText_};
+    // The tools under the camera view, left to right and then the row below.
+    QList<QWidget*> openingSceneTools;
+    for (int tool = 0; tool < kMouseToolCount; ++tool)
+        openingSceneTools << mouseTools_->option(static_cast<MouseTool>(tool));
+    openingSceneTools << openingSceneOptions_->option(0) << openingSceneOptions_->option(1);
+    QList<QWidget*> order = {&scenePanel_->ObjectTreeView(),
+                             &scenePanel_->ObjectTree2View(),
+                             &scenePanel_->SoundTreeView(),
+                             switchTab_,
+                             undoButton_,
+                             scriptUndoButton_,
+                             &script.ConstructTreeView(),
+                             &script.TreeView1View(),
+                             &script.CommandLineTreeviewView(),
+                             outputText_};
+    order.insert(order.indexOf(undoButton_) + 1, openingSceneTools.size(), nullptr);
+    std::copy(openingSceneTools.begin(), openingSceneTools.end(),
+              order.begin() + order.indexOf(undoButton_) + 1);
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
 }
@@ -600,6 +616,7 @@ void MainForm::keepCameraWindowOnTop() {
 
 void MainForm::worldNamed(const QString& worldSaveFile) {
     showTrustOfWorld();
+    recentFiles_->refresh();
     const QString version = engine_.call(QStringLiteral("GetVersionText")).toString();
     setWindowTitle(worldSaveFile.isEmpty()
                        ? QStringLiteral("Vessa47 [") + version + QLatin1Char(']')
@@ -635,6 +652,11 @@ void MainForm::CleanUpAndExit() {
     // Nothing unsaved is left that the user wanted: the copies of it go.
     autosave_->stop();
     recovery_->cleanExit();
+    if (keeper_->restored()) {
+        keeper_->preferences().gUseHardwareAcceleration =
+            openingSceneOptions_->gUseHardwareAcceleration();
+        keeper_->StoreSettings(recentFiles_->rows());
+    }
     // Errors are ignored from here on: the program is on its way out.
     const auto ignoringErrors = [&](const QString& method, const QString& message) {
         try {

@@ -21,14 +21,18 @@ namespace vessa {
 
 class Autosave;
 class EventPanel;
+class MouseToolsPanel;
 class NamedTabBar;
+class OpeningSceneOptions;
 class OpenWorld;
+class RecentFilesMenu;
 class RecoveryStore;
 class RegKeys;
 class RenderForm;
 class ScenePanel;
 class ScriptPanel;
 class WorldFiles;
+class WindowKeeper;
 class WorldTrust;
 
 // The main window: it shows the open world and holds the panels of every
@@ -57,6 +61,9 @@ public:
     // At start: unsaved work that programs killed before their end left behind.
     void offerRecoveredWork();
     void CleanUpAndExit();
+    // Puts the windows where the user left them, with the preferences and the recent
+    // worlds; from then on they are kept again at the end.
+    void RestoreSettings();
     void setIdleTimerInterval(int ms);
 
     // Shows tab 0 (opening scene), 1 (animations) or 2 (events). Leaving the
@@ -128,6 +135,9 @@ private:
     // The user trusts the open world's code, or no longer does.
     void mnuTrustWorld_Click(bool trusted);
     void showTrustOfWorld();
+    void keepWindows();
+    // The mouse tools and the opening scene's options, under its camera view.
+    QWidget* buildOpeningSceneTools(QWidget* parent);
 
     AppState& state_;
     EngineLink& engine_;
@@ -155,6 +165,10 @@ private:
     std::unique_ptr<RecoveryStore> recovery_;
     std::unique_ptr<WorldFiles> files_;
     std::unique_ptr<Autosave> autosave_;
+    std::unique_ptr<WindowKeeper> keeper_;
+    RecentFilesMenu* recentFiles_ = nullptr;
+    MouseToolsPanel* mouseTools_ = nullptr;
+    OpeningSceneOptions* openingSceneOptions_ = nullptr;
 };
 
 } // namespace vessa
