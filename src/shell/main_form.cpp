@@ -151,7 +151,8 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     outputText_->setLineWrapMode(QTextEdit::WidgetWidth);
     outputText_->document()->setMaximumBlockCount(kOutputPaneLines);
 
-    resize(9000 / 15, 9360 / 15);
+    const double perPixel = twipsPerPixel(nullptr);
+    resize(qRound(9000 / perPixel), qRound(9360 / perPixel));
     setCentralWidget(buildColumns());
 
     IdleTimer.setObjectName(QStringLiteral("IdleTimer"));
