@@ -49,6 +49,18 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("Text1"), QStringLiteral("Value")},
         {QStringLiteral("TreeWidget"), QStringLiteral("Objects to pick from")},
         {QStringLiteral("TreeWidgetFind"), QStringLiteral("Name of the object to pick")},
+        // The opening scene's tools
+        {QStringLiteral("MouseControlsFrame"), QStringLiteral("Mouse tools")},
+        {QStringLiteral("MouseMoveOption"), QStringLiteral("Drag moves objects")},
+        {QStringLiteral("MouseRaiseOption"), QStringLiteral("Drag moves objects up and down")},
+        {QStringLiteral("MouseTurnLROption"), QStringLiteral("Drag turns objects left and right")},
+        {QStringLiteral("MouseTurnFBOption"),
+         QStringLiteral("Drag turns objects forward and back")},
+        {QStringLiteral("MouseTumbleOption"), QStringLiteral("Drag tumbles objects")},
+        {QStringLiteral("MouseInspectOption"), QStringLiteral("Drag looks around objects")},
+        {QStringLiteral("OpeningSceneOptions"), QStringLiteral("Opening scene options")},
+        {QStringLiteral("OpeningSceneOptions0"), QStringLiteral("Use Hardware Acceleration")},
+        {QStringLiteral("OpeningSceneOptions1"), QStringLiteral("Camera Can Pass Through Objects")},
         // Camera window
         {QStringLiteral("RenderFrame"), QStringLiteral("Running world")},
         {QStringLiteral("Check1"), QStringLiteral("Always keep this window on top")},

@@ -1,6 +1,7 @@
 #include "shell/error_form.h"
 
 #include "controls/accessible_names.h"
+#include "shell/window_keeper.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -11,10 +12,6 @@
 #include <QPushButton>
 
 namespace vessa {
-
-namespace {
-constexpr int kTwipsPerPixel = 15;
-}
 
 ErrorForm::ErrorForm(const ErrorFormContent& content, VersionSource version, QWidget* parent)
     : QDialog(parent), content_(content), ErrorTypeLabel_(new QLabel(this)),
@@ -49,7 +46,8 @@ ErrorForm::ErrorForm(const ErrorFormContent& content, VersionSource version, QWi
     layout->setRowStretch(1, 1);
     layout->setColumnStretch(0, 1);
 
-    resize(content.widthTwips / kTwipsPerPixel, content.heightTwips / kTwipsPerPixel);
+    const double perPixel = twipsPerPixel(parent);
+    resize(qRound(content.widthTwips / perPixel), qRound(content.heightTwips / perPixel));
     applyAccessibleNames(this);
 }
 

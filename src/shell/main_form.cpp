@@ -5,15 +5,19 @@
 #include "events/event_panel.h"
 #include "gateway/output_limits.h"
 #include "scene/adding_commands.h"
+#include "scene/mouse_tools.h"
 #include "scene/scene_panel.h"
 #include "script/script_panel.h"
 #include "shell/archive_dialogs.h"
 #include "shell/error_form.h"
 #include "shell/loop_wait.h"
+#include "shell/opening_scene.h"
+#include "shell/recent_files_menu.h"
 #include "shell/render_form.h"
 #include "shell/settings_store.h"
 #include "shell/trash_can.h"
 #include "shell/view_hosts.h"
+#include "shell/window_keeper.h"
 #include "shell/world_folder_dialog.h"
 #include "shell/world_trust.h"
 #include "world/autosave.h"
@@ -23,6 +27,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QChildEvent>
 #include <QCloseEvent>
 #include <QFrame>
@@ -149,7 +154,8 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     outputText_->setLineWrapMode(QTextEdit::WidgetWidth);
     outputText_->document()->setMaximumBlockCount(kOutputPaneLines);
 
-    resize(9000 / 15, 9360 / 15);
+    const double perPixel = twipsPerPixel(nullptr);
+    resize(qRound(9000 / perPixel), qRound(9360 / perPixel));
     setCentralWidget(buildColumns());
 
     IdleTimer.setObjectName(QStringLiteral("IdleTimer"));
@@ -175,6 +181,7 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
                                            [this](const QString& line) { PrintOutput(line); });
     connectFileCommands();
     connectRun();
+    keepWindows();
     SwitchToTab(0);
     // Where a user begins: the objects of the scene.
     scenePanel_->ObjectTreeView().setFocus();
@@ -227,6 +234,7 @@ QWidget* MainForm::buildOpeningScenePanel() {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(buttons);
     layout->addWidget(openingSceneFrame_, 1);
+    layout->addWidget(buildOpeningSceneTools(panel));
     return panel;
 }
 
@@ -431,23 +439,31 @@ void MainForm::addKeyboardCommands() {
 // tabs and the page under them, then the output. Panels hidden by the tab are passed.
 void MainForm::orderTabStops() {
     ScriptPanel& script = *scriptPanel_;
-    const QList<QWidget*> order = {&scenePanel_->ObjectTreeView(),
-                                   &scenePanel_->ObjectTree2View(),
-                                   &scenePanel_->SoundTreeView(),
-                                   switchTab_,
-                                   undoButton_,
-                                   findChild<QWidget*>(QStringLiteral("AddObjectButton")),
-                                   findChild<QWidget*>(QStringLiteral("AddSoundsButton")),
-                                   lastAddingButton_,
-                                   scriptUndoButton_,
-                                   performScriptButton_,
-                                   trafficLightImage_,
-                                   trashCan_,
-                                   &script.ConstructTreeView(),
-                                   &script.TreeView1View(),
-                                   &script.CommandLineTreeviewView(),
-                                   scriptText_,
-                                   outputText_};
+    // The tools under the camera view, left to right and then the row below; the
+    // camera view itself comes before them, after the adding buttons.
+    QList<QWidget*> openingSceneTools;
+    for (int tool = 0; tool < kMouseToolCount; ++tool)
+        openingSceneTools << mouseTools_->option(static_cast<MouseTool>(tool));
+    openingSceneTools << openingSceneOptions_->option(0) << openingSceneOptions_->option(1);
+    QList<QWidget*> order = {&scenePanel_->ObjectTreeView(),
+                             &scenePanel_->ObjectTree2View(),
+                             &scenePanel_->SoundTreeView(),
+                             switchTab_,
+                             undoButton_,
+                             findChild<QWidget*>(QStringLiteral("AddObjectButton")),
+                             findChild<QWidget*>(QStringLiteral("AddSoundsButton")),
+                             lastAddingButton_,
+                             scriptUndoButton_,
+                             performScriptButton_,
+                             trafficLightImage_,
+                             trashCan_,
+                             &script.ConstructTreeView(),
+                             &script.TreeView1View(),
+                             &script.CommandLineTreeviewView(),
+                             scriptText_,
+                             outputText_};
+    for (qsizetype i = 0; i < openingSceneTools.size(); ++i)
+        order.insert(order.indexOf(lastAddingButton_) + 1 + i, openingSceneTools[i]);
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
 }
@@ -596,6 +612,7 @@ void MainForm::keepCameraWindowOnTop() {
 
 void MainForm::worldNamed(const QString& worldSaveFile) {
     showTrustOfWorld();
+    recentFiles_->refresh();
     const QString version = engine_.call(QStringLiteral("GetVersionText")).toString();
     setWindowTitle(worldSaveFile.isEmpty()
                        ? QStringLiteral("Vessa47 [") + version + QLatin1Char(']')
@@ -631,6 +648,11 @@ void MainForm::CleanUpAndExit() {
     // Nothing unsaved is left that the user wanted: the copies of it go.
     autosave_->stop();
     recovery_->cleanExit();
+    if (keeper_->restored()) {
+        keeper_->preferences().gUseHardwareAcceleration =
+            openingSceneOptions_->gUseHardwareAcceleration();
+        keeper_->StoreSettings(recentFiles_->rows());
+    }
     // Errors are ignored from here on: the program is on its way out.
     const auto ignoringErrors = [&](const QString& method, const QString& message) {
         try {

@@ -28,8 +28,11 @@ class AddingCommands;
 class ArchiveDialogs;
 class Autosave;
 class EventPanel;
+class MouseToolsPanel;
 class NamedTabBar;
+class OpeningSceneOptions;
 class OpenWorld;
+class RecentFilesMenu;
 class RecoveryStore;
 class RegKeys;
 class RenderForm;
@@ -38,6 +41,7 @@ class ScriptPanel;
 class TrashCan;
 class WorldFiles;
 class WorldArchive;
+class WindowKeeper;
 class WorldTrust;
 
 // The main window: it shows the open world and holds the panels of every
@@ -67,6 +71,9 @@ public:
     // At start: unsaved work that programs killed before their end left behind.
     void offerRecoveredWork();
     void CleanUpAndExit();
+    // Puts the windows where the user left them, with the preferences and the recent
+    // worlds; from then on they are kept again at the end.
+    void RestoreSettings();
     void setIdleTimerInterval(int ms);
 
     // Shows tab 0 (opening scene), 1 (animations) or 2 (events). Leaving the
@@ -161,6 +168,9 @@ private:
     // The user trusts the open world's code, or no longer does.
     void mnuTrustWorld_Click(bool trusted);
     void showTrustOfWorld();
+    void keepWindows();
+    // The mouse tools and the opening scene's options, under its camera view.
+    QWidget* buildOpeningSceneTools(QWidget* parent);
 
     AppState& state_;
     EngineLink& engine_;
@@ -197,6 +207,10 @@ private:
     std::unique_ptr<ArchiveDialogs> archiveDialogs_;
     std::unique_ptr<WorldArchive> archive_; // Import VES File, Send To A Friend
     std::unique_ptr<Autosave> autosave_;
+    std::unique_ptr<WindowKeeper> keeper_;
+    RecentFilesMenu* recentFiles_ = nullptr;
+    MouseToolsPanel* mouseTools_ = nullptr;
+    OpeningSceneOptions* openingSceneOptions_ = nullptr;
 };
 
 } // namespace vessa

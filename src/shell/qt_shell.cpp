@@ -74,6 +74,7 @@ void QtShell::pumpEventsWaiting(int maxWaitMs) {
 void QtShell::createMainForm() {
     createRenderForm();
     mainForm_ = std::make_unique<MainForm>(state_, engine_, reporter_, *renderForm_, world_);
+    mainForm_->RestoreSettings();
     QObject::connect(mainForm_.get(), &MainForm::helpPageWanted,
                      [this](const QString& page) { showHelpPage(page); });
 }

@@ -2,6 +2,7 @@
 
 #include "controls/accessible_names.h"
 #include "shell/view_hosts.h"
+#include "shell/window_keeper.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -56,7 +57,8 @@ RenderForm::RenderForm(QWidget* parent)
         Q_EMIT alwaysOnTopChosen(onTop);
     });
     // Beside the main window, until the user's own place is remembered.
-    setGeometry(9285 / 15, 0, 4620 / 15, 6570 / 15);
+    const double perPixel = twipsPerPixel(nullptr);
+    setGeometry(qRound(9285 / perPixel), 0, qRound(4620 / perPixel), qRound(6570 / perPixel));
     applyAccessibleNames(this);
 }
 

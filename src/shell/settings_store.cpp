@@ -46,6 +46,18 @@ QString RegKeys::fileName() const {
     return settings_->fileName();
 }
 
+QString RegKeys::problem() const {
+    switch (settings_->status()) {
+    case QSettings::NoError:
+        return {};
+    case QSettings::AccessError:
+        return QStringLiteral("the settings file %1 can't be read or written").arg(fileName());
+    case QSettings::FormatError:
+        return QStringLiteral("the settings file %1 is damaged").arg(fileName());
+    }
+    return {};
+}
+
 QString RegKeys::storedName(const QString& group, const QString& name) const {
     settings_->beginGroup(group);
     const QStringList names = settings_->childKeys();

@@ -38,6 +38,8 @@ public:
     bool DeleteRegKey(RegistryRoot root, const QString& key);
 
     QString fileName() const;
+    // Why the store could not be read or written last time, or "" when it could.
+    QString problem() const;
 
 private:
     QString storedName(const QString& group, const QString& name) const;

@@ -15,14 +15,14 @@ struct ProgramRun {
     QString errors; // standard error, where the driver reports
 };
 
-ProgramRun runProgram(const QString& program, const QString& script) {
-    QTemporaryDir config;
+// With settings kept in configFolder.
+ProgramRun runProgram(const QString& program, const QString& script, const QString& configFolder) {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     env.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("vessatestdriver"));
     env.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(VESSA_TEST_PLUGIN_DIR));
     env.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
-    env.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+    env.insert(QStringLiteral("XDG_CONFIG_HOME"), configFolder);
     env.insert(QStringLiteral("VESSA47_DRIVER_SCRIPT"), script);
     // The program finds its home and its engine beside itself.
     env.remove(QStringLiteral("VESSA47_HOME"));
@@ -39,6 +39,12 @@ ProgramRun runProgram(const QString& program, const QString& script) {
     run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     run.errors = QString::fromLocal8Bit(process.readAllStandardError());
     return run;
+}
+
+// With settings of its own, which go when it ends.
+ProgramRun runProgram(const QString& program, const QString& script) {
+    QTemporaryDir config;
+    return runProgram(program, script, config.path());
 }
 
 } // namespace
@@ -98,4 +104,34 @@ TEST(WholeProgram, WithoutAnEngineItSaysWhyInABoxAndEnds) {
     EXPECT_TRUE(shown.contains(QStringLiteral("Error Creating COM server object")))
         << shown.toStdString();
     EXPECT_TRUE(shown.contains(QStringLiteral("Vessia.Interpreter"))) << shown.toStdString();
+}
+
+TEST(WholeProgram, WindowsAndDividersComeBackWhereTheUserLeftThemAfterARestart) {
+    QTemporaryDir config;
+    const ProgramRun first =
+        runProgram(QStringLiteral(VESSA_PROGRAM),
+                   QStringLiteral("place:MainForm,40,30,700,560;place:RenderForm,460,50,300,260;"
+                                  "divide:SplitterV,0.3;divide:SplitterH1,0.7;wait:100;exit"),
+                   config.path());
+    ASSERT_TRUE(first.finished) << first.errors.toStdString();
+    ASSERT_EQ(first.exitCode, 0) << first.errors.toStdString();
+    const ProgramRun second = runProgram(
+        QStringLiteral(VESSA_PROGRAM),
+        QStringLiteral("where:MainForm;where:RenderForm;where:SplitterV;where:SplitterH1;exit"),
+        config.path());
+    const std::string errors = second.errors.toStdString();
+    ASSERT_TRUE(second.finished) << errors;
+    for (const char* line :
+         {"driver: where: MainForm 40 30 700 560\n", "driver: where: RenderForm 460 50 300 260\n"})
+        EXPECT_TRUE(second.errors.contains(QString::fromLatin1(line))) << line << errors;
+    // A divider's share comes back to within a pixel or two of the panes' sizes.
+    const auto share = [&](const QString& divider) {
+        const QString tag = QStringLiteral("driver: where: ") + divider + QLatin1Char(' ');
+        const qsizetype at = second.errors.indexOf(tag);
+        return at < 0
+                   ? -1.0
+                   : second.errors.mid(at + tag.size()).section(QLatin1Char('\n'), 0, 0).toDouble();
+    };
+    EXPECT_NEAR(share(QStringLiteral("SplitterV")), 0.3, 0.015) << errors;
+    EXPECT_NEAR(share(QStringLiteral("SplitterH1")), 0.7, 0.015) << errors;
 }

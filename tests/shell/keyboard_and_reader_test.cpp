@@ -227,10 +227,22 @@ TEST(Keyboard, FocusStartsOnTheObjectsAndTabReadsTheWindowInOrderBothWays) {
     cameraView->setGeometry(0, 0, 100, 80);
     cameraView->show();
 
-    const QStringList opening = {QStringLiteral("Objects"),    QStringLiteral("Sounds"),
-                                 QStringLiteral("World tabs"), QStringLiteral("Undo scene change"),
-                                 QStringLiteral("Add object"), QStringLiteral("Add sound"),
-                                 QStringLiteral("Add text"),   QStringLiteral("Camera view"),
+    const QStringList opening = {QStringLiteral("Objects"),
+                                 QStringLiteral("Sounds"),
+                                 QStringLiteral("World tabs"),
+                                 QStringLiteral("Undo scene change"),
+                                 QStringLiteral("Add object"),
+                                 QStringLiteral("Add sound"),
+                                 QStringLiteral("Add text"),
+                                 QStringLiteral("Camera view"),
+                                 QStringLiteral("Drag moves objects"),
+                                 QStringLiteral("Drag moves objects up and down"),
+                                 QStringLiteral("Drag turns objects left and right"),
+                                 QStringLiteral("Drag turns objects forward and back"),
+                                 QStringLiteral("Drag tumbles objects"),
+                                 QStringLiteral("Drag looks around objects"),
+                                 QStringLiteral("Use Hardware Acceleration"),
+                                 QStringLiteral("Camera Can Pass Through Objects"),
                                  QStringLiteral("Output")};
     EXPECT_EQ(w.walk(Qt::Key_Tab), opening);
     EXPECT_EQ(w.inReadingOrder(opening), opening);

@@ -9,6 +9,8 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDir>
+#include <QFile>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
@@ -142,4 +144,38 @@ TEST(FileMenu, AWorldsCodeIsTrustedOnlyAfterTheUserSaysYesAndOnlyThatWorld) {
     EXPECT_FALSE(trust->isChecked());
     EXPECT_EQ(w.trustTold().last(), QVariantList{0});
     EXPECT_FALSE(WorldTrust(settings).isTrusted(first.path()));
+}
+
+TEST(FileMenu, ARecentWorldWhoseFolderIsGoneIsToldAndDroppedAndOneThatIsThereOpens) {
+    QTemporaryDir worlds;
+    const QString there = worlds.path() + QStringLiteral("/Park");
+    const QString gone = worlds.path() + QStringLiteral("/Zoo");
+    ASSERT_TRUE(QDir().mkpath(there));
+    QFile scene(there + QStringLiteral("/World_Scene.py"));
+    ASSERT_TRUE(scene.open(QIODevice::WriteOnly));
+    scene.close();
+    Window w;
+    const auto row = [](int n, const QString& path) {
+        return QVariant(QVariantList{QStringLiteral("RecentFile%1").arg(n), path});
+    };
+    w.scripted->answers[QStringLiteral("GetRecentFiles")] =
+        QVariantList{row(1, there), row(2, gone)};
+    w.scripted->answers[QStringLiteral("DeleteRecentFile")] = QVariantList{row(1, there)};
+    w.world.SetSaveName(there);
+    auto* second = w.form->findChild<QAction*>(QStringLiteral("RecentFilesMenu1"));
+    ASSERT_TRUE(second->isVisible());
+    EXPECT_EQ(second->text(), QStringLiteral("&2 ") + gone);
+
+    w.answerNextBox(QMessageBox::Ok);
+    w.fileCommand(Qt::Key_2);
+    EXPECT_EQ(w.asked, QStringList{gone + QStringLiteral(" is not a valid world folder.")});
+    EXPECT_EQ(w.log.arguments[w.log.calls.lastIndexOf(QStringLiteral("DeleteRecentFile"))],
+              QVariantList{gone});
+    EXPECT_FALSE(second->isVisible());
+    EXPECT_FALSE(w.log.calls.contains(QStringLiteral("LoadWorld")));
+
+    w.fileCommand(Qt::Key_1);
+    const qsizetype load = w.log.calls.lastIndexOf(QStringLiteral("LoadWorld"));
+    ASSERT_GE(load, 0);
+    EXPECT_EQ(w.log.arguments[load].value(0).toString(), there);
 }

@@ -15,6 +15,10 @@
 //   "reader:NAME" print what assistive technology reads of the window or widget NAME:
 //                 "driver: reader: NAME <role> "<name>"", and for a tab list the
 //                 selected tab: " selected "<tab>""
+//   "place:NAME,X,Y,W,H"  move the window NAME to X, Y and size it W by H pixels
+//   "divide:NAME,S" give the first pane of the divider NAME the share S
+//   "where:NAME"  print the place of the window NAME, "driver: where: NAME X Y W H", or of
+//                 the divider NAME, "driver: where: NAME <share of its first pane>"
 //   "exit"        open the File menu with Alt+F and choose E&xit with X
 // Whatever the script, it reports on standard error when the main window is
 // shown with its final caption: "driver: main window shown". An error box that
@@ -29,11 +33,13 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSplitter>
 #include <QTabBar>
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
 #include <QWidget>
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -109,6 +115,13 @@ private:
             clickWidget(argument);
         else if (step.startsWith(QStringLiteral("reader:")))
             printReading(argument);
+        else if (step.startsWith(QStringLiteral("place:")))
+            place(argument.split(QLatin1Char(',')));
+        else if (step.startsWith(QStringLiteral("divide:")))
+            divide(argument.section(QLatin1Char(','), 0, 0),
+                   argument.section(QLatin1Char(','), 1).toDouble());
+        else if (step.startsWith(QStringLiteral("where:")))
+            printWhere(argument);
         else
             std::fprintf(stderr, "driver: unknown step %s\n", qPrintable(step));
         QTimer::singleShot(pause, this, &Driver::nextStep);
@@ -176,6 +189,41 @@ private:
                         QLatin1Char('"');
         }
         std::fprintf(stderr, "driver: reader: %s\n", qPrintable(line));
+        std::fflush(stderr);
+    }
+
+    QWidget* named(const QString& name) {
+        for (QWidget* window : QApplication::topLevelWidgets())
+            if (window->objectName() == name)
+                return window;
+        return main_->findChild<QWidget*>(name);
+    }
+
+    void place(const QStringList& where) {
+        if (QWidget* window = where.size() == 5 ? named(where[0]) : nullptr)
+            window->setGeometry(where[1].toInt(), where[2].toInt(), where[3].toInt(),
+                                where[4].toInt());
+    }
+
+    void divide(const QString& name, double share) {
+        if (auto* divider = qobject_cast<QSplitter*>(named(name))) {
+            const QList<int> sizes = divider->sizes();
+            const int whole = sizes.value(0) + sizes.value(1);
+            divider->setSizes({qRound(whole * share), whole - qRound(whole * share)});
+        }
+    }
+
+    void printWhere(const QString& name) {
+        QWidget* widget = named(name);
+        if (auto* divider = qobject_cast<QSplitter*>(widget)) {
+            const QList<int> sizes = divider->sizes();
+            std::fprintf(stderr, "driver: where: %s %.2f\n", qPrintable(name),
+                         double(sizes.value(0)) / std::max(1, sizes.value(0) + sizes.value(1)));
+        } else if (widget) {
+            const QRect at = widget->geometry();
+            std::fprintf(stderr, "driver: where: %s %d %d %d %d\n", qPrintable(name), at.x(),
+                         at.y(), at.width(), at.height());
+        }
         std::fflush(stderr);
     }
 

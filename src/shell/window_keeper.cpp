@@ -1,0 +1,133 @@
+#include "shell/window_keeper.h"
+
+#include "base/run_time_error.h"
+#include "gateway/engine_link.h"
+#include "shell/render_form.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QScreen>
+#include <QSplitter>
+#include <QWidget>
+
+namespace vessa {
+
+namespace {
+
+constexpr int kStatsIntervalMs = 1000;
+
+// The share of a divider's first pane.
+double firstShare(const QSplitter& splitter) {
+    const QList<int> sizes = splitter.sizes();
+    const int total = sizes.value(0) + sizes.value(1);
+    return total > 0 ? double(sizes.value(0)) / total : 0.5;
+}
+
+void setFirstShare(QSplitter& splitter, double share) {
+    constexpr int kWhole = 100000;
+    const int first = qRound(share * kWhole);
+    splitter.setSizes({first, kWhole - first});
+}
+
+} // namespace
+
+double twipsPerPixel(const QWidget* widget) {
+    const QScreen* screen =
+        widget && widget->screen() ? widget->screen() : QGuiApplication::primaryScreen();
+    const double dpi = screen ? screen->logicalDotsPerInch() : 96;
+    return dpi > 0 ? 1440.0 / dpi : 15.0;
+}
+
+WindowKeeper::WindowKeeper(RegKeys& keys, EngineLink& engine, Windows windows,
+                           std::function<void(const QString&)> note)
+    : keys_(keys), engine_(engine), windows_(windows), note_(std::move(note)) {
+    StatsTimer.setObjectName(QStringLiteral("StatsTimer"));
+    connect(&StatsTimer, &QTimer::timeout, this, &WindowKeeper::StatsTimer_Timer);
+}
+
+QSize WindowKeeper::screenTwips() const {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    const QRect pixels = screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+    const double perPixel = twipsPerPixel(&windows_.mainForm);
+    return {qRound(pixels.right() * perPixel), qRound(pixels.bottom() * perPixel)};
+}
+
+void WindowKeeper::place(QWidget& window, const TwipsRect& rect) const {
+    const double perPixel = twipsPerPixel(&window);
+    window.setGeometry(qRound(rect.left / perPixel), qRound(rect.top / perPixel),
+                       qRound(rect.width / perPixel), qRound(rect.height / perPixel));
+}
+
+TwipsRect WindowKeeper::placeOf(const QWidget& window) const {
+    const double perPixel = twipsPerPixel(&window);
+    const QRect pixels = window.geometry();
+    return {qRound(pixels.x() * perPixel), qRound(pixels.y() * perPixel),
+            qRound(pixels.width() * perPixel), qRound(pixels.height() * perPixel)};
+}
+
+const WindowSettings& WindowKeeper::RestoreSettings() {
+    QStringList notes;
+    settings_ = vessa::RestoreSettings(keys_, screenTwips(), notes);
+    for (const QString& line : notes)
+        note_(line);
+    place(windows_.renderForm, settings_.renderForm);
+    place(windows_.mainForm, settings_.mainForm);
+    setFirstShare(windows_.columns, settings_.shares.objectTree);
+    setFirstShare(windows_.output, 1 - settings_.shares.outputText);
+    setFirstShare(windows_.sounds, 1 - settings_.shares.soundTree);
+    const Preferences& preferences = settings_.preferences;
+    if (preferences.gDisplayFPS) {
+        StatsTimer.start(kStatsIntervalMs);
+    } else {
+        StatsTimer.stop();
+        windows_.renderForm.FPSLabel()->clear();
+    }
+    windows_.renderForm.setCheck1Value(preferences.gCameraWindowOnTop);
+    windows_.renderForm.AlwaysOnTop(preferences.gCameraWindowOnTop);
+    QFont font(preferences.fontName, preferences.fontSize);
+    font.setBold(preferences.fontBold);
+    for (QWidget* view : windows_.textViews)
+        view->setFont(font);
+    restored_ = true;
+    return settings_;
+}
+
+void WindowKeeper::StoreSettings(const QList<QPair<QString, QString>>& recentFiles) {
+    settings_.recentFiles = recentFiles;
+    const WindowsAtExit states{!windows_.renderForm.isMinimized() &&
+                                   !windows_.renderForm.isMaximized(),
+                               true, windows_.mainForm.windowState() == Qt::WindowNoState};
+    if (states.renderFormNormal)
+        settings_.renderForm = placeOf(windows_.renderForm);
+    if (states.mainFormNormal)
+        settings_.mainForm = placeOf(windows_.mainForm);
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (window->objectName() == QStringLiteral("HelpForm") && window->isVisible()) {
+            const TwipsRect help = placeOf(*window);
+            settings_.helpFormLeft = help.left;
+            settings_.helpFormTop = help.top;
+        }
+    settings_.shares.objectTree = firstShare(windows_.columns);
+    settings_.shares.outputText = 1 - firstShare(windows_.output);
+    settings_.shares.soundTree = 1 - firstShare(windows_.sounds);
+    settings_.preferences.gCameraWindowOnTop = windows_.renderForm.Check1Value();
+    QStringList notes;
+    vessa::StoreSettings(keys_, settings_, states, notes);
+    for (const QString& line : notes)
+        note_(line);
+}
+
+void WindowKeeper::StatsTimer_Timer() {
+    if (!settings_.preferences.gDisplayFPS || !engine_.isSet())
+        return;
+    try {
+        const QString fps = engine_.call(QStringLiteral("GetFPS")).toString();
+        windows_.renderForm.setWindowTitle(QStringLiteral("Vessa - Camera (") + fps.left(5) +
+                                           QStringLiteral(" Frames/Second)"));
+    } catch (const RunTimeError&) {
+        // The frame rate is a courtesy: a failure to read it changes nothing.
+    }
+    StatsTimer.setInterval(kStatsIntervalMs);
+}
+
+} // namespace vessa
