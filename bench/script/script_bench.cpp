@@ -26,6 +26,7 @@ class QuietHost : public ScriptHost {
 public:
     void scriptModified() override {}
     void LVUndoFromLog() override {}
+    void LVRedoFromLog() override {}
     int ReplaceInListView(const QString&, const QString&) override { return 0; }
     void ReportError(const RunTimeError&) override {}
     const TreeControl& sceneObjects() override { return objects; }

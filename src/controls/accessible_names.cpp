@@ -27,6 +27,7 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("CommandLineTreeview"), QStringLiteral("Line being built")},
         {QStringLiteral("UndoButton"), QStringLiteral("Undo scene change")},
         {QStringLiteral("ScriptUndoButton"), QStringLiteral("Undo Changes to Script")},
+        {QStringLiteral("ScriptRedoButton"), QStringLiteral("Redo Changes to Script")},
         {QStringLiteral("ScenePanel"), QStringLiteral("Scene")},
         {QStringLiteral("ObjectTree"), QStringLiteral("Objects")},
         {QStringLiteral("ObjectTree2"), QStringLiteral("Objects for events")},
@@ -36,6 +37,7 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("EventPanel"), QStringLiteral("Event builder")},
         {QStringLiteral("ListView1"), QStringLiteral("Events")},
         {QStringLiteral("MakeEvent"), QStringLiteral("Make event")},
+        {QStringLiteral("KeyCaptureForm"), QStringLiteral("Key to respond to")},
         {QStringLiteral("menuBar"), QStringLiteral("Menu bar")},
         {QStringLiteral("SplitterH1"), QStringLiteral("Divider above the output")},
         // Editors over the script

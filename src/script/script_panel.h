@@ -52,6 +52,8 @@ public:
 public Q_SLOTS:
     // Reverses the newest recorded change of the script.
     void UndoFromLog();
+    // Does again the newest change of the script that was undone.
+    void RedoFromLog();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -61,6 +61,7 @@ public:
     // ScriptHost
     void scriptModified() override { status_.markModified(); }
     void LVUndoFromLog() override;
+    void LVRedoFromLog() override;
     int ReplaceInListView(const QString& oldName, const QString& newName) override;
     void ReportError(const RunTimeError& error) override;
     const TreeControl& sceneObjects() override { return trees_.ObjectTree; }

@@ -31,11 +31,6 @@ struct Builder : ::testing::Test {
     QToolButton* makeEvent = nullptr;
 
     void SetUp() override {
-        for (Kind kind :
-             {Kind::EventConditionMenu, Kind::EventObjectPicker, Kind::EventResponseMenu})
-            script.requests().registerHandler(kind, [this](const ScriptRequest& request) {
-                requests << QString::number(static_cast<int>(request.What)) + u':' + request.Value;
-            });
         panel = std::make_unique<EventPanel>(events, objectTree2);
         view = &panel->ListView1View();
         makeEvent = &panel->MakeEventButton();
@@ -43,6 +38,14 @@ struct Builder : ::testing::Test {
         panel->show();
         QApplication::setActiveWindow(panel.get());
         QTest::mouseClick(makeEvent, Qt::LeftButton);
+    }
+    // What the clicks ask for, in place of the menus that would answer.
+    void RecordRequests() {
+        for (Kind kind : {Kind::EventConditionMenu, Kind::EventObjectPicker,
+                          Kind::EventResponseMenu, Kind::EventListMenu})
+            script.requests().registerHandler(kind, [this](const ScriptRequest& request) {
+                requests << QString::number(static_cast<int>(request.What)) + u':' + request.Value;
+            });
     }
     void TearDown() override { panel.reset(); }
 
@@ -71,7 +74,7 @@ TEST_F(Builder, MakeEventWorksByKeyboardAndTheRowsAreReachedAndReadWhole) {
     QAccessibleInterface* focus = QAccessible::queryAccessibleInterface(view)->focusChild();
     ASSERT_TRUE(focus);
     EXPECT_EQ(focus->text(QAccessible::Name),
-              "When: World Start, Happens To: - - -, Do Animation: Action1");
+              "When: World Start, Happens To: nothing, Do Animation: Action1");
 
     // Without an animation the button is off, and back with the next one.
     script.TreeView1().Clear();
@@ -81,15 +84,17 @@ TEST_F(Builder, MakeEventWorksByKeyboardAndTheRowsAreReachedAndReadWhole) {
 }
 
 TEST_F(Builder, AClickOrReturnAsksForTheEditorOfItsColumn) {
+    RecordRequests();
     for (int column : {EventList::When, EventList::HappensTo, EventList::DoAnimation})
         Click(Qt::LeftButton, 1, column);
-    // Nothing happens to the start row; the right button asks for nothing.
+    // Nothing happens to the start row; the right button asks for the list's own menu.
     Click(Qt::LeftButton, 0, EventList::HappensTo);
     EXPECT_EQ(events.ListView1().SelectedItem(), events.ListView1().Row(0));
     Click(Qt::RightButton, 1, EventList::When);
     EXPECT_EQ(requests, (QStringList{Asked(Kind::EventConditionMenu, "LeftMouseButtonDown"),
                                      Asked(Kind::EventObjectPicker, "AnyWhere"),
-                                     Asked(Kind::EventResponseMenu, "Action1")}));
+                                     Asked(Kind::EventResponseMenu, "Action1"),
+                                     Asked(Kind::EventListMenu, "")}));
     // The arrows choose the column, within the three, and Return opens its editor.
     Click(Qt::LeftButton, 0, EventList::When);
     requests.clear();
