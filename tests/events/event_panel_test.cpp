@@ -2,12 +2,16 @@
 
 #include "controls/list_control_view.h"
 #include "events/event_list.h"
+#include "events/event_menus_view.h"
+#include "events/key_capture_form.h"
 #include "script/script_model.h"
 #include "script/script_test_support.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QDropEvent>
+#include <QMenu>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QTest>
 #include <QToolButton>
@@ -123,4 +127,99 @@ TEST_F(Builder, OnlyAnObjectDraggedFromObjectTree2MakesARowWhenDropped) {
     drop(NodeRef::To(objectTree2, bunny), NodeDragMimeType);
     ASSERT_EQ(events.ListView1().Count(), 3);
     EXPECT_EQ(events.ListView1().Row(2)->SubItems(EventList::HappensTo), "Bunny.Head");
+}
+
+// Keys pressed on whatever pop-up menu is open, a submenu once it opens.
+static void PressOnMenus(std::initializer_list<Qt::Key> keys) {
+    for (Qt::Key key : keys) {
+        QWidget* menu = QApplication::activePopupWidget();
+        ASSERT_TRUE(menu) << "no menu open for key " << key;
+        QTest::keyClick(menu, key);
+    }
+}
+
+TEST_F(Builder, TheMenusChangeTheRowFromTheKeyboardAndAKeyIsTakenByPressingIt) {
+    script.RenameAnimation(script.TreeView1().FirstRoot(), "Hop");
+    TreeNode* camera = host.objects.AddRoot("k1", "Camera");
+    host.objects.SetTag(camera, "Camera");
+    ListRow* row = events.ListView1().Row(1);
+    events.ListView1().SetSubItem(row, EventList::HappensTo, "Camera");
+    events.ListView1().SetSubItem(row, EventList::DoAnimation, "Hop");
+
+    // Return on the selected row opens the conditions; the seventh is "World Start".
+    Click(Qt::LeftButton, 1, EventList::When);
+    QMenu* conditions = panel->menusView().openMenu();
+    ASSERT_TRUE(conditions);
+    EXPECT_EQ(conditions->title(), "Conditions");
+    conditions->close();
+    QTest::keyClick(view, Qt::Key_Return);
+    PressOnMenus({Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Down,
+                  Qt::Key_Down, Qt::Key_Down, Qt::Key_Return});
+    EXPECT_EQ(row->SubItems(EventList::When), "World Start");
+    EXPECT_EQ(row->SubItems(EventList::HappensTo), "- - -");
+
+    // KeyDown, then "Others..." at the end of its keys, then the key itself.
+    QTest::keyClick(view, Qt::Key_Return);
+    PressOnMenus({Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Down,
+                  Qt::Key_Right, Qt::Key_Up, Qt::Key_Return});
+    KeyCaptureForm& question = panel->menusView().keyCapture();
+    ASSERT_TRUE(question.isVisible());
+    EXPECT_EQ(question.windowTitle(), "KeyDown");
+    QTest::keyClick(&question, Qt::Key_Left); // types nothing: not taken
+    EXPECT_TRUE(question.isVisible());
+    QTest::keyClick(&question, Qt::Key_A);
+    EXPECT_FALSE(question.isVisible());
+    events.ListView1().SetSubItem(row, EventList::HappensTo, "Camera");
+    // The cell under the keyboard reads as meant; the row reads whole.
+    QAccessibleInterface* focus = QAccessible::queryAccessibleInterface(view)->focusChild();
+    ASSERT_TRUE(focus);
+    EXPECT_EQ(focus->text(QAccessible::Name), "Key A down");
+    EXPECT_EQ(view->model()->index(1, 0).data(Qt::AccessibleTextRole).toString(),
+              "When: Key A down, Happens To: Camera, Do Animation: Hop");
+
+    // Escape is no key: the row waits for `KeyUp ("" key)`, and says so.
+    QTest::keyClick(view, Qt::Key_Return);
+    PressOnMenus({Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Down,
+                  Qt::Key_Down, Qt::Key_Right, Qt::Key_Up, Qt::Key_Return});
+    QTest::keyClick(&question, Qt::Key_Escape);
+    EXPECT_EQ(row->SubItems(EventList::When), "KeyUp (\"\" key)");
+
+    // The animations, by the keyboard, from the Do Animation column.
+    script.AddNewAnimation();
+    QTest::keyClick(view, Qt::Key_Right);
+    QTest::keyClick(view, Qt::Key_Right);
+    QTest::keyClick(view, Qt::Key_Return);
+    EXPECT_EQ(panel->menusView().openMenu()->title(), "Responses");
+    PressOnMenus({Qt::Key_Down, Qt::Key_Down, Qt::Key_Return});
+    EXPECT_EQ(row->SubItems(EventList::DoAnimation), "Action2");
+}
+
+TEST_F(Builder, TheListsOwnMenuMakesARowAndWhatIsGoneShowsAndIsTold) {
+    view->setFocus();
+    QTest::keyClick(view, Qt::Key_Menu);
+    QMenu* own = panel->menusView().openMenu();
+    ASSERT_TRUE(own);
+    EXPECT_EQ(own->objectName(), "mnuListViewMain");
+    PressOnMenus({Qt::Key_Down, Qt::Key_Return});
+    ASSERT_EQ(events.ListView1().Count(), 3);
+
+    // A row whose animation is gone shows red, with the reason as its tip.
+    ListRow* row = events.ListView1().Row(2);
+    events.ListView1().SetSubItem(row, EventList::DoAnimation, "Walk");
+    const QModelIndex animation = view->model()->index(2, EventList::DoAnimation);
+    EXPECT_EQ(animation.data(Qt::ForegroundRole).value<QColor>(), QColor(Qt::red));
+    EXPECT_EQ(animation.data(Qt::ToolTipRole).toString(), "there is no animation called Walk");
+    // and is itself again once the animation comes.
+    script.RenameAnimation(script.TreeView1().FirstRoot(), "Walk");
+    EXPECT_FALSE(animation.data(Qt::ForegroundRole).isValid());
+
+    // An undo whose row has gone says so in a box, and the log goes on.
+    events.ListView1().Remove(2);
+    panel->LVUndoFromLog();
+    auto* told = panel->findChild<QMessageBox*>("EventGoneBox");
+    ASSERT_TRUE(told);
+    EXPECT_TRUE(told->isVisible());
+    told->close();
+    panel->LVUndoFromLog();
+    EXPECT_EQ(events.ListView1().Count(), 1);
 }
