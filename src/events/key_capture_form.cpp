@@ -10,7 +10,6 @@ namespace vessa {
 
 KeyCaptureForm::KeyCaptureForm(QWidget* parent) : QDialog(parent), prompt_(new QLabel(this)) {
     setObjectName(QStringLiteral("KeyCaptureForm"));
-    prompt_->setObjectName(QStringLiteral("KeyCapturePrompt"));
     prompt_->setWordWrap(true);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
     // The keys go to the question, not to a button that Space or Enter would press.
