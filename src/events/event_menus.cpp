@@ -137,6 +137,15 @@ void EventMenus::keyPressed(const QString& keyEvent, const QString& answer) {
                QStringLiteral("\" key)"));
 }
 
+void EventMenus::objectPicked(const QString& objectName) {
+    ListRow* row = list_.CurrentRow();
+    if (!row || list_.CurrentColumn() != EventList::HappensTo ||
+        row->SubItems(EventList::HappensTo) == objectName)
+        return;
+    list_.LVUndoLog(list_.ListUndoLog(), EventUndoOperation::Changed, row);
+    list_.ListView1().SetSubItem(row, EventList::HappensTo, objectName);
+}
+
 void EventMenus::mnuResponses_Click(const QString& caption) {
     ListRow* row = list_.CurrentRow();
     if (!row || list_.CurrentColumn() != EventList::DoAnimation ||

@@ -8,7 +8,8 @@ class EventList;
 
 // The menus through which a row of the event list is edited (ListViewMenu): the
 // conditions of the When column, with the keys behind "KeyDown" and "KeyUp", the
-// animations of the Do Animation column, and the list's own menu that makes a row. Each
+// animations of the Do Animation column, and the list's own menu that makes a row; and
+// what the object picker of the Happens To column does with its choice. Each
 // choice changes the event list's CurrentRow in the column of the last click and is
 // recorded for undo; choosing what the row says already records nothing.
 class EventMenus {
@@ -30,6 +31,8 @@ public:
     void keyPressed(const QString& keyEvent, const QString& answer);
     // An animation chosen for the row.
     void mnuResponses_Click(const QString& caption);
+    // Who the row happens to, picked from the scene's objects or "AnyWhere".
+    void objectPicked(const QString& objectName);
 
 private:
     std::vector<MenuRow> mnuConditions();

@@ -4,6 +4,7 @@
 #include "events/event_list.h"
 #include "events/key_capture_form.h"
 #include "script/menu_view.h"
+#include "script/object_picker_popup.h"
 #include "script/script_host.h"
 #include "script/script_model.h"
 
@@ -14,7 +15,7 @@ namespace {
 using Kind = ScriptRequest::Kind;
 
 constexpr Kind kAnswered[] = {Kind::EventConditionMenu, Kind::EventResponseMenu,
-                              Kind::EventListMenu, Kind::EventKeyCapture};
+                              Kind::EventListMenu, Kind::EventKeyCapture, Kind::EventObjectPicker};
 
 // The control name and the title a screen reader reads of each menu.
 std::pair<QString, QString> menuNames(Kind kind) {
@@ -30,8 +31,10 @@ std::pair<QString, QString> menuNames(Kind kind) {
 
 } // namespace
 
-EventMenusView::EventMenusView(EventList& list, QWidget* parent)
-    : QObject(parent), list_(list), menus_(list), keyCapture_(new KeyCaptureForm(parent)) {
+EventMenusView::EventMenusView(EventList& list, QWidget& anchor, QWidget* parent)
+    : QObject(parent), list_(list), anchor_(anchor), menus_(list),
+      picker_(list.Script(), pickerState_), keyCapture_(new KeyCaptureForm(parent)),
+      pickerPopup_(new ObjectPickerPopup(picker_, parent)) {
     connect(keyCapture_, &KeyCaptureForm::answered, this,
             [this](const QString& keyEvent, const QString& character) {
                 guarded([&] { menus_.keyPressed(keyEvent, character); });
@@ -58,10 +61,18 @@ void EventMenusView::guarded(const std::function<void()>& work) {
 void EventMenusView::show(const ScriptRequest& request) {
     if (!request.ScreenPoint.isNull())
         lastPoint_ = request.ScreenPoint;
-    if (request.What == Kind::EventKeyCapture)
+    if (request.What == Kind::EventKeyCapture) {
         keyCapture_->ask(request.Title, request.Prompt, lastPoint_);
-    else if (request.What != Kind::None)
+    } else if (request.What == Kind::EventObjectPicker) {
+        guarded([&] {
+            picker_.StartTreeWidget(request,
+                                    [this](const QString& name) { menus_.objectPicked(name); });
+            pickerPopup_->StartTreeWidget(lastPoint_,
+                                          QRect(anchor_.mapToGlobal(QPoint(0, 0)), anchor_.size()));
+        });
+    } else if (request.What != Kind::None) {
         popUp(request);
+    }
 }
 
 void EventMenusView::popUp(const ScriptRequest& request) {

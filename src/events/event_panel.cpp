@@ -26,7 +26,7 @@ namespace vessa {
 EventPanel::EventPanel(EventList& list, const TreeControl& objectTree2, QWidget* parent)
     : QWidget(parent), list_(list), objectTree2_(objectTree2), makeEvent_(new QToolButton(this)),
       listView1_(new ListControlView(list.ListView1(), this)),
-      menusView_(new EventMenusView(list, this)) {
+      menusView_(new EventMenusView(list, *listView1_, this)) {
     setObjectName(QStringLiteral("EventPanel"));
     makeEvent_->setObjectName(QStringLiteral("MakeEvent"));
     makeEvent_->setText(tr("Make Event"));

@@ -52,7 +52,7 @@ struct ScriptRequest {
         ObjectRename, // ask for a new name of the object named Value
         // The editors of the event list's CurrentRow, column Number, whose text is Value:
         EventConditionMenu, // the conditions
-        EventObjectPicker,  // later: who it happens to, with "AnyWhere"; Value to select
+        EventObjectPicker,  // who it happens to, with "AnyWhere"; Value to select
         EventResponseMenu,  // the animations, one of Rows each
         EventKeyCapture,    // the key to wait for, pressed: Title "KeyDown" or "KeyUp"
         EventListMenu,      // the list's own menu, which makes a row

@@ -1,15 +1,18 @@
 #include "events/event_panel.h"
 
 #include "controls/list_control_view.h"
+#include "controls/tree_control_view.h"
 #include "events/event_list.h"
 #include "events/event_menus_view.h"
 #include "events/key_capture_form.h"
+#include "script/object_picker_popup.h"
 #include "script/script_model.h"
 #include "script/script_test_support.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QDropEvent>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
@@ -222,4 +225,28 @@ TEST_F(Builder, TheListsOwnMenuMakesARowAndWhatIsGoneShowsAndIsTold) {
     told->close();
     panel->LVUndoFromLog();
     EXPECT_EQ(events.ListView1().Count(), 1);
+}
+
+TEST_F(Builder, WhoARowHappensToIsPickedFromTheSceneOrAnywhereByName) {
+    TreeNode* camera = host.objects.AddRoot("k1", "Camera");
+    host.objects.SetTag(camera, "Camera");
+    ListRow* row = events.ListView1().Row(1);
+    Click(Qt::LeftButton, 1, EventList::HappensTo);
+    ObjectPickerPopup& picker = panel->menusView().objectPicker();
+    ASSERT_TRUE(picker.isVisible());
+    // The row's own choice is the one selected; the scene is on top.
+    EXPECT_EQ(picker.TreeWidget().Tree().SelectedItem()->Text(), "AnyWhere");
+    QTest::keyClicks(picker.findField(), "cam");
+    QTest::keyClick(picker.findField(), Qt::Key_Return);
+    EXPECT_FALSE(picker.isVisible());
+    EXPECT_EQ(row->SubItems(EventList::HappensTo), "Camera");
+    // A name no object has is refused, and the row stays.
+    Click(Qt::LeftButton, 1, EventList::HappensTo);
+    QTest::keyClicks(picker.findField(), "Moon");
+    QTest::keyClick(picker.findField(), Qt::Key_Return);
+    EXPECT_TRUE(picker.isVisible());
+    EXPECT_EQ(row->SubItems(EventList::HappensTo), "Camera");
+    picker.close();
+    panel->LVUndoFromLog();
+    EXPECT_EQ(row->SubItems(EventList::HappensTo), "AnyWhere");
 }
