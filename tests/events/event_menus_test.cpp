@@ -104,30 +104,14 @@ TEST_F(Menus, KeysAreNamedOrPressedAndTheSameKeyAgainIsRecordedAgain) {
     menus.keyPressed("KeyUp", "a");
     menus.keyPressed("KeyDown", ""); // the question cancelled
     EXPECT_EQ(list.Row(1)->SubItems(1), "KeyDown (\"\" key)");
+    // Named keys read by their names.
+    EXPECT_EQ(SpokenCondition("KeyUp (The 'Enter' Key)"), "Key Enter up");
+    EXPECT_EQ(SpokenCondition("KeyDown (Left Arrow Key)"), "Key Left Arrow down");
+    EXPECT_EQ(SpokenCondition("KeyDown (\"\" key)"), "Key (none) down");
     // Made, named, pressed twice, cancelled: five records.
     for (int undo = 0; undo < 4; ++undo)
         Undo();
     EXPECT_EQ(Columns(1), "LeftMouseButtonDown|AnyWhere|Hop");
-}
-
-TEST_F(Menus, TheResponsesAreTheAnimationsAndChoosingOneChangesTheRow) {
-    script.AddNewAnimation();
-    ClickOn(0, EventList::DoAnimation);
-    ScriptRequest asked =
-        events.ListView1_MouseUp(Qt::LeftButton, list.Row(0), EventList::DoAnimation);
-    std::vector<MenuRow> rows = menus.menuRows(asked);
-    ASSERT_EQ(Captions(rows), (QStringList{"Hop", "Action2"}));
-    EXPECT_TRUE(rows[0].Default);
-    rows[0].Chosen(); // the same: nothing recorded
-    EXPECT_TRUE(events.ListUndoLog().IsEmpty());
-    rows[1].Chosen();
-    EXPECT_EQ(Columns(0), "World Start|- - -|Action2");
-    // A menu of the wrong column changes nothing.
-    menus.mnuConditions_Click("LeftMouseButtonUp");
-    EXPECT_EQ(Columns(0), "World Start|- - -|Action2");
-    Undo();
-    Redo();
-    EXPECT_EQ(Columns(0), "World Start|- - -|Action2");
 }
 
 TEST_F(Menus, RedoDoesAgainWhatWasUndoneUntilANewChange) {
@@ -167,25 +151,4 @@ TEST_F(Menus, AnUndoWhoseRowIsGoneSaysSoAndTheLogGoesOn) {
     EXPECT_EQ(told.size(), 2);
     EXPECT_TRUE(events.ListUndoLog().IsEmpty());
     EXPECT_EQ(list.Count(), 1);
-}
-
-TEST_F(Menus, RowsReadAloudAsTheyAreMeantAndTellWhatIsGone) {
-    EXPECT_EQ(SpokenCondition("KeyDown (\"A\" key)"), "Key A down");
-    EXPECT_EQ(SpokenCondition("KeyUp (Space Bar)"), "Key Space Bar up");
-    EXPECT_EQ(SpokenCondition("KeyDown (The 'Enter' Key)"), "Key Enter down");
-    EXPECT_EQ(SpokenCondition("KeyDown (Left Arrow Key)"), "Key Left Arrow down");
-    EXPECT_EQ(SpokenCondition("KeyUp (\"\" key)"), "Key (none) up");
-    EXPECT_EQ(SpokenCondition("RightMouseButtonDown"), "Right mouse button down");
-    EXPECT_EQ(SpokenCondition("World Start"), "World Start");
-
-    host.objects.SetTag(host.objects.AddRoot("k1", "Camera"), "Camera");
-    ListRow* row = events.addRow("KeyDown (\"A\" key)", "camera", "hop");
-    EXPECT_TRUE(events.cellLook(*row, EventList::HappensTo).Warning.isEmpty());
-    EXPECT_TRUE(events.cellLook(*row, EventList::DoAnimation).Warning.isEmpty());
-    list.SetSubItem(row, EventList::HappensTo, "Bunny");
-    list.SetSubItem(row, EventList::DoAnimation, "Walk");
-    EXPECT_EQ(events.cellLook(*row, EventList::HappensTo).Warning,
-              "there is no object called Bunny in the scene");
-    EXPECT_EQ(events.cellLook(*row, EventList::DoAnimation).Warning,
-              "there is no animation called Walk");
 }

@@ -212,6 +212,9 @@ TEST_F(Builder, TheListsOwnMenuMakesARowAndWhatIsGoneShowsAndIsTold) {
     const QModelIndex animation = view->model()->index(2, EventList::DoAnimation);
     EXPECT_EQ(animation.data(Qt::ForegroundRole).value<QColor>(), QColor(Qt::red));
     EXPECT_EQ(animation.data(Qt::ToolTipRole).toString(), "there is no animation called Walk");
+    events.ListView1().SetSubItem(row, EventList::HappensTo, "Bunny");
+    EXPECT_EQ(view->model()->index(2, EventList::HappensTo).data(Qt::ToolTipRole).toString(),
+              "there is no object called Bunny in the scene");
     // and is itself again once the animation comes.
     script.RenameAnimation(script.TreeView1().FirstRoot(), "Walk");
     EXPECT_FALSE(animation.data(Qt::ForegroundRole).isValid());
