@@ -216,7 +216,10 @@ TreeNode* TreeUndoLog::UndoChanged(const PathWalk& walk, Side from, Side to, int
         SaveText(to, node);
         if (IsAnimationText(node->Text()))
             animationNames_.Rename(AnimationName(node->Text()), AnimationName(copy->Text()));
-        // The Key stays: an undone rename of an animation keeps the new key.
+        // An animation takes back the key of its name, unless another has taken it, so
+        // that its rows and the Python still find it by name.
+        if (!node->Parent() && !copy->Tag().isEmpty() && !tree_.NodeByKey(copy->Tag()))
+            tree_.SetKey(node, copy->Tag());
         tree_.SetText(node, copy->Text());
         // A block's kind may have changed back, and its children's icons with it.
         RefreshChildIcons(node);

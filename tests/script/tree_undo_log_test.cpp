@@ -124,7 +124,7 @@ TEST_F(Undo, TheOnlyAnimationComesBackIntoTheEmptyTreeWithItsKey) {
     EXPECT_EQ(script.AnimationNames().Text(), "Action1");
 }
 
-TEST_F(Undo, ChangesGoBackNewestFirstAndAnAnimationRenameKeepsItsNewKey) {
+TEST_F(Undo, ChangesGoBackNewestFirstAndAnUndoneRenameGivesTheKeyBack) {
     TreeNode* line = AddLine(action1, "Camera.Move(Forward, 1, more...)");
     script.UndoLog(UndoOperation::Changed, line);
     tree.SetText(line, "Camera.Move(Left, 1, more...)");
@@ -144,7 +144,7 @@ TEST_F(Undo, ChangesGoBackNewestFirstAndAnAnimationRenameKeepsItsNewKey) {
     script.UndoFromLog();
     EXPECT_EQ(host.eventUndos, 3);
     EXPECT_EQ(action1->Text(), "Action1 = DoInOrder");
-    EXPECT_EQ(action1->Key(), "walk");
+    EXPECT_EQ(action1->Key(), "action1");
     EXPECT_EQ(script.AnimationNames().Text(), "Action1");
 }
 
