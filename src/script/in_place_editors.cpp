@@ -206,6 +206,7 @@ void ObjectPicker::StartTreeWidget(const ScriptRequest& request, Picked picked) 
     if (picked_) {
         TreeNode* anywhere = treeWidget_.AddRoot(QString(), QStringLiteral("AnyWhere"));
         treeWidget_.SetTag(anywhere, QStringLiteral("AnyWhere"));
+        treeWidget_.SetImage(anywhere, root->Image()); // a place, as the scene is
         if (text::Same(request.Value, QStringLiteral("AnyWhere")))
             treeWidget_.SetSelectedItem(anywhere);
     }
