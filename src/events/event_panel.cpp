@@ -116,8 +116,8 @@ void EventPanel::guarded(const std::function<void()>& work) {
 
 bool EventPanel::eventFilter(QObject* watched, QEvent* event) {
     if (watched == listView1_ && event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
         const auto* press = static_cast<QKeyEvent*>(event);
+        const int key = press->key();
         if (key == Qt::Key_Menu ||
             (key == Qt::Key_F10 && press->modifiers() == Qt::ShiftModifier)) {
             ListView1_MenuKey();
