@@ -11,6 +11,7 @@ class QuietHost : public ScriptHost {
 public:
     void scriptModified() override {}
     void LVUndoFromLog() override {}
+    void LVRedoFromLog() override {}
     int ReplaceInListView(const QString&, const QString&) override { return 0; }
     bool FindInListView(const QString&) override { return false; }
     int RemoveFromListView(const QString&) override { return 0; }

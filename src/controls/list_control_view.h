@@ -15,6 +15,7 @@ public:
     ~ListControlView() override;
 
     ListControl& List() const { return list_; }
+    ListItemModel& ItemModel() { return model_; }
 
 private:
     void SelectedItemChanged(ListRow* row) override;

@@ -4,11 +4,22 @@
 
 #include <QAbstractTableModel>
 
+#include <functional>
+
 namespace vessa {
+
+// How a cell of a list reads aloud, and what is wrong with it, if anything: a cell with
+// a warning shows in red and tells the warning as its tip and after its text.
+struct CellLook {
+    QString Spoken;
+    QString Warning;
+};
+using CellLooks = std::function<CellLook(const ListRow& row, int column)>;
 
 // Shows a ListControl to Qt's item views: one row per list row, one column per header.
 // A column without a header reads, to assistive technology, as the whole row: each
-// other column's header and text, "When: KeyDown (Space Bar), Happens To: Bunny".
+// other column's header and what it reads, "When: Key A down, Happens To: Bunny".
+// Without looks a cell reads as its text and nothing is wrong with it.
 class ListItemModel : public QAbstractTableModel, private ListObserver {
     Q_OBJECT
 public:
@@ -21,6 +32,9 @@ public:
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
+    void setCellLooks(CellLooks looks);
+    // Asks again how every cell looks: what the looks depend on has changed.
+    void refreshLooks();
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:
@@ -33,7 +47,10 @@ private:
     void AboutToClear() override;
     void Cleared() override;
 
+    CellLook LookOf(const ListRow& row, int column) const;
+
     ListControl& list_; // Not owned.
+    CellLooks looks_;
 };
 
 } // namespace vessa

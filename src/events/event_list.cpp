@@ -14,6 +14,14 @@ const QString NoObject = QStringLiteral("- - -");
 const QString LeftMouseButtonDown = QStringLiteral("LeftMouseButtonDown");
 const QString AnyWhere = QStringLiteral("AnyWhere");
 
+// The scene's object whose full name is name, case ignored, anywhere in the tree.
+bool sceneHas(const TreeNode* node, const QString& name) {
+    for (; node; node = node->Next())
+        if (text::Same(node->Tag(), name) || sceneHas(node->Child(), name))
+            return true;
+    return false;
+}
+
 ScriptRequest Request(ScriptRequest::Kind what, int column, const QString& value) {
     ScriptRequest request;
     request.What = what;
@@ -23,6 +31,31 @@ ScriptRequest Request(ScriptRequest::Kind what, int column, const QString& value
 }
 
 } // namespace
+
+QString SpokenCondition(const QString& when) {
+    const qsizetype bracket = when.indexOf(QStringLiteral(" ("));
+    if (text::Like(when, u"Key*") && bracket > 0 && when.endsWith(u')')) {
+        QString key = when.mid(bracket + 2, when.size() - bracket - 3);
+        if (key.startsWith(u'"'))
+            key = key.section(u'"', 1, 1);
+        else
+            key.remove(QStringLiteral("The ")).remove(u'\'').remove(QStringLiteral(" Key"));
+        const QString way = when.left(bracket).mid(3).toLower();
+        return QStringLiteral("Key ") + (key.isEmpty() ? QStringLiteral("(none)") : key) + u' ' +
+               way;
+    }
+    if (when.contains(u' '))
+        return when;
+    // "LeftMouseButtonDown": a word at each capital, the first one's capital kept.
+    QString spoken;
+    for (QChar c : when) {
+        if (c.isUpper() && !spoken.isEmpty())
+            spoken += u' ' + c.toLower();
+        else
+            spoken += c;
+    }
+    return spoken;
+}
 
 EventList::EventList(ScriptModel& script)
     : script_(script), listView1_({QString(), QStringLiteral("When"), QStringLiteral("Happens To"),
@@ -93,6 +126,9 @@ void EventList::DeleteRow(const ListRow* row) {
 
 ScriptRequest EventList::ListView1_MouseUp(Qt::MouseButton button, ListRow* row, int column) {
     currentRowKey_ = row ? row->Key() : QString();
+    // The list's own menu, wherever the right button falls.
+    if (button == Qt::RightButton)
+        return Request(ScriptRequest::Kind::EventListMenu, column, QString());
     if (button != Qt::LeftButton || !row || column < When || column > DoAnimation)
         return {};
     listView1_.SetSelectedItem(row);
@@ -159,8 +195,32 @@ int EventList::RemoveFromListView(const QString& name) {
     return removed;
 }
 
-void EventList::LVUndoLog(EventUndoLog& log, EventUndoOperation operation, const ListRow* row) {
-    script_.Host().scriptModified();
+CellLook EventList::cellLook(const ListRow& row, int column) const {
+    const QString text = row.SubItems(column);
+    switch (column) {
+    case When:
+        return {SpokenCondition(text), {}};
+    case HappensTo:
+        if (text == NoObject)
+            return {QStringLiteral("nothing"), {}};
+        if (text::Same(text, AnyWhere))
+            return {QStringLiteral("Anywhere"), {}};
+        if (!sceneHas(script_.Host().sceneObjects().FirstRoot(), text))
+            return {text, QStringLiteral("there is no object called ") + text +
+                              QStringLiteral(" in the scene")};
+        return {text, {}};
+    case DoAnimation:
+        if (text.isEmpty())
+            return {QStringLiteral("no animation"), QStringLiteral("no animation is chosen")};
+        if (!script_.TreeView1().NodeByKey(text.toLower()))
+            return {text, QStringLiteral("there is no animation called ") + text};
+        return {text, {}};
+    default:
+        return {text, {}};
+    }
+}
+
+EventUndoRecord EventList::recordOf(EventUndoOperation operation, const ListRow* row) const {
     EventUndoRecord record;
     record.Operation = operation;
     record.Key = row->Key();
@@ -169,30 +229,52 @@ void EventList::LVUndoLog(EventUndoLog& log, EventUndoOperation operation, const
         record.HappensTo = row->SubItems(HappensTo);
         record.DoAnimation = row->SubItems(DoAnimation);
     }
-    log.Push(std::move(record));
+    return record;
+}
+
+void EventList::LVUndoLog(EventUndoLog& log, EventUndoOperation operation, const ListRow* row) {
+    script_.Host().scriptModified();
+    log.Push(recordOf(operation, row));
 }
 
 void EventList::LVUndoFromLog(EventUndoLog& log) {
-    const std::optional<EventUndoRecord> record = log.Pop();
-    if (!record)
-        return;
-    ListRow* row = listView1_.RowByKey(record->Key);
-    switch (record->Operation) {
-    case EventUndoOperation::Added:
-        if (row)
-            listView1_.Remove(listView1_.PositionOf(row));
-        return;
+    if (const std::optional<EventUndoRecord> record = log.Pop())
+        log.PushUndone(replay(*record));
+}
+
+void EventList::LVRedoFromLog(EventUndoLog& log) {
+    if (const std::optional<EventUndoRecord> record = log.PopRedo())
+        log.PushRedone(replay(*record));
+}
+
+EventUndoRecord EventList::replay(const EventUndoRecord& record) {
+    ListRow* row = listView1_.RowByKey(record.Key);
+    if (!row && record.Operation != EventUndoOperation::Removed) {
+        // The row went by a way no log knows of. The record stays the reverse of itself,
+        // so that the logs that count on one reverse per record stay in step.
+        if (notice_)
+            notice_(QStringLiteral("The event this would change is no longer in the list, so "
+                                   "nothing was changed."));
+        return record;
+    }
+    switch (record.Operation) {
+    case EventUndoOperation::Added: {
+        EventUndoRecord reverse = recordOf(EventUndoOperation::Removed, row);
+        listView1_.Remove(listView1_.PositionOf(row));
+        return reverse;
+    }
     case EventUndoOperation::Removed:
         // The counter stays ahead of the key, so it is free unless the row is back already.
         if (!row)
-            row = listView1_.Add(-1, record->Key);
-        break;
+            row = listView1_.Add(-1, record.Key);
+        setColumns(row, record.When, record.HappensTo, record.DoAnimation);
+        return recordOf(EventUndoOperation::Added, row);
     case EventUndoOperation::Changed:
-        if (!row)
-            return;
         break;
     }
-    setColumns(row, record->When, record->HappensTo, record->DoAnimation);
+    EventUndoRecord reverse = recordOf(EventUndoOperation::Changed, row);
+    setColumns(row, record.When, record.HappensTo, record.DoAnimation);
+    return reverse;
 }
 
 } // namespace vessa

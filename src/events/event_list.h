@@ -1,10 +1,13 @@
 #pragma once
 
 #include "controls/list_control.h"
+#include "controls/list_item_model.h"
 #include "events/event_undo_log.h"
 #include "script/script_request.h"
 
 #include <Qt>
+
+#include <functional>
 
 namespace vessa {
 
@@ -23,6 +26,10 @@ class ScriptModel;
 // script do to rows, replayed by the script's own undo. Recording a change is where the
 // world becomes modified. Animation names come from the script's tree, and clicks ask
 // for their menus through the script's requests.
+// A row's When as it is said: "Key A down" for `KeyDown ("A" key)`, "Key Space Bar up"
+// for `KeyUp (Space Bar)`, "Left mouse button down" for "LeftMouseButtonDown".
+QString SpokenCondition(const QString& when);
+
 class EventList {
 public:
     // The columns of a row, as SubItems and as the view numbers them.
@@ -58,6 +65,7 @@ public:
     // DoAnimation; anything else: outside the columns). A left click on a row selects it,
     // becomes CurrentRow and CurrentColumn, and asks for the column's editor: the
     // conditions menu, the object chooser (not for a start row), or the animations menu.
+    // A right click anywhere asks for the list's own menu.
     ScriptRequest ListView1_MouseUp(Qt::MouseButton button, ListRow* row, int column);
     // The row of the last click, nullptr once it is gone; the column of that click.
     ListRow* CurrentRow() const { return listView1_.RowByKey(currentRowKey_); }
@@ -75,12 +83,21 @@ public:
     // TreeListUndoLog. Answers how many rows went.
     int RemoveFromListView(const QString& name);
 
-    // Records what is about to happen to row, with its columns as they stand now.
+    // How a cell of the list reads aloud ("Key A down"), and whether it names an
+    // animation the script does not have or an object the scene does not have.
+    CellLook cellLook(const ListRow& row, int column) const;
+
+    // Records what is about to happen to row, with its columns as they stand now. A new
+    // change: what was undone in log can't be done again.
     void LVUndoLog(EventUndoLog& log, EventUndoOperation operation, const ListRow* row);
-    // Reverses the newest record of log, recording nothing. A removed row comes back at
-    // the end of the list under its old key. A record whose row has gone since is
-    // dropped: what it would put back went with the row.
+    // Reverses the newest record of log, recording nothing new: what undoes the undo goes
+    // to the log's redo. A removed row comes back at the end of the list under its old
+    // key. A record whose row has gone since changes nothing and is told to the notice.
     void LVUndoFromLog(EventUndoLog& log);
+    // Does again the newest change of log that was undone, the same way.
+    void LVRedoFromLog(EventUndoLog& log);
+    // Who is told, in words for the user, when an undo or redo finds its row gone.
+    void setNotice(std::function<void(const QString&)> notice) { notice_ = std::move(notice); }
 
 private:
     ListRow* addRowKeyed(const QString& keyWord, const QString& when, const QString& happensTo,
@@ -88,6 +105,9 @@ private:
     void setColumns(ListRow* row, const QString& when, const QString& happensTo,
                     const QString& animation);
     QString newestAnimation() const;
+    EventUndoRecord recordOf(EventUndoOperation operation, const ListRow* row) const;
+    // Carries out record and answers the record that reverses it.
+    EventUndoRecord replay(const EventUndoRecord& record);
 
     ScriptModel& script_; // Not owned.
     ListControl listView1_;
@@ -96,6 +116,7 @@ private:
     EventUndoLog treeListUndoLog_;
     QString currentRowKey_;
     int currentColumn_ = 0;
+    std::function<void(const QString&)> notice_;
 };
 
 } // namespace vessa

@@ -5,6 +5,7 @@
 #include "controls/list_control_view.h"
 #include "controls/node_ref.h"
 #include "events/event_list.h"
+#include "events/event_menus_view.h"
 #include "script/script_host.h"
 #include "script/script_model.h"
 
@@ -14,6 +15,7 @@
 #include <QDropEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QToolButton>
@@ -26,7 +28,8 @@ namespace vessa {
 
 EventPanel::EventPanel(EventList& list, const TreeControl& objectTree2, QWidget* parent)
     : QWidget(parent), list_(list), objectTree2_(objectTree2), makeEvent_(new QToolButton(this)),
-      listView1_(new ListControlView(list.ListView1(), this)) {
+      listView1_(new ListControlView(list.ListView1(), this)),
+      menusView_(new EventMenusView(list, *listView1_, this)) {
     setObjectName(QStringLiteral("EventPanel"));
     makeEvent_->setObjectName(QStringLiteral("MakeEvent"));
     makeEvent_->setText(tr("Make Event"));
@@ -52,34 +55,57 @@ EventPanel::EventPanel(EventList& list, const TreeControl& objectTree2, QWidget*
     layout->addWidget(listView1_, 1);
     applyAccessibleNames(this);
 
+    listView1_->ItemModel().setCellLooks(
+        [this](const ListRow& row, int column) { return list_.cellLook(row, column); });
     list_.Script().TreeView1().AddObserver(this);
-    list_.ListUndoLog().setWatcher([this](bool canUndo) { Q_EMIT listUndoAvailable(canUndo); });
-    showMakeEventEnabled();
+    list_.ListUndoLog().setWatcher([this](bool, bool) { Q_EMIT listHistoryChanged(); });
+    list_.setNotice([this](const QString& message) { tellGone(message); });
+    showScriptChanged();
 }
 
 EventPanel::~EventPanel() {
+    list_.setNotice({});
     list_.ListUndoLog().setWatcher({});
     list_.Script().TreeView1().RemoveObserver(this);
 }
 
 void EventPanel::NodeAdded(TreeNode*) {
-    showMakeEventEnabled();
+    showScriptChanged();
 }
 
 void EventPanel::NodeRemoved() {
-    showMakeEventEnabled();
+    showScriptChanged();
+}
+
+void EventPanel::NodeChanged(TreeNode* node) {
+    // Only an animation's name can make a row's animation come or go.
+    if (!node->Parent())
+        showScriptChanged();
 }
 
 void EventPanel::Cleared() {
-    showMakeEventEnabled();
+    showScriptChanged();
 }
 
-void EventPanel::showMakeEventEnabled() {
+void EventPanel::showScriptChanged() {
     makeEvent_->setEnabled(list_.Script().TreeView1().RootCount() > 0);
+    listView1_->ItemModel().refreshLooks();
+}
+
+void EventPanel::tellGone(const QString& message) {
+    auto* box = new QMessageBox(QMessageBox::Information, QStringLiteral("Undo"), message,
+                                QMessageBox::Ok, this);
+    box->setObjectName(QStringLiteral("EventGoneBox"));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }
 
 void EventPanel::LVUndoFromLog() {
     guarded([this] { list_.LVUndoFromLog(list_.ListUndoLog()); });
+}
+
+void EventPanel::LVRedoFromLog() {
+    guarded([this] { list_.LVRedoFromLog(list_.ListUndoLog()); });
 }
 
 void EventPanel::guarded(const std::function<void()>& work) {
@@ -93,7 +119,13 @@ void EventPanel::guarded(const std::function<void()>& work) {
 
 bool EventPanel::eventFilter(QObject* watched, QEvent* event) {
     if (watched == listView1_ && event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
+        const auto* press = static_cast<QKeyEvent*>(event);
+        const int key = press->key();
+        if (key == Qt::Key_Menu ||
+            (key == Qt::Key_F10 && press->modifiers() == Qt::ShiftModifier)) {
+            ListView1_MenuKey();
+            return true;
+        }
         if (key == Qt::Key_Backspace) {
             if (const ListRow* row = list_.ListView1().SelectedItem())
                 guarded([&] { list_.DeleteRow(row); });
@@ -175,6 +207,20 @@ void EventPanel::ListView1_KeyDown(int key) {
         listView1_->visualRect(listView1_->model()->index(position, column)).center();
     guarded([&] {
         ScriptRequest request = list_.ListView1_MouseUp(Qt::LeftButton, row, column);
+        request.TreePoint = point;
+        routeRequest(request);
+    });
+}
+
+void EventPanel::ListView1_MenuKey() {
+    // The menu opens at the selected row, or at the top of the list when none is.
+    ListRow* row = list_.ListView1().SelectedItem();
+    const int position = list_.ListView1().PositionOf(row);
+    const QPoint point =
+        position < 0 ? QPoint(0, 0)
+                     : listView1_->visualRect(listView1_->model()->index(position, 1)).center();
+    guarded([&] {
+        ScriptRequest request = list_.ListView1_MouseUp(Qt::RightButton, row, EventList::When);
         request.TreePoint = point;
         routeRequest(request);
     });

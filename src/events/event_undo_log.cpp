@@ -2,28 +2,55 @@
 
 namespace vessa {
 
+namespace {
+
+std::optional<EventUndoRecord> takeNewest(std::vector<EventUndoRecord>& records) {
+    if (records.empty())
+        return std::nullopt;
+    EventUndoRecord newest = std::move(records.back());
+    records.pop_back();
+    return newest;
+}
+
+} // namespace
+
 void EventUndoLog::Push(EventUndoRecord record) {
-    records_.push_back(std::move(record));
+    undo_.push_back(std::move(record));
+    redo_.clear();
     changed();
 }
 
 std::optional<EventUndoRecord> EventUndoLog::Pop() {
-    if (records_.empty())
-        return std::nullopt;
-    EventUndoRecord newest = std::move(records_.back());
-    records_.pop_back();
+    std::optional<EventUndoRecord> newest = takeNewest(undo_);
     changed();
     return newest;
 }
 
+std::optional<EventUndoRecord> EventUndoLog::PopRedo() {
+    std::optional<EventUndoRecord> newest = takeNewest(redo_);
+    changed();
+    return newest;
+}
+
+void EventUndoLog::PushUndone(EventUndoRecord reverse) {
+    redo_.push_back(std::move(reverse));
+    changed();
+}
+
+void EventUndoLog::PushRedone(EventUndoRecord reverse) {
+    undo_.push_back(std::move(reverse));
+    changed();
+}
+
 void EventUndoLog::Clear() {
-    records_.clear();
+    undo_.clear();
+    redo_.clear();
     changed();
 }
 
 void EventUndoLog::changed() {
     if (watcher_)
-        watcher_(!records_.empty());
+        watcher_(!undo_.empty(), !redo_.empty());
 }
 
 } // namespace vessa

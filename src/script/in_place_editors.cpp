@@ -185,14 +185,15 @@ EditorAnswer TextInputBox::value(const QString& text, const QString& label) {
 
 // -- ObjectPicker -------------------------------------------------------------------------
 
-void ObjectPicker::StartTreeWidget(const ScriptRequest& request) {
+void ObjectPicker::StartTreeWidget(const ScriptRequest& request, Picked picked) {
     const ParseState& parse = model_.Parse();
     oneShot_ = request.OneShot;
     kind_ = parse.ClickedKind;
+    picked_ = std::move(picked);
     // An object can't point at itself.
     const int command = oneShot_ ? state_.PendingCommand : parse.ParsedCommand;
     QString excluded;
-    if (kind_ == AsSeenByKind && command == PointAtCommand)
+    if (!picked_ && kind_ == AsSeenByKind && command == PointAtCommand)
         excluded = oneShot_ ? state_.MenuObject : parse.ParsedObject;
 
     treeWidget_.Clear();
@@ -202,6 +203,13 @@ void ObjectPicker::StartTreeWidget(const ScriptRequest& request) {
         AddNodes(root, scene,
                  {.KeepExpanded = true, .ExcludedTag = excluded, .WantedTag = request.Value});
     treeWidget_.SetExpanded(root, true);
+    if (picked_) {
+        TreeNode* anywhere = treeWidget_.AddRoot(QString(), QStringLiteral("AnyWhere"));
+        treeWidget_.SetTag(anywhere, QStringLiteral("AnyWhere"));
+        treeWidget_.SetImage(anywhere, root->Image()); // a place, as the scene is
+        if (text::Same(request.Value, QStringLiteral("AnyWhere")))
+            treeWidget_.SetSelectedItem(anywhere);
+    }
     if (!treeWidget_.SelectedItem())
         treeWidget_.SetSelectedItem(root);
 }
@@ -210,6 +218,10 @@ EditorAnswer ObjectPicker::TreeWidget_MouseUp(TreeNode* node) {
     if (!node || node->ForeColor() == kGreyedOut)
         return {false, QString()};
     const QString& object = node->Tag();
+    if (picked_) {
+        picked_(object);
+        return {};
+    }
     if (oneShot_) {
         model_.Host().runTool(
             oneShotStatement(state_, object),

@@ -49,13 +49,18 @@ QString valueRefusal(int kind, const QString& text, const QStringList& sounds);
 
 // The tree that pops up to pick an object (TreeWidget): the scene's objects, the scene
 // on top, the current choice selected. An object that can't be chosen here is grey: the
-// one that would point at itself.
+// one that would point at itself. What it picks goes into the line clicked, runs in the
+// scene at once, or, for an event row, goes to whoever asked, with "AnyWhere" offered
+// below the scene.
 class ObjectPicker {
 public:
+    using Picked = std::function<void(const QString& objectName)>;
+
     ObjectPicker(ScriptModel& model, MenuState& state) : model_(model), state_(state) {}
 
     TreeControl& TreeWidget() { return treeWidget_; }
-    void StartTreeWidget(const ScriptRequest& request);
+    // picked: where the choice goes instead of the script, if anywhere.
+    void StartTreeWidget(const ScriptRequest& request, Picked picked = {});
 
     // The node chosen: a grey node or none is no choice and the picker stays; otherwise
     // the object goes into the line, or the command with it runs in the scene.
@@ -72,6 +77,7 @@ private:
     TreeControl treeWidget_;
     bool oneShot_ = false;
     int kind_ = 0;
+    Picked picked_;
 };
 
 } // namespace vessa

@@ -21,6 +21,9 @@ public:
     // tree change that renamed or removed event rows carries how many of their records
     // to undo before it.
     virtual void LVUndoFromLog() = 0;
+    // Does again one record of that log that an undo reversed: a tree change undone and
+    // done again carries its rows with it.
+    virtual void LVRedoFromLog() = 0;
     // An animation was renamed: the event rows that do it follow, each recorded in that
     // log. Answers how many rows changed.
     virtual int ReplaceInListView(const QString& oldName, const QString& newName) = 0;

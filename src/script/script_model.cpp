@@ -134,18 +134,16 @@ void ScriptModel::AfterLabelEdit(TreeNode* node, const QString& text) {
 }
 
 bool ScriptModel::RenameAnimation(TreeNode* root, const QString& newName) {
-    try {
-        treeView1_.SetKey(root, newName.toLower());
-    } catch (const RunTimeError& error) {
-        if (error.number() != RunTimeError::KeyNotUnique)
-            throw;
+    const QString key = newName.toLower();
+    if (const TreeNode* holder = treeView1_.NodeByKey(key); holder && holder != root)
         return false;
-    }
     const QString& line = root->Text();
     const QString oldName = AnimationName(line);
-    // The rows' records go first, so that undo finds them on top when it replays them.
+    // The rows' records go first, so that undo finds them on top when it replays them;
+    // the tree's record keeps the old key, which undo gives back.
     const int rows = host_.ReplaceInListView(oldName, newName);
     UndoLog(UndoOperation::Changed, root, nullptr, rows);
+    treeView1_.SetKey(root, key);
     treeView1_.SetText(root, newName + line.mid(oldName.size()));
     animationNames_.Rename(oldName, newName);
     return true;

@@ -101,8 +101,9 @@ public:
     void UndoLog(UndoOperation operation, const TreeNode* node, const TreeNode* otherNode = nullptr,
                  int count = 0);
     void UndoFromLog() { undo_.UndoFromLog(); }
+    void RedoFromLog() { undo_.RedoFromLog(); }
     const TreeUndoLog& TreeUndoRecords() const { return undo_; }
-    // Told whenever the undo log gains or loses a record.
+    // Told whenever the undo log gains or loses a record, to undo or to redo.
     void setUndoListener(std::function<void()> listener) {
         undo_.setChangeListener(std::move(listener));
     }

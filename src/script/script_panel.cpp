@@ -366,6 +366,10 @@ void ScriptPanel::UndoFromLog() {
     Guarded([this] { model_.UndoFromLog(); });
 }
 
+void ScriptPanel::RedoFromLog() {
+    Guarded([this] { model_.RedoFromLog(); });
+}
+
 void ScriptPanel::Guarded(const std::function<void()>& work) {
     // A failure ends the handler and is reported; it never reaches the event loop.
     try {

@@ -69,6 +69,8 @@ protected:
 public Q_SLOTS:
     // Reverses the newest recorded change of the script.
     void UndoFromLog();
+    // Does again the newest change of the script that was undone.
+    void RedoFromLog();
 
 private:
     void connectTree(TreeControlView& view);

@@ -51,9 +51,11 @@ struct ScriptRequest {
         ObjectMenu,   // the action menu of the object named Value, at the mouse
         ObjectRename, // ask for a new name of the object named Value
         // The editors of the event list's CurrentRow, column Number, whose text is Value:
-        EventConditionMenu, // later: the conditions
-        EventObjectPicker,  // later: who it happens to, with "AnyWhere"; Value to select
-        EventResponseMenu,  // later: the animations, one of Rows each
+        EventConditionMenu, // the conditions
+        EventObjectPicker,  // who it happens to, with "AnyWhere"; Value to select
+        EventResponseMenu,  // the animations, one of Rows each
+        EventKeyCapture,    // the key to wait for, pressed: Title "KeyDown" or "KeyUp"
+        EventListMenu,      // the list's own menu, which makes a row
     };
 
     Kind What = Kind::None;

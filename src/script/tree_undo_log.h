@@ -22,13 +22,17 @@ enum class UndoOperation : int {
     Expansion = 5, // the node was opened or closed
 };
 
-// The script tree's undo history: text records, newest first, that address nodes by
-// path since undo re-creates nodes, and saved copies of nodes under the root "UndoMe"
-// of a hidden tree, newest last, in the order of the records that need one. There is
-// no redo. Recording a change is also where the world becomes modified.
+// The script tree's history: text records that address nodes by path since undo
+// re-creates nodes, and saved copies of nodes in a hidden tree, newest last, in the
+// order of the records that need one. Two stacks of the same records: what can be
+// undone, with its copies under the root "UndoMe", and what was undone and can be done
+// again, with its copies under "RedoMe". Replaying a record reverses it and writes the
+// record that reverses that on the other stack; a new change empties the redo stack.
+// Recording a change is also where the world becomes modified.
 //
 // A record reads "<operation>,<path>,<count>", or "4,<newPath>,<oldPath>,<count>" for a
-// move; count is how many records of the event list's log undo replays first.
+// move; count is how many records of the event list's log go with it: an undo replays
+// them first, a redo after.
 class TreeUndoLog {
 public:
     TreeUndoLog(TreeControl& tree, TreeControl& junkyard, AnimationNameList& animationNames,
@@ -41,31 +45,41 @@ public:
     // a way the log does not know of, nodes go back as near their place as the path
     // allows. A malformed count fails with RunTimeError::TypeMismatch.
     void UndoFromLog();
+    // Does again the newest change undone; nothing when there is none.
+    void RedoFromLog();
 
-    bool IsEmpty() const { return records_.isEmpty(); }
+    bool IsEmpty() const { return records_[Undo].isEmpty(); }
+    bool CanRedo() const { return !records_[Redo].isEmpty(); }
     // Told after every record added or taken, so that whoever offers undo can say
     // whether there is anything to undo.
     void setChangeListener(std::function<void()> listener) { listener_ = std::move(listener); }
-    // The records, newest first, each ended by CR LF.
+    // The records to undo, newest first, each ended by CR LF.
     QString Text() const;
     void Clear();
 
 private:
-    TreeNode* UndoMe();
-    TreeNode* SaveCopy();
-    TreeNode* LastCopy() const;
-    void DropCopy(TreeNode* copy);
+    enum Side { Undo = 0, Redo = 1 };
+
+    void record(Side side, UndoOperation operation, const QString& paths, int count);
+    TreeNode* CopiesOf(Side side);
+    TreeNode* SaveCopy(Side side);
+    TreeNode* LastCopy(Side side);
+    void SaveSubtree(Side side, const TreeNode* node);
+    void SaveText(Side side, const TreeNode* node);
+    void DropCopies(Side side);
+    void replay(Side from);
     TreeNode* Restore(const PathWalk& walk, TreeNode* copy);
-    TreeNode* UndoAdded(const PathWalk& walk);
-    TreeNode* UndoRemoved(const PathWalk& walk);
-    TreeNode* UndoChanged(const PathWalk& walk);
-    TreeNode* UndoMoved(const PathWalk& walk, const QString& oldPath);
+    TreeNode* UndoAdded(const PathWalk& walk, Side to, int count);
+    TreeNode* UndoRemoved(const PathWalk& walk, Side from, Side to, int count);
+    TreeNode* UndoChanged(const PathWalk& walk, Side from, Side to, int count);
+    TreeNode* UndoMoved(const PathWalk& walk, const QString& newPath, const QString& oldPath,
+                        Side from, Side to, int count);
 
     TreeControl& tree_;                 // Not owned.
     TreeControl& junkyard_;             // Not owned.
     AnimationNameList& animationNames_; // Not owned.
     ScriptHost& host_;                  // Not owned.
-    QStringList records_;               // oldest first
+    QStringList records_[2];            // oldest first
     std::function<void()> listener_;
 };
 

@@ -31,6 +31,7 @@
 #include <QChildEvent>
 #include <QCloseEvent>
 #include <QFrame>
+#include <QHBoxLayout>
 #include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -100,6 +101,7 @@ const MenuSpec kMenus[] = {
     {"EditMenuButton",
      "&Edit",
      {{"EditUndoTextMenuButton", "&Undo Changes to Script"},
+      {"EditRedoTextMenuButton", "&Redo Changes to Script"},
       {"", ""},
       {"EditCutMenuButton", "Cu&t"},
       {"EditCopyMenuButton", "&Copy"},
@@ -288,8 +290,9 @@ void MainForm::UndoButton_MouseUp() {
     }
 }
 
-// The undo of what the user edits on the tab shown, from the Edit menu and from the
-// button over the script: the script's log, or on the events tab the event rows' log.
+// The undo and redo of what the user edits on the tab shown, from the Edit menu, the
+// keys and the buttons over the script: the script's log, or on the events tab the event
+// rows' log. Each log keeps its own history while the other tab shows.
 void MainForm::EditUndoTextMenuButton_Click() {
     if (world_.status().SceneScriptTab() == 2)
         eventPanel_->LVUndoFromLog();
@@ -297,10 +300,22 @@ void MainForm::EditUndoTextMenuButton_Click() {
         scriptPanel_->UndoFromLog();
 }
 
+void MainForm::EditRedoTextMenuButton_Click() {
+    if (world_.status().SceneScriptTab() == 2)
+        eventPanel_->LVRedoFromLog();
+    else
+        scriptPanel_->RedoFromLog();
+}
+
 void MainForm::showScriptUndoAvailable() {
-    scriptUndoButton_->setEnabled(world_.status().SceneScriptTab() == 2
-                                      ? !world_.events().ListUndoLog().IsEmpty()
-                                      : !world_.script().TreeUndoRecords().IsEmpty());
+    const bool events = world_.status().SceneScriptTab() == 2;
+    scriptUndoButton_->setEnabled(events ? !world_.events().ListUndoLog().IsEmpty()
+                                         : !world_.script().TreeUndoRecords().IsEmpty());
+    const bool canRedo = world_.status().SceneScriptTab() != 0 &&
+                         (events ? world_.events().ListUndoLog().CanRedo()
+                                 : world_.script().TreeUndoRecords().CanRedo());
+    scriptRedoButton_->setEnabled(canRedo);
+    enableMenuItems({"EditRedoTextMenuButton"}, canRedo);
 }
 
 // The tab bar over the two panels: the opening scene, and the script that the
@@ -323,7 +338,11 @@ QWidget* MainForm::buildScriptTabs() {
             &MainForm::EditUndoTextMenuButton_Click);
     // Made before the script, so that Tab reaches the events before the script below them.
     eventPanel_ = new EventPanel(world_.events(), world_.trees().ObjectTree2, area);
-    connect(eventPanel_, &EventPanel::listUndoAvailable, this,
+    scriptRedoButton_ = makeUndoButton(QStringLiteral("ScriptRedoButton"), area);
+    scriptRedoButton_->setIcon(style()->standardIcon(QStyle::SP_ArrowForward));
+    connect(scriptRedoButton_, &QToolButton::clicked, this,
+            &MainForm::EditRedoTextMenuButton_Click);
+    connect(eventPanel_, &EventPanel::listHistoryChanged, this,
             [this] { showScriptUndoAvailable(); });
     scriptPanel_ = new ScriptPanel(world_.script(), area);
     auto* scriptTab = new QWidget(area);
@@ -407,6 +426,10 @@ void MainForm::buildMenus() {
     findChild<QMenu*>(QStringLiteral("SiteSpecificMenuButton"))->menuAction()->setVisible(false);
     findChild<QAction*>(QStringLiteral("EditUndoTextMenuButton"))->setShortcut(QKeySequence::Undo);
     connectMenuCommand("EditUndoTextMenuButton", [this] { EditUndoTextMenuButton_Click(); });
+    findChild<QAction*>(QStringLiteral("EditRedoTextMenuButton"))
+        ->setShortcuts(
+            {QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+    connectMenuCommand("EditRedoTextMenuButton", [this] { EditRedoTextMenuButton_Click(); });
     QAction* exit = findChild<QAction*>(QStringLiteral("FileExitMenuButton"));
     exit->setEnabled(true);
     exit->setShortcut(QKeySequence::Quit);
@@ -454,6 +477,7 @@ void MainForm::orderTabStops() {
                              findChild<QWidget*>(QStringLiteral("AddSoundsButton")),
                              lastAddingButton_,
                              scriptUndoButton_,
+                             scriptRedoButton_,
                              performScriptButton_,
                              trafficLightImage_,
                              trashCan_,

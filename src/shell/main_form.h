@@ -162,6 +162,8 @@ private:
     void UndoButton_MouseUp();
     // Undoes the newest change of the tab's own log: the script's, or the event rows'.
     void EditUndoTextMenuButton_Click();
+    // Does again what the tab's own log undid last.
+    void EditRedoTextMenuButton_Click();
     void showScriptUndoAvailable();
     void IdleTimer_Timer();
     void connectFileCommands();
@@ -187,6 +189,7 @@ private:
     ScenePanel* scenePanel_ = nullptr;
     QToolButton* undoButton_ = nullptr;          // on the opening scene: the engine's undo
     QToolButton* scriptUndoButton_ = nullptr;    // on the script's tabs: the tab's own undo
+    QToolButton* scriptRedoButton_ = nullptr;    // beside it: the tab's own redo
     AddingCommands* adding_ = nullptr;           // Owned by Qt.
     QWidget* lastAddingButton_ = nullptr;        // the camera view comes after it
     TrashCan* trashCan_ = nullptr;               // beside the script's undo

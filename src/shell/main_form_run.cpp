@@ -78,6 +78,7 @@ QWidget* MainForm::buildRunControls(QWidget* parent) {
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(scriptUndoButton_);
+    layout->addWidget(scriptRedoButton_);
     layout->addWidget(performScriptButton_);
     layout->addWidget(trafficLightImage_);
     layout->addStretch();

@@ -91,6 +91,10 @@ void OpenWorld::LVUndoFromLog() {
     events_.LVUndoFromLog(events_.TreeListUndoLog());
 }
 
+void OpenWorld::LVRedoFromLog() {
+    events_.LVRedoFromLog(events_.TreeListUndoLog());
+}
+
 int OpenWorld::ReplaceInListView(const QString& oldName, const QString& newName) {
     return events_.ReplaceInListView(oldName, newName);
 }

@@ -75,6 +75,7 @@ public:
     // ScriptHost
     void scriptModified() override { status_.markModified(); }
     void LVUndoFromLog() override;
+    void LVRedoFromLog() override;
     int ReplaceInListView(const QString& oldName, const QString& newName) override;
     bool FindInListView(const QString& name) override { return events_.FindInListView(name); }
     int RemoveFromListView(const QString& name) override {

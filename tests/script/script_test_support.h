@@ -19,6 +19,7 @@ class FakeScriptHost : public ScriptHost {
 public:
     void scriptModified() override { ++modifications; }
     void LVUndoFromLog() override { ++eventUndos; }
+    void LVRedoFromLog() override { ++eventRedos; }
     int ReplaceInListView(const QString& oldName, const QString& newName) override {
         animationRenames << oldName + QStringLiteral(" -> ") + newName;
         return eventRowsOfRenamedAnimation;
@@ -53,6 +54,7 @@ public:
 
     int modifications = 0;
     int eventUndos = 0;
+    int eventRedos = 0;
     QStringList animationRenames;        // "old -> new", as the event list was told
     int eventRowsOfRenamedAnimation = 0; // what the event list answers
     QStringList animationsWithRows;      // in lower case: the animations event rows do

@@ -124,7 +124,7 @@ TEST_F(Undo, TheOnlyAnimationComesBackIntoTheEmptyTreeWithItsKey) {
     EXPECT_EQ(script.AnimationNames().Text(), "Action1");
 }
 
-TEST_F(Undo, ChangesGoBackNewestFirstAndAnAnimationRenameKeepsItsNewKey) {
+TEST_F(Undo, ChangesGoBackNewestFirstAndAnUndoneRenameGivesTheKeyBack) {
     TreeNode* line = AddLine(action1, "Camera.Move(Forward, 1, more...)");
     script.UndoLog(UndoOperation::Changed, line);
     tree.SetText(line, "Camera.Move(Left, 1, more...)");
@@ -144,7 +144,7 @@ TEST_F(Undo, ChangesGoBackNewestFirstAndAnAnimationRenameKeepsItsNewKey) {
     script.UndoFromLog();
     EXPECT_EQ(host.eventUndos, 3);
     EXPECT_EQ(action1->Text(), "Action1 = DoInOrder");
-    EXPECT_EQ(action1->Key(), "walk");
+    EXPECT_EQ(action1->Key(), "action1");
     EXPECT_EQ(script.AnimationNames().Text(), "Action1");
 }
 
@@ -234,4 +234,40 @@ TEST_F(Undo, AnyRunOfEditsIsUndoneToTheSameScript) {
         ASSERT_EQ(Whole(), before) << "run " << run;
         ASSERT_EQ(Copies(), 0);
     }
+}
+
+// Each record replays both ways: what an undo took back, a redo does again, with the
+// rows of the event list after the tree, in the same text records.
+TEST_F(Undo, RedoDoesAgainWhatWasUndoneAndANewChangeEndsIt) {
+    TreeNode* block = AddLine(action1, "DoTogether");
+    AddLine(block, "A.Wait(1)");
+    TreeNode* target = AddLine(action1, "DoInOrder");
+    ASSERT_TRUE(Move(block, target, Relation::Child));
+    script.UndoLog(UndoOperation::Changed, action1, nullptr, 2);
+    tree.SetText(action1, "Walk = DoInOrder");
+    const std::string done = Whole();
+    for (int undo = 0; undo < 5; ++undo)
+        script.UndoFromLog();
+    EXPECT_EQ(tree.FirstRoot()->Children(), 0);
+    EXPECT_EQ(host.eventUndos, 2);
+    // The records to redo are the same text records, the way back of each.
+    EXPECT_TRUE(script.TreeUndoRecords().IsEmpty());
+    ASSERT_TRUE(script.TreeUndoRecords().CanRedo());
+    for (int redo = 0; redo < 5; ++redo)
+        script.RedoFromLog();
+    EXPECT_EQ(Whole(), done);
+    EXPECT_EQ(host.eventRedos, 2);
+    EXPECT_FALSE(script.TreeUndoRecords().CanRedo());
+    EXPECT_EQ(script.TreeUndoRecords().Text().section("\r\n", 0, 0), "3,0,2");
+
+    script.UndoFromLog();
+    script.UndoFromLog();
+    AddLine(tree.FirstRoot(), "C.Wait(1)"); // a new change: what was undone stays undone
+    EXPECT_FALSE(script.TreeUndoRecords().CanRedo());
+    script.RedoFromLog();
+    EXPECT_EQ(tree.FirstRoot()->Text(), "Action1 = DoInOrder");
+    // Nothing is left of the saved copies of the redo side.
+    const TreeNode* redoCopies = script.junkyard2().FirstRoot()->Next();
+    ASSERT_TRUE(redoCopies);
+    EXPECT_EQ(redoCopies->Children(), 0);
 }

@@ -248,3 +248,51 @@ TEST(EventsTab, TheEditMenusUndoAndTheUndoButtonTakeBackEventRowsThere) {
     undoFromTheEditMenu();
     EXPECT_EQ(h.world.script().TreeView1().RootCount(), 1);
 }
+
+TEST(EventsTab, RedoFollowsTheTabAndEachLogKeepsItsOwnHistory) {
+    MainFormHarness h;
+    h.form->show();
+    QApplication::setActiveWindow(h.form.get());
+    auto* tabs = h.form->findChild<QTabBar*>(QStringLiteral("SwitchTab"));
+    auto* undoButton = h.form->findChild<QToolButton*>(QStringLiteral("ScriptUndoButton"));
+    auto* redoButton = h.form->findChild<QToolButton*>(QStringLiteral("ScriptRedoButton"));
+    ASSERT_TRUE(redoButton);
+    EXPECT_EQ(redoButton->accessibleName(), QStringLiteral("Redo Changes to Script"));
+    const ListControl& rows = h.world.events().ListView1();
+    TreeControl& tree = h.world.script().TreeView1();
+    const auto keys = [&](QKeyCombination combination) {
+        QTest::keyClick(h.form.get(), combination.key(), combination.keyboardModifiers());
+    };
+
+    // A row made and undone on the events tab; a new animation made and undone on the
+    // animations tab.
+    QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(2).center());
+    QTest::mouseClick(&h.form->eventPanel().MakeEventButton(), Qt::LeftButton);
+    keys(Qt::CTRL | Qt::Key_Z);
+    ASSERT_EQ(rows.Count(), 1);
+    EXPECT_TRUE(redoButton->isEnabled());
+    QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());
+    EXPECT_FALSE(redoButton->isEnabled()); // the script has nothing undone yet
+    h.world.script().AddNewAnimation();
+    QTest::mouseClick(undoButton, Qt::LeftButton);
+    ASSERT_EQ(tree.RootCount(), 1);
+
+    // Redo on each tab does the tab's own change again, by key, button or menu.
+    keys(Qt::CTRL | Qt::Key_Y);
+    EXPECT_EQ(tree.RootCount(), 2);
+    EXPECT_EQ(rows.Count(), 1);
+    EXPECT_FALSE(redoButton->isEnabled());
+    QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(2).center());
+    EXPECT_TRUE(redoButton->isEnabled());
+    keys(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
+    EXPECT_EQ(rows.Count(), 2);
+    EXPECT_EQ(tree.RootCount(), 2);
+    QTest::mouseClick(undoButton, Qt::LeftButton);
+    QTest::mouseClick(redoButton, Qt::LeftButton);
+    EXPECT_EQ(rows.Count(), 2);
+    auto* redo = h.form->findChild<QAction*>(QStringLiteral("EditRedoTextMenuButton"));
+    EXPECT_FALSE(redo->isEnabled());
+
+    // Tab reaches the redo button right after the undo button.
+    EXPECT_EQ(undoButton->nextInFocusChain(), redoButton);
+}

@@ -1,5 +1,9 @@
 #include "world/open_world.h"
 
+#include "events/event_menus.h"
+#include "world/python_generator.h"
+#include "world/world_script_file.h"
+
 #include "support/recording_view.h"
 #include "support/scripted_engine.h"
 
@@ -103,4 +107,37 @@ TEST(EventRows, AnAnimationsRenameTakesItsRowsAlongAndTheScriptsUndoBringsThemBa
     EXPECT_FALSE(script.RenameAnimation(action1, QStringLiteral("ACTION2")));
     EXPECT_EQ(action1->Text(), QStringLiteral("Action1 = DoInOrder"));
     EXPECT_TRUE(events.TreeListUndoLog().IsEmpty());
+}
+
+// A row changed from the event menus reaches the world's Python and its tree script
+// file; an animation renamed takes its rows along, and undo and redo of the rename bring
+// both back and forth together.
+TEST(EventRows, MenuChangesReachThePythonAndTheFileAndTheScriptsUndoAndRedoCarryThem) {
+    World w;
+    ScriptModel& script = w.world.script();
+    EventList& events = w.world.events();
+    EventMenus menus(events);
+    const auto python = [&] {
+        return MakePythonScript(script.TreeView1(), events.ListView1(), QString()).text;
+    };
+    const auto file = [&] {
+        return MakeTVscript(script.TreeView1(), events.ListView1(), QString()).text;
+    };
+    ListRow* row = events.MakeEvent();
+    events.ListView1_MouseUp(Qt::LeftButton, row, EventList::When);
+    menus.mnuKeyDown_Click(QStringLiteral("KeyDown"), QStringLiteral("Others..."));
+    menus.keyPressed(QStringLiteral("KeyDown"), QStringLiteral("q"));
+    EXPECT_TRUE(python().contains(QStringLiteral("ev.key == \"Q\"")));
+    EXPECT_TRUE(file().contains(QStringLiteral("KeyDown (\"Q\" key)")));
+
+    script.RenameAnimation(script.TreeView1().FirstRoot(), QStringLiteral("Hop"));
+    EXPECT_TRUE(python().contains(QStringLiteral("TVDef_KeyDown_Hop")));
+    script.UndoFromLog();
+    EXPECT_EQ(row->SubItems(EventList::DoAnimation), QStringLiteral("Action1"));
+    EXPECT_FALSE(file().contains(QStringLiteral("Hop")));
+    script.RedoFromLog();
+    EXPECT_EQ(row->SubItems(EventList::DoAnimation), QStringLiteral("Hop"));
+    EXPECT_EQ(events.ListView1().Row(0)->SubItems(EventList::DoAnimation), QStringLiteral("Hop"));
+    EXPECT_TRUE(python().contains(QStringLiteral("TVDef_KeyDown_Hop")));
+    EXPECT_TRUE(file().contains(QStringLiteral("Hop")));
 }
