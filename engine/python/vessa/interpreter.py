@@ -12,7 +12,7 @@ import tempfile
 from . import backend as backends
 from . import geometry as g
 from . import backups, compat, events, models, namespace, places, policy, records, reports
-from . import scenefile, sounds
+from . import scenefile, sounds, webpage
 from .animation import Animator
 from .capture import Capture
 from .clock import ManualClock, WallClock
@@ -27,12 +27,12 @@ from .watchdog import Watchdog
 
 VERSION = "0.1.0"
 
-# Methods of the gateway whose work is still to come (the web export, archive
-# import and the code box's on-the-fly run): each answers that it is not
+# Methods of the gateway whose work is still to come (archive import and the
+# code box's on-the-fly run): each answers that it is not
 # available, never a success for work it did not do.
 NOT_YET = (
     "PreserveDefaultCameraPOV", "OnTheFlyButton",
-    "ImportVESFile", "SaveForPlugin",
+    "ImportVESFile",
 )
 
 THUMBNAIL = "world_thumbnail.bmp"
@@ -298,6 +298,22 @@ class Interpreter:
         policy.configure(world=folder)
         # The world is saved; a picture that can't be written costs it nothing.
         self.backend.save_picture(os.path.join(folder, THUMBNAIL))
+        return None
+
+    def SaveForPlugin(self, folder, page, width, height, position, navigator, player):
+        """Writes the web page that plays the saved world in folder: page
+        (an .html or .htm file), its view width x height pixels, placed
+        "Left", "Center" or "Right", with the camera controls when navigator
+        is true; the player's files are in the folder player beside it. The
+        shapes of the world's models go beside the page, as its name with
+        ".models.json"; the archive <name>.ves is the front end's."""
+        try:
+            webpage.write(self.scene.living(), self.backend, str(folder), page, width, height,
+                          position, navigator, player)
+        except webpage.PageError as exc:
+            return str(exc)
+        except OSError as exc:
+            return "SaveForPlugin: %s can't be written: %s" % (page, exc.strerror)
         return None
 
     def SaveThumbnail(self, folder, width, height):
