@@ -7,8 +7,9 @@
 
 namespace vessa {
 
-FolderCopy copyFolderFiles(const QString& from, const QString& to,
+FolderCopy copyFolderFiles(const QString& source, const QString& to,
                            const std::function<bool(double)>& going) {
+    const QString from = QFileInfo(source).absoluteFilePath();
     QStringList files;
     QDirIterator entries(from, QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot,
                          QDirIterator::Subdirectories);

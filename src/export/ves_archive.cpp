@@ -13,7 +13,8 @@ namespace vessa {
 namespace {
 
 // The world's files, by their paths from the folder with "/" between folders.
-QStringList filesOf(const QString& worldFolder, const QStringList& leaveOut) {
+QStringList filesOf(const QString& folder, const QStringList& leaveOut) {
+    const QString worldFolder = QFileInfo(folder).absoluteFilePath();
     QStringList files;
     const QDir world(worldFolder);
     QDirIterator entries(worldFolder, QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot,

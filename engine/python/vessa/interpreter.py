@@ -5,6 +5,7 @@ lists. A call that can fail answers None on success and the failure text
 otherwise; user code never fails a call: its errors go out as records.
 """
 
+import json
 import math
 import os
 import tempfile
@@ -36,6 +37,7 @@ NOT_YET = (
 )
 
 THUMBNAIL = "world_thumbnail.bmp"
+STATE_CHANNELS = backends.CHANNELS
 PICTURE_SIDES = (1, 4096)       # pixels a side of a picture drawn on request
 NEW_OBJECT_PLACE = (0.0, 0.0, 0.0)     # the middle of the world, on the ground
 
@@ -299,6 +301,18 @@ class Interpreter:
         # The world is saved; a picture that can't be written costs it nothing.
         self.backend.save_picture(os.path.join(folder, THUMBNAIL))
         return None
+
+    def GetObjectStates(self):
+        """Every living object by name, as JSON text: its position, turn,
+        size and colour (each relative to its parent) and whether it is
+        shown. What two runs of one world (the desktop's, a web page's) are
+        compared by."""
+        states = {}
+        for thing in self.scene.living():
+            state = {c: list(self.backend.get(thing.id, c)) for c in STATE_CHANNELS}
+            state["visible"] = bool(self.backend.get_style(thing.id, "visible"))
+            states[thing.name] = state
+        return json.dumps(states, sort_keys=True)
 
     def SaveForPlugin(self, folder, page, width, height, position, navigator, player):
         """Writes the web page that plays the saved world in folder: page

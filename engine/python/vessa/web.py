@@ -6,7 +6,6 @@ module converts values between the two languages); nothing here is imported
 on the desktop. The page calls start() and then, each frame, Interpreter.Loop().
 """
 
-import json
 import os
 
 from .interpreter import Interpreter
@@ -169,16 +168,3 @@ def _script_path(folder):
             return os.path.join(folder, name)
     return None
 
-
-def object_states(engine):
-    """Every living object by name, as JSON text: its position, turn, size
-    and colour (each relative to its parent) and whether it is shown. What
-    two runs of one world are compared by."""
-    backend = engine.backend
-    states = {}
-    for thing in engine.scene.living():
-        state = {c: list(backend.get(thing.id, c)) for c in ("position", "orientation", "size",
-                                                            "color")}
-        state["visible"] = bool(backend.get_style(thing.id, "visible"))
-        states[thing.name] = state
-    return json.dumps(states, sort_keys=True)

@@ -48,7 +48,7 @@ export async function load(options) {
                      { filename: "<Init>" });
     const web = python.pyimport("vessa.web");
     const engine = web.start(backend, WORLD, Boolean(options.manualClock));
-    const objects = () => JSON.parse(web.object_states(engine));
+    const objects = () => JSON.parse(engine.GetObjectStates());
     return { python, engine, backend, objects };
 }
 
