@@ -40,6 +40,8 @@ public:
     int SaveChangesPrompt();
     void CleanUpAndExit();
     void setIdleTimerInterval(int ms);
+    // Answers whether the world was saved.
+    bool FileSaveMenuButton_Click();
 
     // Shows tab 0 (opening scene), 1 (animations) or 2 (events). Leaving the
     // opening scene keeps its state aside in the engine; coming back puts it back.
@@ -91,8 +93,6 @@ private:
     void EditUndoTextMenuButton_Click();
     void showScriptUndoAvailable();
     void IdleTimer_Timer();
-    // Answers whether the world was saved.
-    bool FileSaveMenuButton_Click();
 
     AppState& state_;
     EngineLink& engine_;

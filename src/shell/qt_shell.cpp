@@ -6,7 +6,9 @@
 #include "shell/render_form.h"
 #include "shell/splash_screen.h"
 #include "shell/view_hosts.h"
+#include "shell/web_page_command.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QScreen>
 #include <QTimer>
@@ -74,6 +76,16 @@ void QtShell::pumpEventsWaiting(int maxWaitMs) {
 void QtShell::createMainForm() {
     createRenderForm();
     mainForm_ = std::make_unique<MainForm>(state_, engine_, reporter_, *renderForm_, world_);
+    // Until a world can be saved as another, saving it is the only way.
+    const auto save = [this] {
+        return mainForm_->FileSaveMenuButton_Click();
+    };
+    webPageCommand_ = std::make_unique<WebPageCommand>(mainForm_.get(), state_, engine_, reporter_,
+                                                       world_, save, save);
+    auto* saveAsWWW = mainForm_->findChild<QAction*>(QStringLiteral("FileSaveAsWWWMenuButton"));
+    saveAsWWW->setEnabled(true);
+    QObject::connect(saveAsWWW, &QAction::triggered, mainForm_.get(),
+                     [this] { webPageCommand_->FileSaveAsWWWMenuButton_Click(); });
 }
 
 void QtShell::createRenderForm() {

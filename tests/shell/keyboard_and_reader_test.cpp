@@ -2,6 +2,7 @@
 // names and roles that assistive technology reads in-process, and the Tab order.
 #include "controls/accessible_names.h"
 #include "controls/tree_control_view.h"
+#include "export/web_forms.h"
 #include "scene/scene_panel.h"
 #include "script/script_panel.h"
 #include "shell/error_form.h"
@@ -13,6 +14,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDir>
 #include <QLabel>
 #include <QMenu>
 #include <QSet>
@@ -186,7 +188,11 @@ TEST(ScreenReader, TheListNamesOnlyControlsThatExistAndEveryShownControlHasAName
     ErrorForm error(ErrorFormContent{}, [] { return QString(); });
     HelpForm help;
     SplashScreen splash;
-    QList<QWidget*> widgets = {h.form.get(), &h.renderForm, &error, &help, &splash};
+    PreWebSaveForm preWebSave;
+    WebForm web;
+    WebSaveForm webSave(QDir::homePath());
+    QList<QWidget*> widgets = {h.form.get(), &h.renderForm, &error, &help,
+                               &splash,      &preWebSave,   &web,   &webSave};
     for (QWidget* window : QList<QWidget*>(widgets))
         widgets << window->findChildren<QWidget*>();
     QSet<QString> made;
