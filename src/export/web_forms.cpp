@@ -109,11 +109,11 @@ WebForm::WebForm(QWidget* parent) : QDialog(parent) {
         field->installEventFilter(this);
     connect(WidthField, &QLineEdit::textEdited, this, [this](const QString& text) {
         options_.setWidthText(text);
-        show(options_);
+        showOptions(options_);
     });
     connect(HeightField, &QLineEdit::textEdited, this, [this](const QString& text) {
         options_.setHeightText(text);
-        show(options_);
+        showOptions(options_);
     });
     connect(AspectCheck, &QCheckBox::toggled, this, [this](bool on) {
         if (!showing_)
@@ -130,7 +130,7 @@ void WebForm::preset(bool centre) {
     options_.preset();
     if (centre)
         Option_Click(1);
-    show(options_);
+    showOptions(options_);
 }
 
 void WebForm::Option_Click(int index) {
@@ -139,7 +139,7 @@ void WebForm::Option_Click(int index) {
         chosen->setChecked(true);
 }
 
-void WebForm::show(const WebPageOptions& options) {
+void WebForm::showOptions(const WebPageOptions& options) {
     showing_ = true;
     if (WidthField->text() != options.widthText())
         WidthField->setText(options.widthText());
@@ -204,6 +204,7 @@ WebSaveForm::WebSaveForm(QString desktop, QWidget* parent)
     layout->addWidget(okCancel(this));
 
     connect(DriveList, &QComboBox::textActivated, this, &WebSaveForm::setFolder);
+    connect(folders_, &QFileSystemModel::directoryLoaded, this, &WebSaveForm::reveal);
     connect(DirList, &QTreeView::clicked, this,
             [this](const QModelIndex& index) { folder_ = folders_->filePath(index); });
     connect(desktopButton, &QPushButton::clicked, this, [this] { setFolder(desktop_); });
@@ -219,15 +220,22 @@ WebSaveForm::WebSaveForm(QString desktop, QWidget* parent)
 
 void WebSaveForm::setFolder(const QString& folder) {
     folder_ = QDir::cleanPath(folder);
-    const QModelIndex at = folders_->index(folder_);
-    if (at.isValid()) {
-        DirList->setCurrentIndex(at);
-        DirList->scrollTo(at);
-    }
+    reveal();
     for (int i = 0; i < DriveList->count(); ++i) {
         if (folder_.startsWith(DriveList->itemText(i)))
             DriveList->setCurrentIndex(i);
     }
+}
+
+// The chosen folder, opened to in the list; again as the list reads its folders.
+void WebSaveForm::reveal() {
+    const QModelIndex at = folders_->index(folder_);
+    if (!at.isValid())
+        return;
+    for (QModelIndex up = at.parent(); up.isValid(); up = up.parent())
+        DirList->expand(up);
+    DirList->setCurrentIndex(at);
+    DirList->scrollTo(at);
 }
 
 void WebSaveForm::setFileName(const QString& name) {

@@ -39,7 +39,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void show(const WebPageOptions& options);
+    void showOptions(const WebPageOptions& options);
 
     WebPageOptions options_;
     QLineEdit* WidthField;
@@ -66,6 +66,8 @@ public:
     void accept() override;
 
 private:
+    void reveal();
+
     QString desktop_;
     QComboBox* DriveList;
     QTreeView* DirList;
