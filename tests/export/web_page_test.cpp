@@ -156,6 +156,8 @@ TEST(WebPage, AClickOnTheObjectStartsItsAnimationInTheBrowser) {
     EXPECT_DOUBLE_EQ(y(seen[QStringLiteral("before")].toObject()), 0.5);
     EXPECT_GT(y(seen[QStringLiteral("after")].toObject()), 1.4);
     EXPECT_GT(QFileInfo(picture).size(), 0);
+    EXPECT_TRUE(seen[QStringLiteral("elsewhere")].toArray().isEmpty())
+        << QJsonDocument(seen[QStringLiteral("elsewhere")].toArray()).toJson().toStdString();
 }
 
 // The desktop's engine through the gateway, on a clock that moves only when told.

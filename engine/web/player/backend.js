@@ -16,7 +16,8 @@ THREE.ColorManagement.enabled = false;
 const FIELD_OF_VIEW_DEGREES = 50;
 const NEAR = 0.05;
 const FAR = 2000;
-const SKY = new THREE.Color(0.78, 0.87, 0.96);
+const SKY_HORIZON = [0.78, 0.87, 0.96];
+const SKY_TOP = [0.30, 0.52, 0.84];
 const AMBIENT = 0.32;
 const FILL = 0.45;
 const FILL_DIRECTION = new THREE.Vector3(0.35, 1.0, -0.55);
@@ -38,7 +39,7 @@ export class WebBackend {
         this.input = [];
         this.frameTimes = [];
         this.scene = new THREE.Scene();
-        this.scene.background = SKY;
+        this.scene.background = skyTexture();
         this.scene.add(new THREE.AmbientLight(0xffffff, AMBIENT * Math.PI));
         const fill = new THREE.DirectionalLight(0xffffff, FILL * Math.PI);
         fill.position.copy(FILL_DIRECTION);
@@ -446,6 +447,23 @@ export class WebBackend {
         }).catch(() => {});
         return null;
     }
+}
+
+// The sky behind the world, from the horizon's colour at the bottom of the
+// view to the top's at the top, as the desktop draws it.
+function skyTexture() {
+    const rows = 64;
+    const pixels = new Uint8Array(rows * 4);
+    for (let row = 0; row < rows; row++) {
+        const t = row / (rows - 1);
+        for (let c = 0; c < 3; c++)
+            pixels[row * 4 + c] = Math.round(255 * (SKY_HORIZON[c] + (SKY_TOP[c] - SKY_HORIZON[c]) * t));
+        pixels[row * 4 + 3] = 255;
+    }
+    const texture = new THREE.DataTexture(pixels, 1, rows);
+    texture.magFilter = THREE.LinearFilter;
+    texture.needsUpdate = true;
+    return texture;
 }
 
 function meshesOf(shape) {

@@ -4,6 +4,7 @@
 //   browse.mjs click URL OBJECT SCREENSHOT   clicks OBJECT, waits for it to move
 //   browse.mjs steps URL                     what the page at URL found (window.found)
 //   browse.mjs timing URL SECONDS            cold start to first frame, frames a second
+// Requests to any address but the page's own are refused and listed (elsewhere).
 // VESSA_WEB_MODULES names the npm packages' folder (puppeteer-core).
 import { createRequire } from "node:module";
 
@@ -42,7 +43,18 @@ async function screenPointOf(page, name) {
 try {
     const page = await browser.newPage();
     await page.setViewport({ width: 800, height: 600 });
-    const out = {};
+    const out = { elsewhere: [] };
+    // The page works offline: whatever it asks of another address is refused and told.
+    const served = new URL(url).origin;
+    await page.setRequestInterception(true);
+    page.on("request", (request) => {
+        if (new URL(request.url()).origin === served || request.url().startsWith("data:")) {
+            request.continue();
+        } else {
+            out.elsewhere.push(request.url());
+            request.abort();
+        }
+    });
     if (action === "click") {
         const [name, screenshot] = rest;
         await page.goto(url);
