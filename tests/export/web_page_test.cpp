@@ -158,6 +158,16 @@ TEST(WebPage, AClickOnTheObjectStartsItsAnimationInTheBrowser) {
     EXPECT_GT(QFileInfo(picture).size(), 0);
     EXPECT_TRUE(seen[QStringLiteral("elsewhere")].toArray().isEmpty())
         << QJsonDocument(seen[QStringLiteral("elsewhere")].toArray()).toJson().toStdString();
+
+    // The up arrow held on the view drives the camera forward, as on the desktop.
+    const QJsonObject driven =
+        browse({QStringLiteral("key"), server.url(QStringLiteral("Hop.html")),
+                QStringLiteral("ArrowUp"), QStringLiteral("1500")});
+    const auto z = [](const QJsonValue& camera) {
+        return camera.toObject()[QStringLiteral("position")].toArray().at(2).toDouble();
+    };
+    EXPECT_DOUBLE_EQ(z(driven[QStringLiteral("before")]), -8.0);
+    EXPECT_GT(z(driven[QStringLiteral("after")]), -7.5);
 }
 
 // The desktop's engine through the gateway, on a clock that moves only when told.

@@ -17,28 +17,21 @@ SCRIPT_FILE = "world_script.py"
 HAND_EDITED_MARKER = "### Everything below this line is hand-edited Python Code ###"
 
 
+# JavaScript's null as the browser's Python gives it (not None); set by start().
+_js_null = None
+
+
 def _plain(value):
-    """A JavaScript answer as the engine's values: arrays become tuples."""
+    """A JavaScript answer as the engine's values: arrays become tuples, null None."""
+    if value is _js_null:
+        return None
     if hasattr(value, "to_py"):
         value = value.to_py()
     if isinstance(value, list):
         return tuple(_plain(x) for x in value)
     if isinstance(value, dict):
-        return {k: (_plain(v) if k != "parts" else [_plain_part(p) for p in v])
-                for k, v in value.items()}
+        return {k: _plain(v) for k, v in value.items()}
     return value
-
-
-def _plain_part(part):
-    return {k: _plain(v) for k, v in part.items()}
-
-
-def _event(event):
-    event = event.to_py() if hasattr(event, "to_py") else dict(event)
-    for key in ("point", "ray"):
-        if event.get(key) is not None:
-            event[key] = _plain(event[key])
-    return event
 
 
 class WebBackend:
@@ -50,8 +43,8 @@ class WebBackend:
         self._js, self._to_js, self._js_error = page_backend, to_js, js_error
 
     def _call(self, name, *args):
-        return getattr(self._js, name)(*(self._to_js(a) if isinstance(a, (tuple, list, dict))
-                                         else a for a in args))
+        return _plain(getattr(self._js, name)(*(self._to_js(a) if isinstance(a, (tuple, list, dict))
+                                                else a for a in args)))
 
     def add_node(self, node_id, values, kind="model"):
         self._call("add_node", node_id, {k: list(v) for k, v in values.items()}, kind)
@@ -60,7 +53,7 @@ class WebBackend:
         self._call("remove_node", node_id)
 
     def get(self, node_id, channel):
-        return _plain(self._call("get", node_id, channel))
+        return self._call("get", node_id, channel)
 
     def set(self, node_id, channel, value):
         self._call("set", node_id, channel, [float(x) for x in value])
@@ -69,7 +62,7 @@ class WebBackend:
         self._call("set_parent", node_id, parent_id)
 
     def bounds(self, node_id):
-        return _plain(self._call("bounds", node_id))
+        return self._call("bounds", node_id)
 
     def get_style(self, node_id, style):
         return self._call("get_style", node_id, style)
@@ -85,30 +78,29 @@ class WebBackend:
         self._call("cancel", tween_id)
 
     def step(self, now):
-        return list(_plain(self._call("step", float(now))))
+        return list(self._call("step", float(now)))
 
     def tween_count(self):
         return self._call("tween_count")
 
     def poll_input(self):
-        return [_event(e) for e in self._call("poll_input")]
+        return [dict(event) for event in self._call("poll_input")]
 
     def first_hit(self, origin, direction, max_distance):
         return self._call("first_hit", list(origin), list(direction), float(max_distance))
 
     def screen_size(self):
-        return _plain(self._call("screen_size"))
+        return self._call("screen_size")
 
     def model_formats(self):
-        return list(_plain(self._call("model_formats")))
+        return list(self._call("model_formats"))
 
     def load_model(self, path):
         try:
             model = self._call("load_model", str(path))
         except self._js_error as exc:
             raise ValueError(str(exc.message if hasattr(exc, "message") else exc)) from None
-        model = _plain(model)
-        return {"name": model["name"], "parts": model["parts"],
+        return {"name": model["name"], "parts": list(model["parts"]),
                 "files": list(model["files"]), "missing": list(model["missing"])}
 
     def store_model(self, path, parts):
@@ -134,9 +126,11 @@ def start(page_backend, folder, manual_clock=False):
     """Loads the world in folder over the page's backend and runs its
     Python as a run does: the generated lines, then the code box's. With
     manual_clock the world's time moves only by AdvanceClock."""
-    from pyodide.ffi import JsException, to_js
+    from pyodide.ffi import JsException, jsnull, to_js
     from js import Object
 
+    global _js_null
+    _js_null = jsnull
     engine = Interpreter(backend=WebBackend(
         page_backend, lambda v: to_js(v, dict_converter=Object.fromEntries), JsException))
     if manual_clock:

@@ -101,7 +101,7 @@ export class WebBackend {
         this.state.setParent(id, parentId);
         const group = this.objects.get(id).group;
         group.removeFromParent();
-        if (parentId !== null)
+        if (parentId !== null && parentId !== undefined)
             this.objects.get(parentId).group.add(group);
         else if (this.state.node(id).kind === "scene")
             this.scene.add(group);

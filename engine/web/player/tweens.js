@@ -103,7 +103,9 @@ export class WorldState {
         this.node(id).styles[style] = FLAG_STYLES.has(style) ? Boolean(value) : String(value);
     }
 
-    setParent(id, parentId) {
+    // Python's None comes as undefined: no parent either way.
+    setParent(id, parent) {
+        const parentId = parent ?? null;
         if (parentId !== null && !this.nodes.has(parentId))
             throw new Error(`no node ${parentId}`);
         this.node(id).parent = parentId;
@@ -133,7 +135,7 @@ export class WorldState {
     addTween(nodeId, channel, delta, start, duration, style) {
         const id = this.nextTween++;
         const ease = EASING[String(style).toLowerCase()] ?? EASING.gently;
-        this.tweens.set(id, new Tween(nodeId, channel, Array.from(delta ?? [], Number), start,
+        this.tweens.set(id, new Tween(nodeId ?? null, channel, Array.from(delta ?? [], Number), start,
                                       Math.max(Number(duration), 0), ease));
         return id;
     }

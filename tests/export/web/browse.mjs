@@ -2,6 +2,8 @@
 // WebGL, and does one thing with it as a user (or a stopwatch) would;
 // prints what it found as JSON on the standard output.
 //   browse.mjs click URL OBJECT SCREENSHOT   clicks OBJECT, waits for it to move
+//   browse.mjs key URL KEY MS                holds KEY (a name puppeteer knows) MS
+//                                            milliseconds on the view; the camera before and after
 //   browse.mjs steps URL                     what the page at URL found (window.found)
 //   browse.mjs timing URL SECONDS            cold start to first frame, frames a second
 // Requests to any address but the page's own are refused and listed (elsewhere).
@@ -70,6 +72,18 @@ try {
         out.clickedAt = at;
         if (screenshot)
             await page.screenshot({ path: screenshot });
+    } else if (action === "key") {
+        const [key, ms] = rest;
+        await page.goto(url);
+        await ready(page);
+        out.before = (await page.evaluate(() => window.vessa47.objects())).Camera;
+        await page.focus("canvas");
+        await page.keyboard.down(key);
+        await new Promise((done) => setTimeout(done, Number(ms)));
+        await page.keyboard.up(key);
+        await page.waitForFunction((n) => window.vessa47.frames > n, { timeout: 20000 },
+                                   await page.evaluate(() => window.vessa47.frames) + 2);
+        out.after = (await page.evaluate(() => window.vessa47.objects())).Camera;
     } else if (action === "steps") {
         await page.goto(url);
         await page.waitForFunction(() => window.found, { timeout: WAIT_MS, polling: 50 });
