@@ -35,5 +35,5 @@ fi
 web=engine/web
 if [[ ! -f $web/node_modules/.package-lock.json || $web/package-lock.json -nt $web/node_modules/.package-lock.json ]]; then
     echo "Installing the web player's npm packages"
-    (cd $web && PUPPETEER_SKIP_DOWNLOAD=1 npm ci --no-audit --no-fund --loglevel=error)
+    (cd $web && npm ci --no-audit --no-fund --loglevel=error)
 fi

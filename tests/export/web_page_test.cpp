@@ -221,8 +221,9 @@ void expectSameStates(const QJsonObject& desktop, const QJsonObject& page, int s
 TEST(WebPage, OneWorldDoesTheSameOnTheDesktopAndInThePage) {
     if (!browserAtHand())
         GTEST_SKIP() << "no Chromium or puppeteer-core (tools/install-deps.sh installs them)";
-    // Moves, turns, a roll, a colour, hiding and showing, a resize, the camera, and a
-    // gallery object of many parts walking while its tail turns.
+    // Moves, turns, a roll, a colour, hiding and showing, a resize, a new parent, an
+    // object destroyed, the camera, and a gallery object of many parts walking while
+    // its tail turns.
     World world(QStringLiteral("Dance"), kBox + "Object(kind='model', name='Bunny', "
                                                 "parent='Scene', firstclass=True, "
                                                 "position=(2.0, 0.0, 0.0), model='Bunny.mdl#0')\n");
@@ -235,7 +236,8 @@ TEST(WebPage, OneWorldDoesTheSameOnTheDesktopAndInThePage) {
                 "    DoTogether(Box.Roll(Right, 0.5, Duration=2), Camera.Move(Forward, 1, "
                 "Duration=1.5, Style=abruptly)),\n"
                 "    Box.Show(),\n"
-                "    Box.Resize(InAllDirections, 2, Duration=0.5))\n"
+                "    Box.Resize(InAllDirections, 2, Duration=0.5),\n"
+                "    Box.BecomeChildOf(Bunny, Duration=0.5), Light.Destroy())\n"
                 "Dance.Start()\n"
                 "DoTogether(Bunny.Move(Left, 2, Duration=3), Bunny.Turn(Right, 0.5, Duration=3),\n"
                 "           Bunny.Tail.Turn(Left, 2, Duration=2, Style=BeginGently)).Start()\n");
@@ -264,8 +266,10 @@ TEST(WebPage, OneWorldDoesTheSameOnTheDesktopAndInThePage) {
             desktop.step(kSeconds);
         expectSameStates(desktop.states(), inPage[step].toObject(), step);
     }
-    // The world did move: the box ended twice its size, the bunny two meters on.
+    // The world did move: the box ended twice its size, the bunny two meters on, the
+    // light gone.
     const QJsonObject last = inPage[kSteps].toObject();
+    EXPECT_FALSE(last.contains(QStringLiteral("Light")));
     EXPECT_NEAR(
         last[QStringLiteral("Box")].toObject()[QStringLiteral("size")].toArray()[0].toDouble(), 2.0,
         1e-9);
