@@ -52,13 +52,15 @@ export async function load(options) {
     return { python, engine, backend, objects };
 }
 
-// What the page shows of the engine's records: its printed output and the
-// mistakes of the world, in the status line.
+// What the page shows of the engine's records in its status line: the
+// world's printed output, and what went wrong in its code.
 function report(engine, status) {
     const records = engine.PollForMiscDifferences().toJs();
     for (const record of records) {
-        if ((record[0] === "output" || record[0] === "error") && status && String(record[1]).trim())
-            status.textContent = String(record[1]).trim().split("\n").pop();
+        const kind = record[0];
+        const text = String(record[1] ?? "").trim();
+        if (status && text && (kind === "output" || kind === "popuperrordialog"))
+            status.textContent = text.split("\n").pop();
     }
 }
 
@@ -87,8 +89,11 @@ export async function play(options) {
             options.status.textContent = "";
         const frame = () => {
             const failure = engine.Loop();
-            if (failure)
+            if (failure) {
                 page.failure = failure;
+                if (options.status)
+                    options.status.textContent = "This world stopped: " + failure.trim().split("\n").pop();
+            }
             report(engine, options.status);
             backend.draw();
             page.frames += 1;
