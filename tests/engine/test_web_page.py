@@ -107,3 +107,33 @@ def test_the_object_states_name_every_living_object(clocked):
     assert states["Camera"]["position"] == [0.0, 2.0, 0.0]
     assert states["Camera"]["visible"] is True
     assert set(states["Camera"]) == {"position", "orientation", "size", "color", "visible"}
+
+
+def test_the_pages_backend_gives_the_engine_its_own_kind_of_values(monkeypatch):
+    """The page's JavaScript answers arrays and its own null; the engine must
+    see tuples and None (a held arrow key once met null as a distance)."""
+    null = object()
+    monkeypatch.setattr(web, "_js_null", null)
+
+    class Page:
+        def get(self, node_id, channel):
+            return [1.0, 2.0, 3.0]
+
+        def first_hit(self, origin, direction, max_distance):
+            return null
+
+        def poll_input(self):
+            return [{"kind": "LeftMouseDown", "node": null, "point": null,
+                     "ray": [[0.0, 0.0, -8.0], [0.0, 0.0, 1.0]]}]
+
+        def load_model(self, path):
+            raise RuntimeError("%s can't be read: it did not come with the page" % path)
+
+    backend = web.WebBackend(Page(), to_js=lambda value: value, js_error=RuntimeError)
+    assert backend.get(1, "position") == (1.0, 2.0, 3.0)
+    assert backend.first_hit((0, 0, 0), (0, 0, 1), 5.0) is None
+    (event,) = backend.poll_input()
+    assert event["node"] is None and event["point"] is None
+    assert event["ray"] == ((0.0, 0.0, -8.0), (0.0, 0.0, 1.0))
+    with pytest.raises(ValueError, match="did not come with the page"):
+        backend.load_model("/world/Lamp.mdl")
