@@ -21,6 +21,7 @@ const SKY_TOP = [0.30, 0.52, 0.84];
 const AMBIENT = 0.32;
 const FILL = 0.45;
 const FILL_DIRECTION = new THREE.Vector3(0.35, 1.0, -0.55);
+const SCENE_LIGHT = 0.8; // a light of the world, unweakened by distance
 const DEFAULT_EYE = [0, 1.5, -8];
 
 const toThreePoint = (p) => new THREE.Vector3(-p[0], p[1], p[2]);
@@ -65,7 +66,7 @@ export class WebBackend {
         group.userData.nodeId = id;
         const made = { group, shape: null, light: null, model: null };
         if (kind === "light") {
-            made.light = new THREE.PointLight(0xffffff, 0.6 * Math.PI, 0, 0);
+            made.light = new THREE.PointLight(0xffffff, SCENE_LIGHT * Math.PI, 0, 0);
             group.add(made.light);
         }
         this.objects.set(id, made);
