@@ -147,10 +147,9 @@ void Program::createEngine() {
         try {
             engine_.attach(registry_.create(kFallbackEngineProgId));
         } catch (const RunTimeError& second) {
-            const QString why =
-                QStringLiteral("The engine could not be created.\n  %1: %2\n  %3: %4")
-                    .arg(kEngineProgId, first.description(), kFallbackEngineProgId,
-                         second.description());
+            const QString why = QStringLiteral("The engine could not be created.\n  %1: %2\n  %3: %4")
+                                    .arg(kEngineProgId, first.description(),
+                                         kFallbackEngineProgId, second.description());
             std::fprintf(stderr, "Vessa47: %s\n", qPrintable(why));
             fatal(ReportForm::B,
                   QStringLiteral("VB:MainModule:Main() Error Creating COM server object"),
