@@ -178,19 +178,6 @@ TEST_F(Export, APageSavedInTheWorldsOwnFolderIsNotPackedIntoItsArchive) {
               (QStringList{kVesManifestName, "World_Scene.py", "world_script.py"}));
 }
 
-TEST_F(Export, WhatTheEngineRefusesIsToldAndNothingIsWritten) {
-    WebExport web(engine, QStringLiteral(VESSA_HOME_DIR "/WebPlayer"));
-    WebPageRequest asked = request(site + QStringLiteral("/page.html"));
-    asked.width = 0;
-    const WebExportResult result = web.run(asked);
-    EXPECT_EQ(result.outcome, WebExportResult::Failed);
-    EXPECT_TRUE(result.message.contains(QStringLiteral("0 x 480"))) << result.message.toStdString();
-    WebExport withoutPlayer(engine, dir.filePath(QStringLiteral("nowhere")));
-    EXPECT_TRUE(withoutPlayer.run(request(site + QStringLiteral("/page.html")))
-                    .message.contains(QStringLiteral("player is missing")));
-    EXPECT_TRUE(everythingIn(site).isEmpty());
-}
-
 TEST(VesArchive, SubFoldersComeAndLinksStayOut) {
     QTemporaryDir dir;
     const QString world = dir.filePath(QStringLiteral("w"));

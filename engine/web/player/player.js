@@ -54,8 +54,13 @@ export async function load(options) {
 
 // What the page shows of the engine's records in its status line: the
 // world's printed output, and what went wrong in its code.
+// The object tree's records, which no tree here shows, are let go.
 function report(engine, status) {
-    const records = engine.PollForMiscDifferences().toJs();
+    engine.flushout();
+    engine.PollForTreeDifferences().destroy();
+    const polled = engine.PollForMiscDifferences();
+    const records = polled.toJs();
+    polled.destroy(); // a list of Python's lives until its proxy is let go
     for (const record of records) {
         const kind = record[0];
         const text = String(record[1] ?? "").trim();
