@@ -2,6 +2,7 @@
 // Each method converts Python values and hands over to vessa::core::Backend;
 // the interface itself is written down in vessa/backend.py.
 #include "facade/backend.h"
+#include "models/model_reading.h"
 #include "reading/formats.h"
 #include "sound/sound_player.h"
 
@@ -82,6 +83,29 @@ py::dict toDict(const vessa::core::Model& model) {
     d["files"] = model.files;
     d["missing"] = model.missing;
     return d;
+}
+
+// What each part of a model file is made of, for drawing it elsewhere:
+// per part a list of meshes in the file's right-handed axes.
+py::list meshesOf(const vessa::core::ModelDescription& model) {
+    py::list parts;
+    for (const auto& part : model.parts) {
+        py::list meshes;
+        for (const auto& mesh : part.meshes) {
+            py::dict d;
+            d["positions"] = mesh.positions;
+            d["normals"] = mesh.normals;
+            d["colors"] = mesh.colors;
+            d["triangles"] = mesh.triangles;
+            d["diffuse"] = mesh.look.hasMaterial ? std::vector<float>(mesh.look.diffuse.begin(),
+                                                                      mesh.look.diffuse.begin() + 3)
+                                                 : std::vector<float>{1.0f, 1.0f, 1.0f};
+            d["blended"] = mesh.look.blended;
+            meshes.append(d);
+        }
+        parts.append(meshes);
+    }
+    return parts;
 }
 
 py::dict toDict(const vessa::core::InputEvent& event) {
@@ -217,6 +241,13 @@ PYBIND11_MODULE(_backend, m) {
         .def(
             "load_model",
             [](Backend& b, const std::string& path) { return toDict(*b.models().load(path)); },
+            "path"_a)
+        .def(
+            "describe_model",
+            [](const Backend&, const std::string& path) {
+                return meshesOf(
+                    vessa::core::readDescription(path, vessa::core::ReaderProcess::shared()));
+            },
             "path"_a)
         .def("model_formats",
              [](const Backend&) {

@@ -2,6 +2,8 @@
 
 #include "base/run_time_error.h"
 #include "commandline/world_check.h"
+#include "export/folder_copy.h"
+#include "export/web_export.h"
 #include "gateway/engine_link.h"
 #include "gateway/error_reporter.h"
 #include "world/standalone_script.h"
@@ -16,6 +18,7 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QSize>
+#include <QTemporaryDir>
 
 #include <cmath>
 #include <cstdio>
@@ -27,6 +30,7 @@ namespace {
 const QString Generate = QStringLiteral("generate");
 const QString Check = QStringLiteral("check");
 const QString Thumbnail = QStringLiteral("thumbnail");
+const QString Export = QStringLiteral("export");
 
 constexpr double DefaultSeconds = 10;
 constexpr double MostSeconds = 24 * 60 * 60;
@@ -54,6 +58,7 @@ const QString Overview = QStringLiteral(
     "                      world_script.py, to the standard output\n"
     "  check WORLD...      loads and runs each world and reports its errors\n"
     "  thumbnail WORLD...  draws each world's world_thumbnail.bmp through its camera\n"
+    "  export WORLD --web OUT  writes the web page that plays the world into OUT\n"
     "\n"
     "'vessa47 COMMAND --help' tells a command's options. Exit status: 0 when all went\n"
     "well, 1 when a world has an error, 2 when the command line is wrong.");
@@ -79,6 +84,11 @@ const Command Commands[] = {
      "Draws each world through its camera into its world_thumbnail.bmp, the picture\n"
      "the world dialog shows.",
      "WORLD..."},
+    {Export,
+     "Writes the web page that plays the world, as Save As WWW Page does: WORLD.html,\n"
+     "WORLD.ves and the player's files in the folder OUT (made if missing), all of\n"
+     "which a web server serves as they are. The view is 320x240 pixels, centred.",
+     "WORLD"},
 };
 
 const Command* commandNamed(const QString& name) {
@@ -226,6 +236,69 @@ int runThumbnail(const QStringList& worlds, QSize size, const MakeEngine& makeEn
     });
 }
 
+// Exports a copy of the world, its Python freshly generated into it, so that the
+// world folder itself is not changed.
+int runExport(const QStringList& worlds, const QString& outFolder, const MakeEngine& makeEngine) {
+    if (worlds.size() != 1)
+        return badArguments(QStringLiteral("export takes one world folder"));
+    if (outFolder.isEmpty())
+        return badArguments(QStringLiteral("export needs --web OUT, the page's folder"));
+    const QString& world = worlds.front();
+    if (!isWorldFolder(world)) {
+        err(notAWorldMessage(world) + u'\n');
+        return ExitWorldError;
+    }
+    StandaloneScript script;
+    const ScriptFileRead read = script.LoadScriptFiles(world);
+    if (!read.ok()) {
+        err(read.problem.text() + u'\n');
+        return ExitWorldError;
+    }
+    const QString leaf = QFileInfo(QFileInfo(world).absoluteFilePath()).fileName();
+    QTemporaryDir copies;
+    const QString copy = copies.filePath(leaf);
+    QString failure = copyFolderFiles(world, copy).failure;
+    QFile python(fileInFolder(copy, world_files::Python));
+    const QByteArray bytes = scriptFileBytes(script.python().text);
+    if (failure.isEmpty() &&
+        (!python.open(QIODevice::WriteOnly) || python.write(bytes) != bytes.size()))
+        failure = QStringLiteral("the world's Python can't be written");
+    python.close();
+    if (failure.isEmpty() && !QDir().mkpath(outFolder))
+        failure = QStringLiteral("%1 can't be made").arg(outFolder);
+    if (!failure.isEmpty()) {
+        err(world + QStringLiteral(": ") + failure + u'\n');
+        return ExitWorldError;
+    }
+    const QString page = QDir(outFolder).absoluteFilePath(leaf + QStringLiteral(".html"));
+    return withEngine(makeEngine, [&](EngineLink& engine) {
+        WebExportResult result;
+        try {
+            asRunTimeError([&] {
+                const QVariant loaded = engine.call(QStringLiteral("LoadWorld"), {copy});
+                if (!isSuccessResult(loaded)) {
+                    result.message = loaded.toString().trimmed();
+                    return;
+                }
+                const QString home = engine.call(QStringLiteral("GetHomeDirectory")).toString();
+                WebPageRequest request;
+                request.worldFolder = copy;
+                request.pageFile = page;
+                result = WebExport(engine, QDir(home).filePath(QStringLiteral("WebPlayer")))
+                             .run(request);
+            });
+        } catch (const RunTimeError& error) {
+            result.message = QStringLiteral("the engine failed: ") + error.description();
+        }
+        if (result.outcome != WebExportResult::Written) {
+            err(world + QStringLiteral(": ") + result.message + u'\n');
+            return false;
+        }
+        out(page + u'\n');
+        return true;
+    });
+}
+
 } // namespace
 
 bool isCommandLineCall(const QString& firstArgument) {
@@ -256,6 +329,9 @@ int runCommandLine(const QStringList& arguments,
             .arg(DefaultThumbnail.width())
             .arg(DefaultThumbnail.height()),
         QStringLiteral("WxH"));
+    const QCommandLineOption web(QStringLiteral("web"),
+                                 QStringLiteral("The folder the page is written into."),
+                                 QStringLiteral("OUT"));
     if (command) {
         parser.setApplicationDescription(QString::fromLatin1(command->description));
         parser.addPositionalArgument(command->name, QStringLiteral("The command."), command->name);
@@ -265,10 +341,12 @@ int runCommandLine(const QStringList& arguments,
             parser.addOptions({seconds, json});
         if (command->name == Thumbnail)
             parser.addOption(size);
+        if (command->name == Export)
+            parser.addOption(web);
     } else {
         parser.setApplicationDescription(Overview);
         parser.addPositionalArgument(QStringLiteral("COMMAND"),
-                                     QStringLiteral("generate, check or thumbnail"));
+                                     QStringLiteral("generate, check, thumbnail or export"));
     }
     if (!parser.parse(arguments))
         return badArguments(parser.errorText());
@@ -289,6 +367,8 @@ int runCommandLine(const QStringList& arguments,
 
     if (command->name == Generate)
         return runGenerate(worlds);
+    if (command->name == Export)
+        return runExport(worlds, parser.value(web), makeEngine);
     if (command->name == Check) {
         double runFor = DefaultSeconds;
         if (parser.isSet(seconds)) {

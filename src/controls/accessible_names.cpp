@@ -94,6 +94,12 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("MailServerPassword"), QStringLiteral("Password")},
         // Help window
         {QStringLiteral("WebBrowser1"), QStringLiteral("Help page")},
+        // Web page forms
+        {QStringLiteral("WidthField"), QStringLiteral("Width in pixels")},
+        {QStringLiteral("HeightField"), QStringLiteral("Height in pixels")},
+        {QStringLiteral("DriveList"), QStringLiteral("Drive")},
+        {QStringLiteral("DirList"), QStringLiteral("Folder")},
+        {QStringLiteral("FileNameText"), QStringLiteral("File name")},
     };
     return names;
 }

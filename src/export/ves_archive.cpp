@@ -57,8 +57,9 @@ QByteArray manifestText(const QString& programVersion) {
 
 // The files of a world folder, by their paths inside it. Links are left out: one could
 // point anywhere on the disk, and the archive goes to someone else. So are the folder's
-// own archives, which would otherwise hold each earlier send.
-QStringList worldFiles(const QString& worldFolder) {
+// own archives, which would otherwise hold each earlier send, and what leaveOut names at
+// its top.
+QStringList worldFiles(const QString& worldFolder, const QStringList& leaveOut) {
     QStringList files;
     QDirIterator it(worldFolder, QDir::Files | QDir::Hidden | QDir::NoSymLinks,
                     QDirIterator::Subdirectories);
@@ -70,6 +71,8 @@ QStringList worldFiles(const QString& worldFolder) {
         const QString inside = root.relativeFilePath(path);
         if (!inside.contains(QLatin1Char('/')) &&
             inside.endsWith(QStringLiteral(".ves"), Qt::CaseInsensitive))
+            continue;
+        if (leaveOut.contains(inside.section(QLatin1Char('/'), 0, 0)))
             continue;
         files << inside;
     }
@@ -87,10 +90,11 @@ struct PackingReport {
 } // namespace
 
 ArchiveOutcome packWorldArchive(const QString& worldFolder, const QString& archivePath,
-                                const QString& programVersion, const ArchiveProgress& progress) {
+                                const QString& programVersion, const ArchiveProgress& progress,
+                                const QStringList& leaveOut) {
     if (!QFileInfo(worldFolder).isDir())
         return refused(worldFolder + QStringLiteral(" is not a folder."));
-    const QStringList files = worldFiles(worldFolder);
+    const QStringList files = worldFiles(worldFolder, leaveOut);
     int errorCode = 0;
     ZipHandle archive(zip_open(QFile::encodeName(archivePath).constData(),
                                ZIP_CREATE | ZIP_TRUNCATE, &errorCode));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
@@ -37,12 +38,13 @@ struct ArchiveLimits {
     qint64 ratioExemptBytes = qint64(1) << 20;
 };
 
-// Packs every file of worldFolder, the folder's own archives aside, into archivePath.
+// Packs every file of worldFolder, the folder's own archives and what leaveOut names at
+// its top aside, into archivePath.
 // The archive is written beside its place and moved there whole once complete: a
 // stopped or failed packing leaves an archive that was there as it was.
 ArchiveOutcome packWorldArchive(const QString& worldFolder, const QString& archivePath,
-                                const QString& programVersion,
-                                const ArchiveProgress& progress = {});
+                                const QString& programVersion, const ArchiveProgress& progress = {},
+                                const QStringList& leaveOut = {});
 
 // Unpacks archivePath into freshFolder, which must not exist yet or be empty. Every
 // entry is checked before anything is written; an archive with one entry that would

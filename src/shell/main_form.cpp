@@ -516,6 +516,20 @@ void MainForm::offerRecoveredWork() {
     files_->offerRecoveredWork();
 }
 
+bool MainForm::FileSaveMenuButton_Click() {
+    files_->FileSaveMenuButton_Click();
+    return worldIsSaved();
+}
+
+bool MainForm::FileSaveAsMenuButton_Click() {
+    files_->FileSaveAsMenuButton_Click();
+    return worldIsSaved();
+}
+
+bool MainForm::worldIsSaved() const {
+    return !world_.status().worldSaveFile().isEmpty() && !world_.status().ScriptDirty();
+}
+
 void MainForm::connectFileCommands() {
     const auto command = [this](const char* control, QKeySequence::StandardKey key, auto work) {
         QAction* action = findChild<QAction*>(QString::fromUtf8(control));
@@ -527,10 +541,8 @@ void MainForm::connectFileCommands() {
     command("FileNewMenuButton", QKeySequence::New, [this] { files_->FileNewMenuButton_Click(); });
     command("FileOpenMenuButton", QKeySequence::Open,
             [this] { files_->FileOpenMenuButton_Click(); });
-    command("FileSaveMenuButton", QKeySequence::Save,
-            [this] { files_->FileSaveMenuButton_Click(); });
-    command("FileSaveAsMenuButton", QKeySequence::SaveAs,
-            [this] { files_->FileSaveAsMenuButton_Click(); });
+    command("FileSaveMenuButton", QKeySequence::Save, [this] { FileSaveMenuButton_Click(); });
+    command("FileSaveAsMenuButton", QKeySequence::SaveAs, [this] { FileSaveAsMenuButton_Click(); });
     command("mnuImportVES", QKeySequence::UnknownKey, [this] { archive_->mnuImportVES_Click(); });
     command("mnuSendToFriend", QKeySequence::UnknownKey,
             [this] { archive_->mnuSendToFriend_Click(); });

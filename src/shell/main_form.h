@@ -75,6 +75,10 @@ public:
     // worlds; from then on they are kept again at the end.
     void RestoreSettings();
     void setIdleTimerInterval(int ms);
+    // Save and Save As for commands that need the world saved first: each answers
+    // whether the world now has a folder that holds it as it is.
+    bool FileSaveMenuButton_Click();
+    bool FileSaveAsMenuButton_Click();
 
     // Shows tab 0 (opening scene), 1 (animations) or 2 (events). Leaving the
     // opening scene keeps its state aside in the engine; coming back puts it back.
@@ -167,6 +171,7 @@ private:
     void showScriptUndoAvailable();
     void IdleTimer_Timer();
     void connectFileCommands();
+    bool worldIsSaved() const;
     // The user trusts the open world's code, or no longer does.
     void mnuTrustWorld_Click(bool trusted);
     void showTrustOfWorld();

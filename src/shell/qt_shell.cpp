@@ -6,7 +6,9 @@
 #include "shell/render_form.h"
 #include "shell/splash_screen.h"
 #include "shell/view_hosts.h"
+#include "shell/web_page_command.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QScreen>
 #include <QTimer>
@@ -77,6 +79,14 @@ void QtShell::createMainForm() {
     mainForm_->RestoreSettings();
     QObject::connect(mainForm_.get(), &MainForm::helpPageWanted,
                      [this](const QString& page) { showHelpPage(page); });
+    webPageCommand_ = std::make_unique<WebPageCommand>(
+        mainForm_.get(), state_, engine_, reporter_, world_,
+        [this] { return mainForm_->FileSaveMenuButton_Click(); },
+        [this] { return mainForm_->FileSaveAsMenuButton_Click(); });
+    auto* saveAsWWW = mainForm_->findChild<QAction*>(QStringLiteral("FileSaveAsWWWMenuButton"));
+    saveAsWWW->setEnabled(true);
+    QObject::connect(saveAsWWW, &QAction::triggered, mainForm_.get(),
+                     [this] { webPageCommand_->FileSaveAsWWWMenuButton_Click(); });
 }
 
 void QtShell::createRenderForm() {

@@ -15,6 +15,7 @@ struct AppState;
 class EngineLink;
 class ErrorReporter;
 class OpenWorld;
+class WebPageCommand;
 
 // The program's windows and Qt's event pump behind the Shell that start-up and
 // the main loop drive.
@@ -57,6 +58,7 @@ private:
     std::unique_ptr<RenderForm> renderForm_;
     std::unique_ptr<MainForm> mainForm_;
     std::unique_ptr<HelpForm> helpForm_;
+    std::unique_ptr<WebPageCommand> webPageCommand_;
 };
 
 // Ends the process at once, without running destructors of windows or of the

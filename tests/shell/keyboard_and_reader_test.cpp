@@ -3,6 +3,7 @@
 #include "controls/accessible_names.h"
 #include "controls/tree_control_view.h"
 #include "export/mail_forms.h"
+#include "export/web_forms.h"
 #include "scene/adding_commands.h"
 #include "scene/gallery_dialog.h"
 #include "scene/scene_panel.h"
@@ -16,6 +17,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDir>
 #include <QLabel>
 #include <QMenu>
 #include <QSet>
@@ -195,8 +197,12 @@ TEST(ScreenReader, TheListNamesOnlyControlsThatExistAndEveryShownControlHasAName
     adding.showAddTextForm();
     EmailForm email(FriendMail{});
     MailSettingsForm mailServer(MailServer{});
-    QList<QWidget*> widgets = {h.form.get(),     &h.renderForm,        &error, &help,      &splash,
-                               adding.gallery(), adding.addTextForm(), &email, &mailServer};
+    PreWebSaveForm preWebSave;
+    WebForm web;
+    WebSaveForm webSave(QDir::homePath());
+    QList<QWidget*> widgets = {
+        h.form.get(),         &h.renderForm, &error,      &help,       &splash, adding.gallery(),
+        adding.addTextForm(), &email,        &mailServer, &preWebSave, &web,    &webSave};
     for (QWidget* window : QList<QWidget*>(widgets))
         widgets << window->findChildren<QWidget*>();
     QSet<QString> made;

@@ -198,7 +198,7 @@ Model modelFrom(const ModelDescription& description, const std::string& fallback
     return model;
 }
 
-Model readModel(const std::string& path, ReaderProcess& reader) {
+ModelDescription readDescription(const std::string& path, ReaderProcess& reader) {
     if (!stampOf(path))
         throw ModelError("There is no object file " + path);
     const ReaderProcess::Reply reply = reader.read(FileKind::Model, path);
@@ -224,10 +224,15 @@ Model readModel(const std::string& path, ReaderProcess& reader) {
     }
     if (answer == Answer::TooBig)
         throw ModelError(path + " is too big for Vessa47 to read");
-    const auto description = decodeModel(reply.answer);
+    auto description = decodeModel(reply.answer);
     if (!description)
         throw ModelError(damaged(path));
-    Model model = modelFrom(*description, std::filesystem::path(path).stem().string());
+    return std::move(*description);
+}
+
+Model readModel(const std::string& path, ReaderProcess& reader) {
+    Model model =
+        modelFrom(readDescription(path, reader), std::filesystem::path(path).stem().string());
     if (std::none_of(model.parts.begin(), model.parts.end(),
                      [](const ModelPart& part) { return part.faces > 0; }))
         throw ModelError(path + " has nothing Vessa47 can show: no surfaces were found in it");

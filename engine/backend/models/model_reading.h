@@ -15,6 +15,11 @@ class ReaderProcess;
 // checked and made into parts whose shapes are ready to be drawn.
 Model readModel(const std::string& path, ReaderProcess& reader); // throws ModelError
 
+// The checked description alone, as the reader program gave it: what a
+// model is made of, for drawing it elsewhere (a web page).
+ModelDescription readDescription(const std::string& path,
+                                 ReaderProcess& reader); // throws ModelError
+
 // The parts of a checked description, each with a shape made of its meshes
 // (and a lighter copy of a big shape for when it is small on screen).
 // fallbackName names a model whose file gives it no name.

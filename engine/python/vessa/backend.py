@@ -82,6 +82,11 @@ Model files (.mdl, the engine's own, and those of other programs):
         leading out of it; "missing": what it named that is not there, as
         it names them. Raises ValueError with a message for the user when
         the file can't be read, or holds nothing that can be seen.
+    describe_model(path) -> [[mesh, ...] per part]   what the parts are made
+        of, to be drawn elsewhere (a web page): each mesh {"positions",
+        "normals", "colors", "triangles", "diffuse", "blended"}, numbers in
+        the file's right-handed axes (x mirrored from the engine's).
+        ValueError as load_model
     store_model(path, parts)         writes nodes as one object (.mdl):
         parts are (node_id, name, parent index or None), the object first
 
@@ -311,6 +316,9 @@ class PythonBackend:
         return []
 
     def load_model(self, path):
+        raise ValueError("%s can't be read: objects from files need the compiled backend" % path)
+
+    def describe_model(self, path):
         raise ValueError("%s can't be read: objects from files need the compiled backend" % path)
 
     def store_model(self, path, parts):

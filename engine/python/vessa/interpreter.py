@@ -5,6 +5,7 @@ lists. A call that can fail answers None on success and the failure text
 otherwise; user code never fails a call: its errors go out as records.
 """
 
+import json
 import math
 import os
 import tempfile
@@ -12,7 +13,7 @@ import tempfile
 from . import backend as backends
 from . import geometry as g
 from . import backups, compat, events, models, namespace, places, policy, records, reports
-from . import scenefile, sounds
+from . import scenefile, sounds, webpage
 from .animation import Animator
 from .capture import Capture
 from .clock import ManualClock, WallClock
@@ -27,14 +28,15 @@ from .watchdog import Watchdog
 
 VERSION = "0.1.0"
 
-# Methods of the gateway whose work is still to come (the web export and the
-# code box's on-the-fly run): each answers that it is not available, never a
-# success for work it did not do.
+# Methods of the gateway whose work is still to come (the code box's on-the-fly
+# run): each answers that it is not available, never a success for work it did
+# not do.
 NOT_YET = (
-    "PreserveDefaultCameraPOV", "OnTheFlyButton", "SaveForPlugin",
+    "PreserveDefaultCameraPOV", "OnTheFlyButton",
 )
 
 THUMBNAIL = "world_thumbnail.bmp"
+STATE_CHANNELS = backends.CHANNELS
 PICTURE_SIDES = (1, 4096)       # pixels a side of a picture drawn on request
 NEW_OBJECT_PLACE = (0.0, 0.0, 0.0)     # the middle of the world, on the ground
 
@@ -336,6 +338,33 @@ class Interpreter:
         if not text:
             self._copy = None
         return text
+    def GetObjectStates(self):
+        """Every living object by name, as JSON text: its position, turn,
+        size and colour (each relative to its parent) and whether it is
+        shown. What two runs of one world (the desktop's, a web page's) are
+        compared by."""
+        states = {}
+        for thing in self.scene.living():
+            state = {c: list(self.backend.get(thing.id, c)) for c in STATE_CHANNELS}
+            state["visible"] = bool(self.backend.get_style(thing.id, "visible"))
+            states[thing.name] = state
+        return json.dumps(states, sort_keys=True)
+
+    def SaveForPlugin(self, folder, page, width, height, position, navigator, player):
+        """Writes the web page that plays the saved world in folder: page
+        (an .html or .htm file), its view width x height pixels, placed
+        "Left", "Center" or "Right", with the camera controls when navigator
+        is true; the player's files are in the folder player beside it. The
+        shapes of the world's models go beside the page, as its name with
+        ".models.json"; the archive <name>.ves is the front end's."""
+        try:
+            webpage.write(self.scene.living(), self.backend, str(folder), page, width, height,
+                          position, navigator, player)
+        except webpage.PageError as exc:
+            return str(exc)
+        except OSError as exc:
+            return "SaveForPlugin: %s can't be written: %s" % (page, exc.strerror)
+        return None
 
     def SaveThumbnail(self, folder, width, height):
         """The world through its camera as the folder's picture, width x

@@ -421,6 +421,10 @@ class AnnouncedFiles:
         sys.audit("open", path, "r", 0)
         return self._backend.load_model(path)
 
+    def describe_model(self, path):
+        sys.audit("open", path, "r", 0)
+        return self._backend.describe_model(path)
+
     def load_sound(self, path):
         sys.audit("open", path, "r", 0)
         return self._backend.load_sound(path)

@@ -15,6 +15,7 @@ judge by file name: code the library compiles from a string at run time
 import os
 import site
 import sysconfig
+import tempfile
 
 ENGINE_DIR = os.path.join(os.path.dirname(os.path.abspath(__file__)), "")
 # The source tags of the front end's own statements (its start-up, its tools).
@@ -26,6 +27,9 @@ def library_dirs():
     scheme = sysconfig.get_paths()
     paths = {scheme.get(key) for key in ("stdlib", "platstdlib", "purelib", "platlib")}
     paths.add(os.path.dirname(os.__file__))
+    # os may be frozen; tempfile is read from where the library really is,
+    # which in a browser is a zip archive.
+    paths.add(os.path.dirname(tempfile.__file__))
     paths.update(site.getsitepackages() if hasattr(site, "getsitepackages") else ())
     return _both_spellings(p for p in paths if p)
 

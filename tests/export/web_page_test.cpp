@@ -1,0 +1,282 @@
+#include "gateway/engine_link.h"
+#include "gateway/engine_registration.h"
+#include "gateway/interpreter_registry.h"
+#include "world/script_run.h"
+#include "world/standalone_script.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+// The exported page in a real browser: Debian's Chromium, headless, drawing
+// with software WebGL, the page served over the loopback address as a web
+// site would serve it.
+
+using namespace vessa;
+
+namespace {
+
+constexpr int kWaitMs = 180000;
+
+// A world folder made from the default world's scene, with more objects and a
+// script; kept when a test fails.
+struct World {
+    QTemporaryDir dir;
+    QString folder;
+    ~World() { dir.setAutoRemove(!::testing::Test::HasFailure()); }
+
+    explicit World(const QString& name, const QByteArray& moreScene) {
+        folder = dir.filePath(name);
+        QDir().mkpath(folder);
+        QFile scene(QStringLiteral(VESSA_HOME_DIR "/Worlds/Default/World_Scene.py"));
+        EXPECT_TRUE(scene.open(QIODevice::ReadOnly));
+        write(QStringLiteral("World_Scene.py"), scene.readAll() + moreScene);
+    }
+    void write(const QString& name, const QByteArray& bytes) const {
+        QFile file(QDir(folder).filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+};
+
+const QByteArray kBox = "Object(kind='model', name='Box', parent='Scene', firstclass=True, "
+                        "position=(0.0, 0.5, 0.0), color=(0.2, 0.4, 0.9))\n";
+
+QString run(const QString& program, const QStringList& arguments, int* exitCode = nullptr) {
+    QProcess process;
+    process.start(program, arguments);
+    const bool finished = process.waitForFinished(kWaitMs);
+    if (!finished)
+        process.kill();
+    process.waitForFinished();
+    if (exitCode)
+        *exitCode =
+            finished && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    const QString err = QString::fromUtf8(process.readAllStandardError());
+    if (!err.trimmed().isEmpty())
+        ADD_FAILURE() << program.toStdString() << ": " << err.toStdString();
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+// vessa47 export WORLD --web OUT, as a teacher runs it.
+QString exportPage(const QString& world, const QString& out) {
+    int exitCode = -1;
+    const QString page =
+        run(QStringLiteral(VESSA_PROGRAM),
+            {QStringLiteral("export"), world, QStringLiteral("--web"), out}, &exitCode)
+            .trimmed();
+    EXPECT_EQ(exitCode, 0);
+    return page;
+}
+
+// A static web server on the loopback address over a folder, on a free port.
+class WebServer {
+public:
+    explicit WebServer(const QString& folder) {
+        server_.setProcessChannelMode(QProcess::MergedChannels);
+        server_.start(QStringLiteral("/usr/bin/python3"),
+                      {QStringLiteral("-u"), QStringLiteral("-m"), QStringLiteral("http.server"),
+                       QStringLiteral("0"), QStringLiteral("--bind"), QStringLiteral("127.0.0.1"),
+                       QStringLiteral("--directory"), folder});
+        static const QRegularExpression port(QStringLiteral(R"(port (\d+))"));
+        QString said;
+        while (port_.isEmpty() && server_.waitForReadyRead(30000)) {
+            said += QString::fromUtf8(server_.readAll());
+            port_ = port.match(said).captured(1);
+        }
+    }
+    ~WebServer() {
+        server_.kill();
+        server_.waitForFinished();
+    }
+    QString url(const QString& path) const {
+        return QStringLiteral("http://127.0.0.1:%1/%2").arg(port_, path);
+    }
+    bool serving() const { return !port_.isEmpty(); }
+
+private:
+    QProcess server_;
+    QString port_;
+};
+
+QJsonObject browse(const QStringList& arguments) {
+    QProcess node;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("VESSA_WEB_MODULES"), QStringLiteral(VESSA_WEB_MODULES));
+    node.setProcessEnvironment(env);
+    node.start(QStringLiteral("node"),
+               QStringList{QStringLiteral(VESSA_SOURCE_DIR "/tests/export/web/browse.mjs")} +
+                   arguments);
+    if (!node.waitForFinished(kWaitMs))
+        node.kill();
+    node.waitForFinished();
+    const QByteArray err = node.readAllStandardError();
+    EXPECT_TRUE(err.trimmed().isEmpty()) << err.toStdString();
+    return QJsonDocument::fromJson(node.readAllStandardOutput()).object();
+}
+
+bool browserAtHand() {
+    return QFileInfo::exists(QStringLiteral("/usr/bin/chromium")) &&
+           QFileInfo::exists(QStringLiteral(VESSA_WEB_MODULES "/puppeteer-core"));
+}
+
+double y(const QJsonObject& state) {
+    return state[QStringLiteral("position")].toArray().at(1).toDouble();
+}
+
+} // namespace
+
+TEST(WebPage, AClickOnTheObjectStartsItsAnimationInTheBrowser) {
+    if (!browserAtHand())
+        GTEST_SKIP() << "no Chromium or puppeteer-core (tools/install-deps.sh installs them)";
+    // "Hop" lifts the box a meter; a left click on the box starts it.
+    World world(QStringLiteral("Hop"), kBox);
+    world.write(QStringLiteral("world_script.tv"),
+                "Hop = DoInOrder\r\n1\r\n1\r\n\r\nBox.Move(Up, 1, more...)\r\n2\r\n0\r\n\r\n"
+                "###\r\nLeftMouseButtonDown\r\nBox\r\nHop\r\n###\r\n\r\n");
+    QTemporaryDir site;
+    ASSERT_EQ(exportPage(world.folder, site.path()), site.filePath(QStringLiteral("Hop.html")));
+    WebServer server(site.path());
+    ASSERT_TRUE(server.serving());
+
+    const QString picture = site.filePath(QStringLiteral("clicked.png"));
+    const QJsonObject seen =
+        browse({QStringLiteral("click"), server.url(QStringLiteral("Hop.html")),
+                QStringLiteral("Box"), picture});
+    // Still before the click; a meter up (nearly) after it.
+    EXPECT_DOUBLE_EQ(y(seen[QStringLiteral("before")].toObject()), 0.5);
+    EXPECT_GT(y(seen[QStringLiteral("after")].toObject()), 1.4);
+    EXPECT_GT(QFileInfo(picture).size(), 0);
+    EXPECT_TRUE(seen[QStringLiteral("elsewhere")].toArray().isEmpty())
+        << QJsonDocument(seen[QStringLiteral("elsewhere")].toArray()).toJson().toStdString();
+
+    // The up arrow held on the view drives the camera forward, as on the desktop.
+    const QJsonObject driven =
+        browse({QStringLiteral("key"), server.url(QStringLiteral("Hop.html")),
+                QStringLiteral("ArrowUp"), QStringLiteral("1500")});
+    const auto z = [](const QJsonValue& camera) {
+        return camera.toObject()[QStringLiteral("position")].toArray().at(2).toDouble();
+    };
+    EXPECT_DOUBLE_EQ(z(driven[QStringLiteral("before")]), -8.0);
+    EXPECT_GT(z(driven[QStringLiteral("after")]), -7.5);
+}
+
+// The desktop's engine through the gateway, on a clock that moves only when told.
+class DesktopRun {
+public:
+    explicit DesktopRun(const QString& folder) {
+        InterpreterRegistry registry;
+        registerPythonEngine(registry, qEnvironmentVariable("PYTHONPATH"));
+        engine_.attach(registry.create(kEngineProgId));
+        engine_.call(QStringLiteral("UseManualClock"));
+        EXPECT_TRUE(engine_.call(QStringLiteral("LoadWorld"), {folder}).isNull());
+        StandaloneScript script;
+        EXPECT_TRUE(script.LoadScriptFiles(folder).ok());
+        runPythonScript(engine_, script.python());
+    }
+    ~DesktopRun() { engine_.call(QStringLiteral("Close")); }
+
+    QJsonObject states() {
+        return QJsonDocument::fromJson(
+                   engine_.call(QStringLiteral("GetObjectStates")).toString().toUtf8())
+            .object();
+    }
+    void step(double seconds) {
+        engine_.call(QStringLiteral("AdvanceClock"), {seconds});
+        EXPECT_TRUE(engine_.call(QStringLiteral("Loop")).isNull());
+    }
+
+private:
+    EngineLink engine_;
+};
+
+// "Bunny.Tail at step 12: position 2 is 0.25 here, 0.2500004 in the page".
+void expectSameStates(const QJsonObject& desktop, const QJsonObject& page, int step) {
+    EXPECT_EQ(desktop.keys(), page.keys()) << "at step " << step;
+    for (const QString& name : desktop.keys()) {
+        const QJsonObject mine = desktop[name].toObject();
+        const QJsonObject theirs = page[name].toObject();
+        EXPECT_EQ(mine[QStringLiteral("visible")], theirs[QStringLiteral("visible")])
+            << name.toStdString() << " at step " << step;
+        for (const char* channel : {"position", "orientation", "size", "color"}) {
+            const QJsonArray a = mine[QLatin1String(channel)].toArray();
+            const QJsonArray b = theirs[QLatin1String(channel)].toArray();
+            ASSERT_EQ(a.size(), b.size()) << name.toStdString() << " " << channel;
+            for (qsizetype i = 0; i < a.size(); ++i)
+                EXPECT_NEAR(a[i].toDouble(), b[i].toDouble(), 1e-6)
+                    << name.toStdString() << " at step " << step << ": " << channel << " " << i;
+        }
+    }
+}
+
+TEST(WebPage, OneWorldDoesTheSameOnTheDesktopAndInThePage) {
+    if (!browserAtHand())
+        GTEST_SKIP() << "no Chromium or puppeteer-core (tools/install-deps.sh installs them)";
+    // Moves, turns, a roll, a colour, hiding and showing, a resize, a new parent, an
+    // object destroyed, the camera, and a gallery object of many parts walking while
+    // its tail turns.
+    World world(QStringLiteral("Dance"), kBox + "Object(kind='model', name='Bunny', "
+                                                "parent='Scene', firstclass=True, "
+                                                "position=(2.0, 0.0, 0.0), model='Bunny.mdl#0')\n");
+    QFile::copy(QStringLiteral(VESSA_HOME_DIR "/Objects/Animals/Bunny.mdl"),
+                QDir(world.folder).filePath(QStringLiteral("Bunny.mdl")));
+    world.write(QStringLiteral("world_script.py"),
+                "Dance = DoInOrder(\n"
+                "    DoTogether(Box.Move(Up, 1), Box.Turn(Left, 0.25), Box.SetColor(Red)),\n"
+                "    Box.Hide(),\n"
+                "    DoTogether(Box.Roll(Right, 0.5, Duration=2), Camera.Move(Forward, 1, "
+                "Duration=1.5, Style=abruptly)),\n"
+                "    Box.Show(),\n"
+                "    Box.Resize(InAllDirections, 2, Duration=0.5),\n"
+                "    Box.BecomeChildOf(Bunny, Duration=0.5), Light.Destroy())\n"
+                "Dance.Start()\n"
+                "DoTogether(Bunny.Move(Left, 2, Duration=3), Bunny.Turn(Right, 0.5, Duration=3),\n"
+                "           Bunny.Tail.Turn(Left, 2, Duration=2, Style=BeginGently)).Start()\n");
+    QTemporaryDir site;
+    exportPage(world.folder, site.path());
+    ASSERT_TRUE(QFile::copy(QStringLiteral(VESSA_SOURCE_DIR "/tests/export/web/same_world.html"),
+                            site.filePath(QStringLiteral("same_world.html"))));
+    WebServer server(site.path());
+    ASSERT_TRUE(server.serving());
+
+    constexpr int kSteps = 50;
+    constexpr double kSeconds = 0.125;
+    const QJsonObject found =
+        browse({QStringLiteral("steps"),
+                server.url(QStringLiteral("same_world.html?world=Dance&steps=%1&seconds=%2")
+                               .arg(kSteps)
+                               .arg(kSeconds))});
+    ASSERT_FALSE(found.contains(QStringLiteral("failure")))
+        << found[QStringLiteral("failure")].toString().toStdString();
+    const QJsonArray inPage = found[QStringLiteral("states")].toArray();
+    ASSERT_EQ(inPage.size(), kSteps + 1);
+
+    DesktopRun desktop(world.folder);
+    for (int step = 0; step <= kSteps; ++step) {
+        if (step > 0)
+            desktop.step(kSeconds);
+        expectSameStates(desktop.states(), inPage[step].toObject(), step);
+    }
+    // The world did move: the box ended twice its size, the bunny two meters on, the
+    // light gone.
+    const QJsonObject last = inPage[kSteps].toObject();
+    EXPECT_FALSE(last.contains(QStringLiteral("Light")));
+    EXPECT_NEAR(
+        last[QStringLiteral("Box")].toObject()[QStringLiteral("size")].toArray()[0].toDouble(), 2.0,
+        1e-9);
+    EXPECT_GT(std::abs(last[QStringLiteral("Bunny")]
+                           .toObject()[QStringLiteral("position")]
+                           .toArray()[0]
+                           .toDouble() -
+                       2.0),
+              1.9);
+}
