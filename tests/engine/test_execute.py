@@ -30,6 +30,25 @@ def test_successful_runs_answer_none_and_share_one_namespace(interp):
     assert misc(interp) == [["output", "42\n"]]
 
 
+def test_a_text_run_again_runs_again_and_tells_its_warnings_each_time(interp, recwarn):
+    interp.ExecuteCode("runs = 0", "<Tool>", "exec")
+    text = "runs += 1\nsame = (1 is 1)\nif runs == 2:\n    1/0\n"
+    for _ in range(2):
+        interp.ExecuteLines(text, 0, 3, "<Script Text>", "exec")
+        interp.ExecuteCode("print(runs)", "<Tool>", "exec")   # another text in between
+    records = misc(interp)
+    # (pytest takes the warnings that would go to the output)
+    warned = [w for w in recwarn if w.category is SyntaxWarning]
+    assert [(w.filename, w.lineno) for w in warned] == [("<Script Text>", 2)] * 2
+    assert tagged(records, "popuperrordialog") == [
+        ["popuperrordialog", "ZeroDivisionError: division by zero", "4"]]
+    assert [r[1] for r in tagged(records, "output")] == ["1\n", "2\n"]
+    # a changed text is the one that runs
+    interp.ExecuteLines(text.replace("runs += 1", "runs += 10"), 0, 3, "<Script Text>", "exec")
+    interp.ExecuteCode("print(runs)", "<Tool>", "exec")
+    assert tagged(misc(interp), "output") == [["output", "12\n"]]
+
+
 def test_error_in_a_function_reports_the_users_innermost_line(interp):
     code = "def hop():\n    return 1/0\n\nhop()\n"
     interp.ExecuteCode(code, "<Script Text>", "exec")

@@ -26,7 +26,8 @@ PAN_DURATION = 4.0      # seconds: a look all round is slow enough to follow
 
 
 def _number(value):
-    return isinstance(value, Real) and not isinstance(value, bool)
+    # int and float first: asking Real of them goes through the abstract class's check
+    return type(value) in (int, float) or (isinstance(value, Real) and not isinstance(value, bool))
 
 
 def _flag(flags, kind, default):

@@ -5,6 +5,7 @@ failures of the user's code go out as difference records.
 """
 
 import re
+import warnings
 
 from . import compat, explain, records, reports
 
@@ -31,6 +32,8 @@ class CodeRunner:
         self._queue = queue
         self._capture = capture
         self._watchdog = watchdog
+        self._engine_globals = reports.engine_globals()
+        self._last_compiled = {}    # tag: ((text, mode, warning filters), its code)
 
     def execute(self, text, tag, mode):
         """Result: None on success, or the failure text for the front end's own
@@ -54,8 +57,27 @@ class CodeRunner:
                 return self._failed(exc, tag, reports.line_detail(exc, (tag,)))
         return None
 
+    def _compile(self, text, tag, mode):
+        """The code of text. A world is run again and again as it stands: the
+        code of the last text of each source tag is kept, unless compiling it
+        warned of something, which is told at every run."""
+        key = (text, mode, list(warnings.filters))
+        last = self._last_compiled.get(tag)
+        if last is not None and last[0] == key:
+            return last[1]
+        with warnings.catch_warnings(record=True) as told:
+            code = self._compile_anew(text, tag, mode)
+        for warning in told:
+            warnings.showwarning(warning.message, warning.category, warning.filename,
+                                 warning.lineno, warning.file, warning.line)
+        if told:
+            self._last_compiled.pop(tag, None)
+        else:
+            self._last_compiled[tag] = (key, code)
+        return code
+
     @staticmethod
-    def _compile(text, tag, mode):
+    def _compile_anew(text, tag, mode):
         try:
             return compile(text, tag, mode, dont_inherit=True)
         except SyntaxError:
@@ -92,7 +114,7 @@ class CodeRunner:
     def where(self):
         """Where in the user's code the engine is now (a reports.Place); None
         outside it."""
-        return reports.current_place(USER_SOURCES)
+        return reports.current_place(USER_SOURCES, self._engine_globals)
 
     def tell(self, exc, where):
         """A failure found after the user's code ran (an animation step that
