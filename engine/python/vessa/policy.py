@@ -210,9 +210,14 @@ def _make_hook(is_engine, is_users, program_dirs, library_dirs, search_dirs):
     def asked_by_users(frame):
         """Whether the first frame that is not Python's library is the user's:
         the library does what the frame that called it asked."""
-        while frame is not None and not is_engine(frame.f_code) and not is_users(frame.f_code):
+        while frame is not None:
+            code = frame.f_code     # read once: reading it is announced to this hook
+            if is_engine(code):
+                return False
+            if is_users(code):
+                return True
             frame = frame.f_back
-        return frame is not None and is_users(frame.f_code)
+        return False
 
     def check_path(path, write, listing=False):
         if type_of(path) is int_type:
