@@ -302,6 +302,34 @@ bool endCounting() {
     return budget.exceeded;
 }
 
+// -- where the user's code stands ----------------------------------------------
+
+// The innermost frame now running whose code was compiled under a file name in tags, as
+// (code, offset of its instruction); None when there is none. Python can walk the stack
+// itself, but every frame's code it reads there is announced to the audit hooks, and the
+// engine asks this at every animation a world makes.
+py::object innermostFrameOf(const py::object& tags) {
+    PyFrameObject* frame = PyEval_GetFrame();
+    Py_XINCREF(frame);
+    while (frame != nullptr) {
+        PyCodeObject* code = PyFrame_GetCode(frame);
+        const int found = PySequence_Contains(tags.ptr(), code->co_filename);
+        if (found != 0) {
+            const int offset = PyFrame_GetLasti(frame);
+            Py_DECREF(frame);
+            auto owned = py::reinterpret_steal<py::object>(reinterpret_cast<PyObject*>(code));
+            if (found < 0)
+                throw py::error_already_set();
+            return py::make_tuple(owned, offset);
+        }
+        Py_DECREF(code);
+        PyFrameObject* back = PyFrame_GetBack(frame);
+        Py_DECREF(frame);
+        frame = back;
+    }
+    return py::none();
+}
+
 } // namespace
 
 PYBIND11_MODULE(_guard, m) {
@@ -319,6 +347,9 @@ PYBIND11_MODULE(_guard, m) {
           "Counts what Python allocates in this thread from now on against limit bytes; "
           "on_exceeded() runs at the next instruction once a request was refused.");
     m.def("end_counting", &endCounting, "Stops counting; True when the budget was exceeded.");
+    m.def("innermost_frame_of", &innermostFrameOf, py::arg("tags"),
+          "(code, offset of its instruction) of the innermost frame running code compiled "
+          "under a file name in tags; None.");
     m.def(
         "held", [] { return budget.held; }, "Bytes counted as held since begin_counting.");
 }
