@@ -60,13 +60,14 @@ class Primitive(Animation):
     [(node id, channel, delta), ...], computed when the command begins;
     finish() does what happens at the end (hide, destroy, reparent)."""
 
+    _tweens = frozenset()   # its running tweens' ids, once begun
+
     def __init__(self, animator, label, duration, style, prepare, finish=None):
         super().__init__(animator)
         self.label = label
         self.duration = max(float(duration), 0.0)
         self.style = style
         self._prepare, self._finish = prepare, finish
-        self._tweens = set()
         self._on_done = None
         self._end = 0.0
 

@@ -37,6 +37,30 @@ def _flag(flags, kind, default):
     return default
 
 
+class _Step:
+    """What a command does when its animation begins and ends, once its object
+    is known to be still there (a command made before its object was
+    destroyed may run after); the values a beginning changes are remembered
+    for undo. One small object: a world makes thousands of animations at once."""
+
+    __slots__ = ("thing", "label", "act", "end")
+
+    def __init__(self, thing, label, act, end):
+        self.thing, self.label, self.act, self.end = thing, label, act, end
+
+    def prepare(self):
+        self.thing._still_here(self.label)
+        changes = self.act()
+        backend = self.thing.scene.backend
+        saved = [(node, channel, backend.get(node, channel)) for node, channel, _ in changes]
+        self.thing.scene.remember(lambda: [backend.set(*value) for value in saved])
+        return changes
+
+    def finish(self):
+        self.thing._still_here(self.label)
+        return self.end()
+
+
 class Commands:
     """Mixed into scene objects; relies on their frame and family methods."""
 
@@ -64,34 +88,15 @@ class Commands:
             raise Mistake("duration", object=self.name, command=label)
         if not v.is_word(style, "style"):
             raise not_a_word(style, "style")
-        prepare = prepare and self._when_here(label, self._remembering(prepare))
-        animation = Primitive(self.scene.animator, "%s.%s" % (self.name, label),
-                              duration, style, prepare, finish and self._when_here(label, finish))
+        step = _Step(self, label, prepare, finish)
+        animation = Primitive(self.scene.animator, "%s.%s" % (self.name, label), duration, style,
+                              prepare and step.prepare, finish and step.finish)
         self.scene.animator.made(animation)
         return animation
 
     def _still_here(self, label):
         if not self.alive:
             raise Mistake("destroyed", object=self.name, command=label)
-
-    def _when_here(self, label, act):
-        """act, once the object is known to be still there: a command made
-        before its object was destroyed may run after."""
-        def checked():
-            self._still_here(label)
-            return act()
-        return checked
-
-    def _remembering(self, prepare):
-        """prepare, and an undo step that puts the changed values back."""
-        backend = self.scene.backend
-
-        def prepare_and_remember():
-            changes = prepare()
-            saved = [(node, channel, backend.get(node, channel)) for node, channel, _ in changes]
-            self.scene.remember(lambda: [backend.set(*value) for value in saved])
-            return changes
-        return prepare_and_remember
 
     def _to_parent_frame(self, vector, frame):
         """A vector given in frame's axes, in the axes of self's parent."""
