@@ -220,6 +220,25 @@ def test_a_parent_cycle_found_when_its_step_comes_is_told_and_the_rest_goes_on(w
     assert world.GetLoopWait() == -1
 
 
+def test_the_line_that_made_a_failing_animation_is_the_innermost_of_the_users_text(world):
+    scene = world.scene
+    with world.undo.quiet():
+        scene.create("model", "Bunny", scene.root)
+        scene.create("model", "Ball", scene.root)
+    # made inside a function of the text, by a string it runs (a frame of no text of the
+    # world's), and through the engine's own frames of the block
+    world.ExecuteCode("def later():\n    x = 1\n"
+                      "    exec('DoInOrder(Bunny.Move(Up, 1), Ball.BecomeChildOf(Bunny))')\n"
+                      "Bunny.BecomeChildOf(Ball)\nlater()\n", "<Script Text>", "exec")
+    loop_at(world, 0.0)
+    loop_at(world, 1.0)
+    records = misc(world)
+    assert tagged(records, "popuperrordialog") == [
+        ["popuperrordialog", "Ball can't become a child of Bunny.", "3"]]
+    assert tagged(records, "error")[0][1].startswith(
+        '  File "<Script Text>", line 3, where the animation was made\n')
+
+
 def test_the_line_that_made_a_failing_animation_is_found_deep_in_a_long_text(world):
     scene = world.scene
     with world.undo.quiet():
