@@ -22,6 +22,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <optional>
 
 namespace vessa {
 
@@ -154,24 +155,31 @@ int withEngine(const MakeEngine& makeEngine, const std::function<bool(EngineLink
     return clean ? ExitClean : ExitWorldError;
 }
 
-int runGenerate(const QStringList& worlds) {
-    if (worlds.size() != 1)
-        return badArguments(QStringLiteral("generate takes one world folder"));
-    const QString& world = worlds.front();
+// The Python of the world in folder world, as a save writes it; none, and why on
+// standard error, when world is no world or its script files can't be read.
+std::optional<PythonScript> worldPython(const QString& world) {
     if (!isWorldFolder(world)) {
         err(notAWorldMessage(world) + u'\n');
-        return ExitWorldError;
+        return std::nullopt;
     }
     StandaloneScript script;
     const ScriptFileRead read = script.LoadScriptFiles(world);
     if (!read.ok()) {
         err(read.problem.text() + u'\n');
-        return ExitWorldError;
+        return std::nullopt;
     }
-    const PythonScript python = script.python();
-    for (const ScriptNotice& notice : python.notices)
-        err(world + QStringLiteral(": ") + notice.message + u'\n');
-    writeBytes(stdout, scriptFileBytes(python.text));
+    return script.python();
+}
+
+int runGenerate(const QStringList& worlds) {
+    if (worlds.size() != 1)
+        return badArguments(QStringLiteral("generate takes one world folder"));
+    const std::optional<PythonScript> python = worldPython(worlds.front());
+    if (!python)
+        return ExitWorldError;
+    for (const ScriptNotice& notice : python->notices)
+        err(worlds.front() + QStringLiteral(": ") + notice.message + u'\n');
+    writeBytes(stdout, scriptFileBytes(python->text));
     return ExitClean;
 }
 
@@ -244,26 +252,19 @@ int runExport(const QStringList& worlds, const QString& outFolder, const MakeEng
     if (outFolder.isEmpty())
         return badArguments(QStringLiteral("export needs --web OUT, the page's folder"));
     const QString& world = worlds.front();
-    if (!isWorldFolder(world)) {
-        err(notAWorldMessage(world) + u'\n');
+    const std::optional<PythonScript> python = worldPython(world);
+    if (!python)
         return ExitWorldError;
-    }
-    StandaloneScript script;
-    const ScriptFileRead read = script.LoadScriptFiles(world);
-    if (!read.ok()) {
-        err(read.problem.text() + u'\n');
-        return ExitWorldError;
-    }
     const QString leaf = QFileInfo(QFileInfo(world).absoluteFilePath()).fileName();
     QTemporaryDir copies;
     const QString copy = copies.filePath(leaf);
     QString failure = copyFolderFiles(world, copy).failure;
-    QFile python(fileInFolder(copy, world_files::Python));
-    const QByteArray bytes = scriptFileBytes(script.python().text);
+    QFile pythonFile(fileInFolder(copy, world_files::Python));
+    const QByteArray bytes = scriptFileBytes(python->text);
     if (failure.isEmpty() &&
-        (!python.open(QIODevice::WriteOnly) || python.write(bytes) != bytes.size()))
+        (!pythonFile.open(QIODevice::WriteOnly) || pythonFile.write(bytes) != bytes.size()))
         failure = QStringLiteral("the world's Python can't be written");
-    python.close();
+    pythonFile.close();
     if (failure.isEmpty() && !QDir().mkpath(outFolder))
         failure = QStringLiteral("%1 can't be made").arg(outFolder);
     if (!failure.isEmpty()) {
