@@ -80,17 +80,11 @@ void EventMenusView::popUp(const ScriptRequest& request) {
     guarded([&] { rows = menus_.menuRows(request); });
     if (rows.empty())
         return;
-    if (menu_)
-        menu_->close();
-    const auto [control, title] = menuNames(request.What);
-    menu_ = new QMenu(title, qobject_cast<QWidget*>(parent()));
-    menu_->setObjectName(control);
-    menu_->setAttribute(Qt::WA_DeleteOnClose);
-    fillMenu(*menu_, rows, [this](int, const MenuRow& row) {
-        if (row.Chosen)
-            guarded([&] { show(row.Chosen()); });
-    });
-    menu_->popup(request.ScreenPoint);
+    popUpMenu(menu_, qobject_cast<QWidget*>(parent()), menuNames(request.What), rows,
+              request.ScreenPoint, [this](int, const MenuRow& row) {
+                  if (row.Chosen)
+                      guarded([&] { show(row.Chosen()); });
+              });
 }
 
 } // namespace vessa

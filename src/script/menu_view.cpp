@@ -48,4 +48,16 @@ void fillMenu(QMenu& menu, const std::vector<MenuRow>& rows,
     fillLevel(menu, rows, true, chosen);
 }
 
+void popUpMenu(QPointer<QMenu>& open, QWidget* parent, const std::pair<QString, QString>& names,
+               const std::vector<MenuRow>& rows, const QPoint& point,
+               const std::function<void(int row, const MenuRow& chosen)>& chosen) {
+    if (open)
+        open->close();
+    open = new QMenu(names.second, parent);
+    open->setObjectName(names.first);
+    open->setAttribute(Qt::WA_DeleteOnClose);
+    fillMenu(*open, rows, chosen);
+    open->popup(point);
+}
+
 } // namespace vessa

@@ -3,6 +3,7 @@
 #include "script/script_request.h"
 
 #include <QMenu>
+#include <QPointer>
 
 #include <functional>
 
@@ -14,5 +15,11 @@ namespace vessa {
 // Each menu is named for assistive technology by its title.
 void fillMenu(QMenu& menu, const std::vector<MenuRow>& rows,
               const std::function<void(int row, const MenuRow& chosen)>& chosen);
+
+// Closes the menu open, if any, and pops up in its place a new one of rows at point,
+// named control and titled names.second, over parent; it deletes itself once closed.
+void popUpMenu(QPointer<QMenu>& open, QWidget* parent, const std::pair<QString, QString>& names,
+               const std::vector<MenuRow>& rows, const QPoint& point,
+               const std::function<void(int row, const MenuRow& chosen)>& chosen);
 
 } // namespace vessa

@@ -111,22 +111,16 @@ void ScriptMenusView::popUp(const ScriptRequest& request) {
     guarded([&] { rows = menus_.menuRows(request); });
     if (rows.empty())
         return;
-    if (menu_)
-        menu_->close();
-    const auto [control, title] = menuNames(request);
-    menu_ = new QMenu(title, qobject_cast<QWidget*>(parent()));
-    menu_->setObjectName(control);
-    menu_->setAttribute(Qt::WA_DeleteOnClose);
-    fillMenu(*menu_, rows, [this](int, const MenuRow& row) {
-        if (!row.Chosen)
-            return;
-        guarded([&] {
-            ScriptRequest next = row.Chosen();
-            next.ScreenPoint = lastPoint_;
-            show(next);
-        });
-    });
-    menu_->popup(request.ScreenPoint);
+    popUpMenu(menu_, qobject_cast<QWidget*>(parent()), menuNames(request), rows,
+              request.ScreenPoint, [this](int, const MenuRow& row) {
+                  if (!row.Chosen)
+                      return;
+                  guarded([&] {
+                      ScriptRequest next = row.Chosen();
+                      next.ScreenPoint = lastPoint_;
+                      show(next);
+                  });
+              });
 }
 
 void ScriptMenusView::askForObjectName(const ScriptRequest& request) {
