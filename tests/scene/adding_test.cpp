@@ -6,6 +6,7 @@
 #include "scene/gallery_model.h"
 
 #include "support/scripted_engine.h"
+#include "support/window_wait.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -91,7 +92,7 @@ struct Adding : ScriptedProgram, ::testing::Test {
     GalleryDialog& openGallery() {
         adding.AddObjectFile();
         GalleryDialog& gallery = *adding.gallery();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(&gallery));
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&gallery, kWindowWaitMs));
         QApplication::setActiveWindow(&gallery);
         return gallery;
     }
@@ -260,7 +261,7 @@ TEST_F(Adding, OtherFileAddsWhatTheFileDialogGivesAndNothingWhenItIsCancelled) {
 TEST_F(Adding, AddTextSendsTheTextTypedAndAnEmptyBoxSendsNothing) {
     adding.showAddTextForm();
     QDialog& form = *adding.addTextForm();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&form));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&form, kWindowWaitMs));
     QApplication::setActiveWindow(&form);
     EXPECT_EQ(QApplication::focusWidget()->objectName(), "AddTextBox");
     type(QStringLiteral("Hello"));

@@ -14,6 +14,7 @@
 
 #include "main_form_harness.h"
 #include "support/qt_print.h"
+#include "support/window_wait.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -52,7 +53,7 @@ struct Window : MainFormHarness {
     // The camera window comes up with a script tab; the user goes back to the main one.
     void useMainWindow() {
         form->activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(form.get()));
+        EXPECT_TRUE(QTest::qWaitForWindowActive(form.get(), kWindowWaitMs));
     }
 
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {

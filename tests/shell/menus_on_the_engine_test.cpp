@@ -6,6 +6,7 @@
 #include "script/script_menus_view.h"
 
 #include "support/qt_print.h"
+#include "support/window_wait.h"
 
 #include <gtest/gtest.h>
 
@@ -37,7 +38,7 @@ struct MenusOnTheEngine : WindowOnTheEngine {
     static QMenu* ClickRow(QMenu* menu, const QString& caption) {
         if (!menu)
             return nullptr;
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(menu));
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(menu, kWindowWaitMs));
         for (QAction* row : menu->actions()) {
             if (row->text() != caption)
                 continue;
@@ -104,7 +105,7 @@ TEST(MenusOnTheEngine, TheKeyboardMakesALineFromTheObjectTreeAndChangesAValueOnI
     QTest::keyClick(&w.objects, Qt::Key_F10, Qt::ShiftModifier);
     QMenu* menu = w.OpenMenu();
     ASSERT_NE(menu, nullptr);
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(menu));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(menu, kWindowWaitMs));
     // It opens at the object, wherever the mouse is.
     const QPoint object = w.objects.viewport()->mapToGlobal(w.objects.NodeRect(bunny).center());
     EXPECT_LT((menu->pos() - object).manhattanLength(), 60);
@@ -122,7 +123,7 @@ TEST(MenusOnTheEngine, TheKeyboardMakesALineFromTheObjectTreeAndChangesAValueOnI
         QTest::keyClick(&w.lines, key);
     QMenu* star = w.OpenMenu();
     ASSERT_NE(star, nullptr);
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(star));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(star, kWindowWaitMs));
     for (Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return})
         QTest::keyClick(star, key);
     EXPECT_EQ(line->Text(), QStringLiteral("Bunny.Move(Back, 1/2, more...)"));

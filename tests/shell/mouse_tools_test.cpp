@@ -1,15 +1,10 @@
 // The mouse tools under the camera view, with the real engine drawing in the main window:
 // a click on a tool, then a drag on an object in the view, moves the object as the tool
 // says. Needs a display (xvfb-run); without one there is no view to drag in.
-#include "gateway/engine_registration.h"
-#include "gateway/interpreter_registry.h"
 #include "scene/mouse_tools.h"
-#include "shell/main_form.h"
-#include "shell/render_form.h"
 #include "shell/view_hosts.h"
-#include "world/open_world.h"
-
-#include "support/scripted_engine.h"
+#include "support/window_wait.h"
+#include "window_on_the_engine.h"
 
 #include <QApplication>
 #include <QTest>
@@ -22,29 +17,17 @@ using namespace vessa::testing;
 
 namespace {
 
-struct SceneOnScreen : ::testing::Test {
-    AppState state;
-    EngineLink engine;
-    RecordingErrorDisplay internalErrors;
-    ThrowingProcessControl process;
-    ErrorReporter reporter{state, internalErrors, process};
-    OpenWorld world{state, engine, reporter};
-    RenderForm renderForm;
-    std::unique_ptr<MainForm> form;
+struct SceneOnScreen : ::testing::Test, EngineAndWorld {
     QWidget* view = nullptr;
     QPoint cubeOnScreen; // in the view
 
     void SetUp() override {
         if (QGuiApplication::platformName() != QLatin1String("xcb"))
             GTEST_SKIP() << "the camera view needs a display";
-        state.ExitOnFatal = false;
-        InterpreterRegistry registry;
-        registerPythonEngine(registry, qEnvironmentVariable("PYTHONPATH"));
-        engine.attach(registry.create(kEngineProgId));
-        form = std::make_unique<MainForm>(state, engine, reporter, renderForm, world);
+        makeWindow();
         form->resize(900, 700);
         form->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(form.get()));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(form.get(), kWindowWaitMs));
         const QString home = qEnvironmentVariable("VESSA47_HOME");
         engine.call(QStringLiteral("SetHomeDirectory"), {home});
         engine.call(QStringLiteral("LoadWorld"), {home + QStringLiteral("Worlds/Default")});

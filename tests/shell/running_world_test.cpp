@@ -2,14 +2,10 @@
 // does, the traffic light, mistakes of the user's code, and the camera view's keys and
 // clicks reaching the world's events. With a display (Xvfb) the view is drawn and
 // takes real input; without one, the tests that need it skip.
-#include "gateway/engine_registration.h"
-#include "gateway/interpreter_registry.h"
-#include "shell/main_form.h"
-#include "shell/render_form.h"
-#include "world/open_world.h"
+#include "window_on_the_engine.h"
 
 #include "support/qt_print.h"
-#include "support/scripted_engine.h"
+#include "support/window_wait.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -33,36 +29,24 @@ bool drawing() {
     return QGuiApplication::platformName() == QLatin1String("xcb");
 }
 
-struct RunningWorld {
+struct RunningWorld : EngineAndWorld {
     QTemporaryDir settings;
-    AppState state;
-    EngineLink engine;
-    RecordingErrorDisplay internalErrors;
-    ThrowingProcessControl process;
-    ErrorReporter reporter{state, internalErrors, process};
-    OpenWorld world{state, engine, reporter};
-    RenderForm renderForm;
-    std::unique_ptr<MainForm> form;
     TreeControl& script = world.script().TreeView1();
     QStringList userErrors; // the captions of the error boxes the user saw
     QTimer errorBoxes;
 
     RunningWorld() {
         QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
-        state.ExitOnFatal = false;
-        InterpreterRegistry registry;
-        registerPythonEngine(registry, qEnvironmentVariable("PYTHONPATH"));
-        engine.attach(registry.create(kEngineProgId));
         call("LoadWorld",
              {qEnvironmentVariable("VESSA47_HOME") + QStringLiteral("Worlds/Default")});
-        form = std::make_unique<MainForm>(state, engine, reporter, renderForm, world);
+        makeWindow();
         form->resize(900, 700);
         form->show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(form.get()));
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(form.get(), kWindowWaitMs));
         QWidget* frame = form->OpeningSceneFrame();
         call("imagenavigator", {frame->width(), frame->height(), 1});
         // A cube in the middle of the camera's picture, facing it: its forward is the
-    // world's back, its right the world's left.
+        // world's back, its right the world's left.
         call("addobject",
              {qEnvironmentVariable("VESSA47_HOME") + QStringLiteral("Objects/Shapes/Cube.mdl")});
         tool("Cube.Move(Up, 1, Duration=0)");
@@ -131,7 +115,7 @@ struct RunningWorld {
     // F12 in the main window, which the user comes back to from the camera window.
     void flipScriptText() {
         form->activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(form.get()));
+        EXPECT_TRUE(QTest::qWaitForWindowActive(form.get(), kWindowWaitMs));
         QTest::keyClick(form.get(), Qt::Key_F12);
     }
     QPlainTextEdit* scriptText() {
@@ -214,9 +198,9 @@ TEST(RunningWorld, KeysAndClicksInTheCameraViewReachTheWorldsEvents) {
     events.addRow(QStringLiteral("LeftMouseButtonDown"), QStringLiteral("Cube"),
                   QStringLiteral("Slide"));
     w.clickTab(1);
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&w.renderForm));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&w.renderForm, kWindowWaitMs));
     w.press("PerformScriptButton");
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&w.renderForm));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&w.renderForm, kWindowWaitMs));
     auto* view = w.renderForm.RenderFrame()->findChild<QWidget*>(QStringLiteral("ImageNavigator"));
     ASSERT_NE(view, nullptr);
     EXPECT_EQ(QApplication::focusWidget(), view); // keys go to the world at once

@@ -6,6 +6,7 @@
 
 #include "main_form_harness.h"
 #include "support/qt_print.h"
+#include "support/window_wait.h"
 
 #include <QAction>
 #include <QDir>
@@ -83,7 +84,7 @@ struct Window : MainFormHarness {
     }
     void useWindow(QWidget* window) {
         window->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window, kWindowWaitMs));
     }
 };
 

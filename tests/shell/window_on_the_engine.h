@@ -21,7 +21,8 @@
 
 namespace vessa::testing {
 
-struct WindowOnTheEngine {
+// The real engine and the open world, with the main window still to be made over them.
+struct EngineAndWorld {
     AppState state;
     EngineLink engine;
     RecordingErrorDisplay internalErrors;
@@ -30,15 +31,24 @@ struct WindowOnTheEngine {
     OpenWorld world{state, engine, reporter};
     RenderForm renderForm;
     std::unique_ptr<MainForm> form;
-    TreeControl& script = world.script().TreeView1();
-    TreeNode* action1 = script.FirstRoot();
 
-    WindowOnTheEngine() {
+    EngineAndWorld() {
         state.ExitOnFatal = false;
         InterpreterRegistry registry;
         registerPythonEngine(registry, qEnvironmentVariable("PYTHONPATH"));
         engine.attach(registry.create(kEngineProgId));
+    }
+    void makeWindow() {
         form = std::make_unique<MainForm>(state, engine, reporter, renderForm, world);
+    }
+};
+
+struct WindowOnTheEngine : EngineAndWorld {
+    TreeControl& script = world.script().TreeView1();
+    TreeNode* action1 = script.FirstRoot();
+
+    WindowOnTheEngine() {
+        makeWindow();
         form->show();
         auto* tabs = form->findChild<QTabBar*>(QStringLiteral("SwitchTab"));
         QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());

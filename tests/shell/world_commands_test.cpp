@@ -6,6 +6,7 @@
 #include "world/world_folder.h"
 
 #include "main_form_harness.h"
+#include "support/window_wait.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -28,14 +29,14 @@ struct Window : MainFormHarness {
     Window() {
         form->show();
         form->activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(form.get()));
+        EXPECT_TRUE(QTest::qWaitForWindowActive(form.get(), kWindowWaitMs));
     }
 
     // Opens the File menu and presses the letter of one of its commands.
     void fileCommand(Qt::Key letter) {
         // After a box, the user is back in the main window.
         form->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
+        ASSERT_TRUE(QTest::qWaitForWindowActive(form.get(), kWindowWaitMs));
         QWidget* focus = QApplication::focusWidget();
         QTest::keyClick(focus ? focus : form.get(), Qt::Key_F10);
         auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
