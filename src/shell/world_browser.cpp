@@ -120,7 +120,13 @@ QImage readThumbnail(const QString& path, int side) {
     const QImage image = reader.read();
     if (image.isNull())
         return {};
-    return image.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    // Centred in a square, so that every world's name stands at the same height.
+    const QImage scaled = image.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    QImage square(side, side, QImage::Format_ARGB32_Premultiplied);
+    square.fill(Qt::transparent);
+    QPainter painter(&square);
+    painter.drawImage((side - scaled.width()) / 2, (side - scaled.height()) / 2, scaled);
+    return square;
 }
 
 WorldFolderModel::WorldFolderModel(QObject* parent)

@@ -29,8 +29,9 @@ QString withoutPeriod(const QString& name);
 // The message that goes with that.
 QString noPeriodsMessage();
 
-// A thumbnail as the dialog shows it: the world's picture scaled into a square of
-// side pixels. A file that is missing, too big, or no picture gives a null image.
+// A thumbnail as the dialog shows it: the world's picture scaled to fit, in the middle
+// of a clear square of side pixels. A file that is missing, too big, or no picture gives a null
+// image.
 QImage readThumbnail(const QString& path, int side);
 
 // The folders inside one folder, as the world dialog lists them: worlds and plain

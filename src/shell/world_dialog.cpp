@@ -138,7 +138,8 @@ void WorldForm::showFolder(const QString& folder) {
     where_->setText(QDir::toNativeSeparators(folders_.folder()));
     up_->setEnabled(!QDir(folders_.folder()).isRoot());
     if (folders_.rowCount() > 0)
-        list_->selectionModel()->setCurrentIndex(folders_.index(0), QItemSelectionModel::NoUpdate);
+        list_->selectionModel()->setCurrentIndex(folders_.index(0),
+                                                 QItemSelectionModel::ClearAndSelect);
     updateOkButton();
 }
 

@@ -107,8 +107,9 @@ TEST(WorldFolderModel, ReadsPicturesThatArePicturesAndShowsThePlaceholderForTheR
     const int garden = model.rowNamed("garden");
     EXPECT_TRUE(model.index(garden).data(WorldFolderModel::ThumbnailReadRole).toBool());
     const QImage thumbnail = picture(model, garden);
-    EXPECT_EQ(thumbnail.size(), QSize(96, 48));
-    EXPECT_EQ(thumbnail.pixelColor(48, 24), QColor(Qt::red));
+    EXPECT_EQ(thumbnail.size(), QSize(96, 96));
+    EXPECT_EQ(thumbnail.pixelColor(48, 48), QColor(Qt::red));
+    EXPECT_EQ(thumbnail.pixelColor(48, 10).alpha(), 0); // the picture is half as high
     for (const char* name : {"Bare", "Broken", "Huge"}) {
         const int row = model.rowNamed(QLatin1String(name));
         EXPECT_FALSE(model.index(row).data(WorldFolderModel::ThumbnailReadRole).toBool()) << name;
@@ -212,7 +213,8 @@ TEST_F(DialogFixture, OpenATypedNameAndRefuseOneThatIsNoWorld) {
     QTest::keyClicks(&name, "notes.txt");
     answerNextMessage();
     QTest::keyClick(&name, Qt::Key_Return);
-    EXPECT_TRUE(message.endsWith(QStringLiteral(" is not a valid world folder."))) << message.toStdString();
+    EXPECT_TRUE(message.endsWith(QStringLiteral(" is not a valid world folder.")))
+        << message.toStdString();
     EXPECT_TRUE(form.chosenFolder().isEmpty());
 
     activate();
