@@ -78,6 +78,14 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("GalleryOtherFile"), QStringLiteral("Other file...")},
         {QStringLiteral("GalleryAdd"), QStringLiteral("Add")},
         {QStringLiteral("GalleryCancel"), QStringLiteral("Cancel")},
+        // The world dialog, for Open and Save As
+        {QStringLiteral("WorldPlaces"), QStringLiteral("Places")},
+        {QStringLiteral("WorldFolderUp"), QStringLiteral("Up one folder")},
+        {QStringLiteral("WorldFolderPath"), QStringLiteral("Folder shown")},
+        {QStringLiteral("WorldList"), QStringLiteral("Worlds and folders")},
+        {QStringLiteral("WorldNameText"), QStringLiteral("World name")},
+        {QStringLiteral("WorldOkButton"), QStringLiteral("Open")},
+        {QStringLiteral("WorldCancelButton"), QStringLiteral("Cancel")},
         // Add Text form
         {QStringLiteral("AddTextBox"), QStringLiteral("Text to add")},
         {QStringLiteral("CancelButton"), QStringLiteral("Cancel")},
@@ -110,6 +118,7 @@ const QHash<QString, QString>& stateTable() {
     static const QHash<QString, QString> names = {
         {QStringLiteral("PerformScriptButton/running"), QStringLiteral("Perform again")},
         {QStringLiteral("TrafficLightImage/running"), QStringLiteral("Stop the world")},
+        {QStringLiteral("WorldOkButton/save"), QStringLiteral("Save")},
     };
     return names;
 }

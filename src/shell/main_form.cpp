@@ -18,7 +18,7 @@
 #include "shell/trash_can.h"
 #include "shell/view_hosts.h"
 #include "shell/window_keeper.h"
-#include "shell/world_folder_dialog.h"
+#include "shell/world_dialog.h"
 #include "shell/world_trust.h"
 #include "world/autosave.h"
 #include "world/open_world.h"
@@ -626,11 +626,16 @@ bool MainForm::askBringBack(const RecoveredWork& work) {
 }
 
 QString MainForm::chooseWorldFolder(FolderUse use, const QString& startIn) {
-    return vessa::chooseWorldFolder(this,
-                                    use == FolderUse::Open
-                                        ? QStringLiteral("Vessa47 - Open World")
-                                        : QStringLiteral("Vessa47 - Save World As..."),
-                                    startIn);
+    if (!worldForm_)
+        worldForm_ = new WorldForm(this);
+    // An unnamed world is offered a name to begin with; a named one keeps the box empty.
+    const QString name =
+        world_.status().worldSaveFile().isEmpty() ? QStringLiteral("Untitled") : QString();
+    worldForm_->begin(use == FolderUse::Open ? WorldForm::Use::Open : WorldForm::Use::Save, startIn,
+                      name);
+    if (worldForm_->exec() != QDialog::Accepted)
+        return {};
+    return worldForm_->chosenFolder();
 }
 
 CameraFrame MainForm::cameraFrame() const {

@@ -40,6 +40,7 @@ class ScenePanel;
 class ScriptPanel;
 class TrashCan;
 class WorldFiles;
+class WorldForm;
 class WorldArchive;
 class WindowKeeper;
 class WorldTrust;
@@ -219,6 +220,7 @@ private:
     RecentFilesMenu* recentFiles_ = nullptr;
     MouseToolsPanel* mouseTools_ = nullptr;
     OpeningSceneOptions* openingSceneOptions_ = nullptr;
+    WorldForm* worldForm_ = nullptr; // Owned by Qt; made the first time it is asked for
 };
 
 } // namespace vessa

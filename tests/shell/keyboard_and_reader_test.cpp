@@ -11,6 +11,7 @@
 #include "shell/error_form.h"
 #include "shell/help_form.h"
 #include "shell/splash_screen.h"
+#include "shell/world_dialog.h"
 
 #include "main_form_harness.h"
 #include "support/qt_print.h"
@@ -201,9 +202,21 @@ TEST(ScreenReader, TheListNamesOnlyControlsThatExistAndEveryShownControlHasAName
     PreWebSaveForm preWebSave;
     WebForm web;
     WebSaveForm webSave(QDir::homePath());
-    QList<QWidget*> widgets = {
-        h.form.get(),         &h.renderForm, &error,      &help,       &splash, adding.gallery(),
-        adding.addTextForm(), &email,        &mailServer, &preWebSave, &web,    &webSave};
+    WorldForm worldForm;
+    worldForm.begin(WorldForm::Use::Save, QDir::homePath(), QStringLiteral("Untitled"));
+    QList<QWidget*> widgets = {h.form.get(),
+                               &h.renderForm,
+                               &error,
+                               &help,
+                               &splash,
+                               adding.gallery(),
+                               adding.addTextForm(),
+                               &email,
+                               &mailServer,
+                               &preWebSave,
+                               &web,
+                               &webSave,
+                               &worldForm};
     for (QWidget* window : QList<QWidget*>(widgets))
         widgets << window->findChildren<QWidget*>();
     QSet<QString> made;
