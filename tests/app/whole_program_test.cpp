@@ -4,6 +4,10 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cmath>
+#include <vector>
+
 // Starts the built program as a user would, headless, with a home folder and
 // settings of its own, driven by the test driver plugin.
 
@@ -23,6 +27,8 @@ ProgramRun runProgram(const QString& program, const QString& script, const QStri
     env.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(VESSA_TEST_PLUGIN_DIR));
     env.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), configFolder);
+    // Work kept for recovery goes there too, away from the user's own.
+    env.insert(QStringLiteral("XDG_DATA_HOME"), configFolder + QStringLiteral("/data"));
     env.insert(QStringLiteral("VESSA47_DRIVER_SCRIPT"), script);
     // The program finds its home and its engine beside itself.
     env.remove(QStringLiteral("VESSA47_HOME"));
@@ -45,6 +51,43 @@ ProgramRun runProgram(const QString& program, const QString& script, const QStri
 ProgramRun runProgram(const QString& program, const QString& script) {
     QTemporaryDir config;
     return runProgram(program, script, config.path());
+}
+
+// Where the engine had an object, each time the driver read it: place, then turn.
+struct Placement {
+    std::array<double, 3> at{};
+    std::array<double, 4> turn{}; // w, x, y, z
+};
+
+std::vector<Placement> positionsOf(const QString& errors, const QString& name) {
+    std::vector<Placement> found;
+    const QString tag = QStringLiteral("driver: position: ") + name + QLatin1Char(' ');
+    for (const QString& line : errors.split(QLatin1Char('\n'))) {
+        if (!line.startsWith(tag))
+            continue;
+        const QStringList numbers = line.mid(tag.size()).split(QLatin1Char(' '));
+        if (numbers.size() != 7)
+            continue;
+        Placement placement;
+        for (int i = 0; i < 3; ++i)
+            placement.at[static_cast<size_t>(i)] = numbers[i].toDouble();
+        for (int i = 0; i < 4; ++i)
+            placement.turn[static_cast<size_t>(i)] = numbers[i + 3].toDouble();
+        found.push_back(placement);
+    }
+    return found;
+}
+
+// The object's own forward axis (its z) as its turn points it.
+std::array<double, 3> forwardOf(const std::array<double, 4>& q) {
+    const double w = q[0], x = q[1], y = q[2], z = q[3];
+    return {2 * (x * z + w * y), 2 * (y * z - w * x), 1 - 2 * (x * x + y * y)};
+}
+
+void expectNear(const std::array<double, 3>& seen, const std::array<double, 3>& wanted,
+                const std::string& errors) {
+    for (size_t i = 0; i < 3; ++i)
+        EXPECT_NEAR(seen[i], wanted[i], 1e-6) << "axis " << i << "\n" << errors;
 }
 
 } // namespace
@@ -134,4 +177,37 @@ TEST(WholeProgram, WindowsAndDividersComeBackWhereTheUserLeftThemAfterARestart) 
     };
     EXPECT_NEAR(share(QStringLiteral("SplitterV")), 0.3, 0.015) << errors;
     EXPECT_NEAR(share(QStringLiteral("SplitterH1")), 0.7, 0.015) << errors;
+}
+
+TEST(WholeProgram, TheBunnyFromTheGalleryMovesByALineMadeWithTheMenusAndComesBack) {
+    const ProgramRun run = runProgram(
+        QStringLiteral(VESSA_PROGRAM),
+        QStringLiteral(
+            // Add Object, "bunny" in the search, Enter.
+            "click:AddObjectButton;type:bunny;key:Return;item:ObjectTree,Bunny;position:Bunny;"
+            // Its menu in the object tree: Move, Forward, 1 (meter).
+            "tab:1;itemmenu:ObjectTree,Bunny;choose:Move;choose:Forward;choose:1 (meter);"
+            // From the keyboard to the line's distance, and its star menu: 2 (meters).
+            "click:TreeView1;key:Down;key:Down;key:Right;key:Right;key:Right;key:Return;"
+            "choose:2 (meters);dump:TreeView1;"
+            // Run until it has ended, then the traffic light.
+            "click:PerformScriptButton;until:TrafficLightImage,Reset;position:Bunny;"
+            "click:TrafficLightImage;position:Bunny;exit;answer:No"));
+    const std::string errors = run.errors.toStdString();
+    ASSERT_TRUE(run.finished) << errors;
+    EXPECT_EQ(run.exitCode, 0) << errors;
+    EXPECT_FALSE(run.errors.contains(QStringLiteral("driver: gave up"))) << errors;
+    EXPECT_FALSE(run.errors.contains(QStringLiteral("driver: ErrorForm"))) << errors;
+    EXPECT_TRUE(run.errors.contains(
+        QStringLiteral("driver: TreeView1:   Bunny.Move(Forward, 2, more...)\n")))
+        << errors;
+    const std::vector<Placement> placements = positionsOf(run.errors, QStringLiteral("Bunny"));
+    ASSERT_EQ(placements.size(), 3u) << errors;
+    const Placement& start = placements[0];
+    const std::array<double, 3> forward = forwardOf(start.turn);
+    expectNear(
+        placements[1].at,
+        {start.at[0] + 2 * forward[0], start.at[1] + 2 * forward[1], start.at[2] + 2 * forward[2]},
+        errors);
+    expectNear(placements[2].at, start.at, errors);
 }

@@ -6,7 +6,7 @@
 // VESSA47_DRIVER_SCRIPT lists what it does once the main window is up, steps
 // separated by ";":
 //   "tab:N"       click tab N of the world tabs (0 opening scene, 1 animations)
-//   "shot:PATH"   save a picture of the window in front (or the main window) to PATH
+//   "shot:PATH"   save a picture of the dialog in front (or the main window) to PATH
 //   "dump:NAME"   print the items of the tree view NAME, one per line, indented
 //                 by depth: "driver: NAME: <indent><text>"
 //   "wait:MS"     let the program run for MS milliseconds
@@ -21,8 +21,8 @@
 //                 the divider NAME, "driver: where: NAME <share of its first pane>"
 //   "exit"        open the File menu with Alt+F and choose E&xit with X
 //   "type:TEXT"   type TEXT where the keyboard focus is
-//   "item:TREE,TEXT[,right]" click the item TEXT of the tree view TREE, with the left
-//                 button or the right one
+//   "item:TREE,TEXT" click the item TEXT of the tree view TREE with the left button
+//   "itemmenu:TREE,TEXT" the same with the right button
 //   "menu:TITLE"  open the menu TITLE of the menu bar with a click ("File")
 //   "choose:TEXT" click the entry TEXT of the menu that is open ("Save As...")
 //   "until:NAME,TEXT" go on once the button NAME reads TEXT ("Reset")
@@ -151,7 +151,8 @@ private:
                 open += QStringLiteral(" \"") + action->text() +
                         (action->isEnabled() ? QStringLiteral("\"") : QStringLiteral("\" off"));
             open += QLatin1Char(')');
-        }
+        } else if (QWidget* popup = QApplication::activePopupWidget())
+            open += QStringLiteral(" (open: ") + popup->objectName() + QLatin1Char(')');
         if (QWidget* modal = QApplication::activeModalWidget())
             open += QStringLiteral(" (in front: ") + modal->objectName() + QLatin1Char(' ') +
                     modal->windowTitle() + QLatin1Char(')');
@@ -160,9 +161,9 @@ private:
 
     // Whether what the step needs is there yet.
     bool isReady(const QString& kind, const QString& argument) {
-        if (kind == QStringLiteral("item"))
+        if (kind == QStringLiteral("item") || kind == QStringLiteral("itemmenu"))
             return itemRect(argument.section(QLatin1Char(','), 0, 0),
-                            argument.section(QLatin1Char(','), 1, 1))
+                            argument.section(QLatin1Char(','), 1))
                 .isValid();
         if (kind == QStringLiteral("choose"))
             return openMenuEntry(argument) != nullptr;
@@ -189,7 +190,7 @@ private:
         else if (kind == QStringLiteral("tab"))
             clickTab(argument.toInt());
         else if (kind == QStringLiteral("shot"))
-            (QApplication::activeWindow() ? QApplication::activeWindow() : main_)
+            (QApplication::activeModalWidget() ? QApplication::activeModalWidget() : main_)
                 ->grab()
                 .save(argument);
         else if (kind == QStringLiteral("dump"))
@@ -203,8 +204,10 @@ private:
                              argument);
         else if (kind == QStringLiteral("click"))
             clickWidget(argument);
-        else if (kind == QStringLiteral("item"))
-            clickItem(argument.split(QLatin1Char(',')));
+        else if (kind == QStringLiteral("item") || kind == QStringLiteral("itemmenu"))
+            clickItem(argument.section(QLatin1Char(','), 0, 0),
+                      argument.section(QLatin1Char(','), 1),
+                      kind == QStringLiteral("item") ? Qt::LeftButton : Qt::RightButton);
         else if (kind == QStringLiteral("menu"))
             openMenuBarMenu(argument);
         else if (kind == QStringLiteral("choose"))
@@ -239,20 +242,29 @@ private:
         auto* view = qobject_cast<QTreeView*>(named(tree));
         if (!view || !view->isVisible())
             return {};
-        const QModelIndexList found = view->model()->match(
-            view->model()->index(0, 0), Qt::DisplayRole, text, 1,
-            Qt::MatchFixedString | Qt::MatchCaseSensitive | Qt::MatchRecursive);
-        if (found.isEmpty())
+        const QModelIndex found = findRow(view->model(), QModelIndex(), text);
+        if (!found.isValid())
             return {};
-        view->scrollTo(found.first());
-        return view->visualRect(found.first());
+        view->scrollTo(found);
+        return view->visualRect(found);
     }
 
-    void clickItem(const QStringList& what) {
-        auto* view = qobject_cast<QTreeView*>(named(what.value(0)));
-        const QRect at = itemRect(what.value(0), what.value(1));
-        const Qt::MouseButton button =
-            what.value(2) == QStringLiteral("right") ? Qt::RightButton : Qt::LeftButton;
+    static QModelIndex findRow(const QAbstractItemModel* model, const QModelIndex& parent,
+                               const QString& text) {
+        for (int row = 0; row < model->rowCount(parent); ++row) {
+            const QModelIndex index = model->index(row, 0, parent);
+            if (index.data().toString() == text)
+                return index;
+            if (const QModelIndex below = findRow(model, index, text); below.isValid())
+                return below;
+        }
+        return {};
+    }
+
+    void clickItem(const QString& tree, const QString& text, Qt::MouseButton button) {
+        auto* view = qobject_cast<QTreeView*>(named(tree));
+        const QRect at = itemRect(tree, text);
+        bringToFront(view);
         // On the text, a little in from its start, where the label is.
         QTest::mouseClick(view->viewport(), button, Qt::NoModifier,
                           QPoint(at.left() + std::min(at.width() / 2, 30), at.center().y()));
@@ -390,7 +402,17 @@ if state and not engine.animator.busy():
             std::fprintf(stderr, "driver: no widget %s to click\n", qPrintable(name));
             return;
         }
+        bringToFront(widget);
         QTest::mouseClick(widget, Qt::LeftButton);
+    }
+
+    // A click on a window that is behind brings it to the front first, and the keys
+    // go there after.
+    static void bringToFront(QWidget* widget) {
+        if (widget->window()->isActiveWindow())
+            return;
+        widget->window()->activateWindow();
+        QApplication::processEvents();
     }
 
     void printReading(const QString& name) {
