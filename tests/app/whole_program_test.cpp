@@ -90,6 +90,16 @@ void expectNear(const std::array<double, 3>& seen, const std::array<double, 3>& 
         EXPECT_NEAR(seen[i], wanted[i], 1e-6) << "axis " << i << "\n" << errors;
 }
 
+// The lines the driver printed of the tree view name, in order.
+QStringList dumpOf(const QString& errors, const QString& name) {
+    QStringList lines;
+    const QString tag = QStringLiteral("driver: ") + name + QStringLiteral(": ");
+    for (const QString& line : errors.split(QLatin1Char('\n')))
+        if (line.startsWith(tag))
+            lines << line.mid(tag.size());
+    return lines;
+}
+
 } // namespace
 
 TEST(WholeProgram, ShowsTheDefaultWorldVisitsEachTabAndExitsThroughTheFileMenu) {
@@ -210,4 +220,81 @@ TEST(WholeProgram, TheBunnyFromTheGalleryMovesByALineMadeWithTheMenusAndComesBac
         {start.at[0] + 2 * forward[0], start.at[1] + 2 * forward[1], start.at[2] + 2 * forward[2]},
         errors);
     expectNear(placements[2].at, start.at, errors);
+}
+
+TEST(WholeProgram, AWorldMadeAndSavedComesBackWholeAfterARestartAndRuns) {
+    QTemporaryDir worlds;
+    // The folder a user would make in the folder dialog.
+    const QString world = worlds.path() + QStringLiteral("/Garden");
+    ASSERT_TRUE(QDir().mkpath(world));
+    const QString showWorld =
+        QStringLiteral("tab:0;seen:ObjectTree,Chair;dump:ObjectTree;"
+                       "tab:1;seen:TreeView1,Chair.Turn(Left, 1/4, more...);dump:TreeView1;"
+                       "tab:2;seen:ListView1, | LeftMouseButtonDown | AnyWhere | Action1;"
+                       "dump:ListView1;position:Bunny;position:Chair;");
+    const ProgramRun made = runProgram(
+        QStringLiteral(VESSA_PROGRAM),
+        QStringLiteral(
+            "click:AddObjectButton;type:bunny;key:Return;item:ObjectTree,Bunny;"
+            "click:AddObjectButton;type:chair;key:Return;item:ObjectTree,Chair;"
+            "tab:1;itemmenu:ObjectTree,Bunny;choose:Move;choose:Forward;choose:1 (meter);"
+            "itemmenu:ObjectTree,Chair;choose:Turn;choose:Left;choose:1/4 (Revolution);"
+            "tab:2;click:MakeEvent;") +
+            showWorld + QStringLiteral("menu:File;choose:Save As...;folder:") + world +
+            QStringLiteral(";wait:300;exit"));
+    const std::string madeErrors = made.errors.toStdString();
+    ASSERT_TRUE(made.finished) << madeErrors;
+    ASSERT_EQ(made.exitCode, 0) << madeErrors;
+    ASSERT_FALSE(made.errors.contains(QStringLiteral("driver: gave up"))) << madeErrors;
+    ASSERT_TRUE(QFile::exists(world + QStringLiteral("/World_Scene.py"))) << madeErrors;
+
+    const ProgramRun opened = runProgram(
+        QStringLiteral(VESSA_PROGRAM),
+        QStringLiteral("menu:File;choose:Open World...;folder:") + world + QLatin1Char(';') +
+            showWorld +
+            QStringLiteral("tab:1;click:PerformScriptButton;until:TrafficLightImage,Reset;"
+                           "position:Bunny;position:Chair;click:TrafficLightImage;"
+                           "position:Bunny;position:Chair;exit"));
+    const std::string errors = opened.errors.toStdString();
+    ASSERT_TRUE(opened.finished) << errors;
+    EXPECT_EQ(opened.exitCode, 0) << errors;
+    EXPECT_FALSE(opened.errors.contains(QStringLiteral("driver: gave up"))) << errors;
+    EXPECT_FALSE(opened.errors.contains(QStringLiteral("driver: ErrorForm"))) << errors;
+    // The same objects, lines and rows as were made.
+    for (const char* tree : {"ObjectTree", "TreeView1", "ListView1"}) {
+        const QString name = QString::fromLatin1(tree);
+        EXPECT_EQ(dumpOf(opened.errors, name), dumpOf(made.errors, name)) << tree << errors;
+    }
+    EXPECT_TRUE(dumpOf(opened.errors, QStringLiteral("TreeView1"))
+                    .contains(QStringLiteral("  Bunny.Move(Forward, 1, more...)")))
+        << errors;
+    EXPECT_TRUE(dumpOf(opened.errors, QStringLiteral("ListView1"))
+                    .contains(QStringLiteral(" | World Start | - - - | Action1")))
+        << errors;
+
+    const std::vector<Placement> bunnyMade = positionsOf(made.errors, QStringLiteral("Bunny"));
+    const std::vector<Placement> chairMade = positionsOf(made.errors, QStringLiteral("Chair"));
+    const std::vector<Placement> bunny = positionsOf(opened.errors, QStringLiteral("Bunny"));
+    const std::vector<Placement> chair = positionsOf(opened.errors, QStringLiteral("Chair"));
+    ASSERT_EQ(bunnyMade.size(), 1u) << madeErrors;
+    ASSERT_EQ(chairMade.size(), 1u) << madeErrors;
+    ASSERT_EQ(bunny.size(), 3u) << errors;
+    ASSERT_EQ(chair.size(), 3u) << errors;
+    // Where they were put, then run: the bunny a meter forward, the chair a quarter
+    // turn round; then stopped: back.
+    expectNear(bunny[0].at, bunnyMade[0].at, errors);
+    expectNear(chair[0].at, chairMade[0].at, errors);
+    const std::array<double, 3> forward = forwardOf(bunny[0].turn);
+    expectNear(
+        bunny[1].at,
+        {bunny[0].at[0] + forward[0], bunny[0].at[1] + forward[1], bunny[0].at[2] + forward[2]},
+        errors);
+    double alike = 0; // |cos| of half the angle between the chair's turns
+    for (size_t i = 0; i < 4; ++i)
+        alike += chair[0].turn[i] * chair[1].turn[i];
+    EXPECT_NEAR(std::abs(alike), std::cos(M_PI / 4), 1e-6) << errors;
+    expectNear(bunny[2].at, bunny[0].at, errors);
+    expectNear(chair[2].at, chair[0].at, errors);
+    for (size_t i = 0; i < 4; ++i)
+        EXPECT_NEAR(chair[2].turn[i], chair[0].turn[i], 1e-6) << errors;
 }

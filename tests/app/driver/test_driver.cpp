@@ -8,7 +8,8 @@
 //   "tab:N"       click tab N of the world tabs (0 opening scene, 1 animations)
 //   "shot:PATH"   save a picture of the dialog in front (or the main window) to PATH
 //   "dump:NAME"   print the items of the tree view NAME, one per line, indented
-//                 by depth: "driver: NAME: <indent><text>"
+//                 by depth: "driver: NAME: <indent><text>", and for more than one
+//                 column their texts between " | "
 //   "wait:MS"     let the program run for MS milliseconds
 //   "key:KEYS"    press KEYS ("Ctrl+Tab") where the keyboard focus is
 //   "click:NAME"  click the middle of the main window's widget NAME with the left button
@@ -23,6 +24,8 @@
 //   "type:TEXT"   type TEXT where the keyboard focus is
 //   "item:TREE,TEXT" click the item TEXT of the tree view TREE with the left button
 //   "itemmenu:TREE,TEXT" the same with the right button
+//   "seen:TREE,TEXT" go on once the tree view TREE shows the item TEXT (as "dump"
+//                 prints it, or its first column)
 //   "menu:TITLE"  open the menu TITLE of the menu bar with a click ("File")
 //   "choose:TEXT" click the entry TEXT of the menu that is open ("Save As...")
 //   "until:NAME,TEXT" go on once the button NAME reads TEXT ("Reset")
@@ -161,7 +164,8 @@ private:
 
     // Whether what the step needs is there yet.
     bool isReady(const QString& kind, const QString& argument) {
-        if (kind == QStringLiteral("item") || kind == QStringLiteral("itemmenu"))
+        if (kind == QStringLiteral("item") || kind == QStringLiteral("itemmenu") ||
+            kind == QStringLiteral("seen"))
             return itemRect(argument.section(QLatin1Char(','), 0, 0),
                             argument.section(QLatin1Char(','), 1))
                 .isValid();
@@ -212,7 +216,7 @@ private:
             openMenuBarMenu(argument);
         else if (kind == QStringLiteral("choose"))
             chooseMenuEntry(argument);
-        else if (kind == QStringLiteral("until"))
+        else if (kind == QStringLiteral("until") || kind == QStringLiteral("seen"))
             return;
         else if (kind == QStringLiteral("folder"))
             answerFolderDialog(argument);
@@ -246,14 +250,26 @@ private:
         if (!found.isValid())
             return {};
         view->scrollTo(found);
-        return view->visualRect(found);
+        // The first column that shows: a list may hide its first.
+        for (int column = 0; column < view->model()->columnCount(found.parent()); ++column)
+            if (const QRect at = view->visualRect(found.siblingAtColumn(column)); at.isValid())
+                return at;
+        return {};
+    }
+
+    // The texts of the row of index, its columns between " | ".
+    static QString rowText(const QAbstractItemModel* model, const QModelIndex& index) {
+        QStringList columns;
+        for (int column = 0; column < model->columnCount(index.parent()); ++column)
+            columns << index.siblingAtColumn(column).data().toString();
+        return columns.join(QStringLiteral(" | "));
     }
 
     static QModelIndex findRow(const QAbstractItemModel* model, const QModelIndex& parent,
                                const QString& text) {
         for (int row = 0; row < model->rowCount(parent); ++row) {
             const QModelIndex index = model->index(row, 0, parent);
-            if (index.data().toString() == text)
+            if (index.data().toString() == text || rowText(model, index) == text)
                 return index;
             if (const QModelIndex below = findRow(model, index, text); below.isValid())
                 return below;
@@ -385,7 +401,7 @@ if state and not engine.animator.busy():
             const QModelIndex index = model->index(row, 0, parent);
             std::fprintf(stderr, "driver: %s: %s%s\n", qPrintable(name),
                          qPrintable(QString(depth * 2, QLatin1Char(' '))),
-                         qPrintable(index.data().toString()));
+                         qPrintable(rowText(model, index)));
             dumpRows(name, model, index, depth + 1);
         }
     }
