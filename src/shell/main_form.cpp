@@ -260,12 +260,10 @@ QWidget* MainForm::buildAddingButtons(QWidget* parent) {
         });
         lastAddingButton_ = button;
     }
-    connect(findChild<QAction*>(QStringLiteral("mnuAddObject")), &QAction::triggered, adding_,
-            &AddingCommands::AddObjectFile);
-    connect(findChild<QAction*>(QStringLiteral("mnuAddSounds")), &QAction::triggered, adding_,
-            &AddingCommands::AddSoundFile);
-    connect(findChild<QAction*>(QStringLiteral("mnuAddText")), &QAction::triggered, adding_,
-            &AddingCommands::showAddTextForm);
+    // Marked as having their commands, so that the tabs that allow them enable them.
+    connectMenuCommand("mnuAddObject", [this] { adding_->AddObjectFile(); });
+    connectMenuCommand("mnuAddSounds", [this] { adding_->AddSoundFile(); });
+    connectMenuCommand("mnuAddText", [this] { adding_->showAddTextForm(); });
     return row;
 }
 
@@ -419,9 +417,6 @@ void MainForm::buildMenus() {
             action->setEnabled(false);
         }
     }
-    // The world starts on the opening scene, where things are added.
-    for (const char* control : {"mnuAddObject", "mnuAddSounds", "mnuAddText"})
-        findChild<QAction*>(QString::fromLatin1(control))->setEnabled(true);
     // Shown only when the engine offers site commands.
     findChild<QMenu*>(QStringLiteral("SiteSpecificMenuButton"))->menuAction()->setVisible(false);
     findChild<QAction*>(QStringLiteral("EditUndoTextMenuButton"))->setShortcut(QKeySequence::Undo);

@@ -117,8 +117,9 @@ TEST(Tabs, LeavingTheOpeningSceneMovesTheViewAndTheMenusAndTheSameTabAgainAsksNo
     EXPECT_FALSE(undo->isEnabled());
     EXPECT_FALSE(w.renderForm.isVisible());
     EXPECT_EQ(w.callsOf(QStringLiteral("setimagenavigatorparent")).last(), QVariantList{qint64(1)});
-    // The opening scene allows adding objects, but a command not yet built stays off.
-    EXPECT_FALSE(w.menuItem("mnuAddObject")->isEnabled());
+    // The opening scene allows adding objects; a command not yet built stays off.
+    EXPECT_TRUE(w.menuItem("mnuAddObject")->isEnabled());
+    EXPECT_FALSE(w.menuItem("mnuMakeObject")->isEnabled());
 }
 
 TEST(Tabs, ANamedWorldIsBackedUpOnTheAnimationsTabAndTheEnginesMarkCarriesOver) {

@@ -6,9 +6,10 @@
 // VESSA47_DRIVER_SCRIPT lists what it does once the main window is up, steps
 // separated by ";":
 //   "tab:N"       click tab N of the world tabs (0 opening scene, 1 animations)
-//   "shot:PATH"   save a picture of the main window to PATH
+//   "shot:PATH"   save a picture of the dialog in front (or the main window) to PATH
 //   "dump:NAME"   print the items of the tree view NAME, one per line, indented
-//                 by depth: "driver: NAME: <indent><text>"
+//                 by depth: "driver: NAME: <indent><text>", and for more than one
+//                 column their texts between " | "
 //   "wait:MS"     let the program run for MS milliseconds
 //   "key:KEYS"    press KEYS ("Ctrl+Tab") where the keyboard focus is
 //   "click:NAME"  click the middle of the main window's widget NAME with the left button
@@ -20,17 +21,40 @@
 //   "where:NAME"  print the place of the window NAME, "driver: where: NAME X Y W H", or of
 //                 the divider NAME, "driver: where: NAME <share of its first pane>"
 //   "exit"        open the File menu with Alt+F and choose E&xit with X
+//   "type:TEXT"   type TEXT where the keyboard focus is
+//   "item:TREE,TEXT" click the item TEXT of the tree view TREE with the left button
+//   "itemmenu:TREE,TEXT" the same with the right button
+//   "seen:TREE,TEXT" go on once the tree view TREE shows the item TEXT (as "dump"
+//                 prints it, or its first column)
+//   "menu:TITLE"  open the menu TITLE of the menu bar with a click ("File")
+//   "choose:TEXT" click the entry TEXT of the menu that is open ("Save As...")
+//   "until:NAME,TEXT" go on once the button NAME reads TEXT ("Reset")
+//   "folder:PATH" answer the world folder dialog with PATH, typed into its name box
+//   "answer:TEXT" click the button TEXT of the message box that asks
+//   "position:NAME" print where the engine has the object NAME once nothing moves:
+//                 "driver: position: NAME X Y Z W QX QY QZ", its place and its turn
+//                 (a unit quaternion), both relative to its parent
+// A step that needs something to be there (an item, a menu, a dialog, a reading)
+// waits for it for up to 30 seconds; one that waits in vain prints "driver: gave
+// up at <step>" and the script goes on. A step that opens a dialog of its own
+// leaves the next steps to run while the dialog is up.
 // Whatever the script, it reports on standard error when the main window is
 // shown with its final caption: "driver: main window shown". An error box that
 // comes up at any time is reported, "driver: ErrorForm: <caption> | <details>"
 // with line ends shown as "/", and closed with its OK button.
 
+#include <Python.h>
+
+#include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QGenericPlugin>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSplitter>
@@ -96,35 +120,269 @@ private:
     void nextStep() {
         if (steps_.isEmpty() || !main_)
             return;
-        const QString step = steps_.takeFirst().trimmed();
+        const QString step = steps_.first().trimmed();
+        const QString kind = step.section(QLatin1Char(':'), 0, 0);
         const QString argument = step.section(QLatin1Char(':'), 1);
-        int pause = 100;
-        if (step == QStringLiteral("exit"))
+        if (!waiting_.isValid())
+            waiting_.start();
+        const bool ready = isReady(kind, argument);
+        if (!ready && waiting_.elapsed() < kPatienceMs) {
+            QTimer::singleShot(50, this, &Driver::nextStep);
+            return;
+        }
+        steps_.removeFirst();
+        waiting_.invalidate();
+        if (!ready) {
+            std::fprintf(stderr, "driver: gave up at %s%s\n", qPrintable(step),
+                         qPrintable(whatIsOpen()));
+            std::fflush(stderr);
+        }
+        // The next step is due before this one acts: an action that opens a dialog
+        // returns only when the dialog closes, and a later step may be what closes it.
+        QTimer::singleShot(kind == QStringLiteral("wait") ? argument.toInt() : 100, this,
+                           &Driver::nextStep);
+        if (ready)
+            act(kind, argument);
+    }
+
+    // What was there instead, to say why a step waited in vain.
+    static QString whatIsOpen() {
+        QString open;
+        if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
+            open += QStringLiteral(" (the menu open offers");
+            for (QAction* action : menu->actions())
+                open += QStringLiteral(" \"") + action->text() +
+                        (action->isEnabled() ? QStringLiteral("\"") : QStringLiteral("\" off"));
+            open += QLatin1Char(')');
+        } else if (QWidget* popup = QApplication::activePopupWidget())
+            open += QStringLiteral(" (open: ") + popup->objectName() + QLatin1Char(')');
+        if (QWidget* modal = QApplication::activeModalWidget())
+            open += QStringLiteral(" (in front: ") + modal->objectName() + QLatin1Char(' ') +
+                    modal->windowTitle() + QLatin1Char(')');
+        return open;
+    }
+
+    // Whether what the step needs is there yet.
+    bool isReady(const QString& kind, const QString& argument) {
+        if (kind == QStringLiteral("item") || kind == QStringLiteral("itemmenu") ||
+            kind == QStringLiteral("seen"))
+            return itemRect(argument.section(QLatin1Char(','), 0, 0),
+                            argument.section(QLatin1Char(','), 1))
+                .isValid();
+        if (kind == QStringLiteral("choose"))
+            return openMenuEntry(argument) != nullptr;
+        if (kind == QStringLiteral("until")) {
+            auto* button =
+                qobject_cast<QAbstractButton*>(named(argument.section(QLatin1Char(','), 0, 0)));
+            return button &&
+                   withoutAmpersand(button->text()) == argument.section(QLatin1Char(','), 1);
+        }
+        if (kind == QStringLiteral("folder")) {
+            QWidget* dialog = QApplication::activeModalWidget();
+            return dialog && dialog->objectName() == QStringLiteral("WorldFolderDialog");
+        }
+        if (kind == QStringLiteral("answer"))
+            return answerButton(argument) != nullptr;
+        if (kind == QStringLiteral("position"))
+            return !enginePosition(argument).isEmpty();
+        return true;
+    }
+
+    void act(const QString& kind, const QString& argument) {
+        if (kind == QStringLiteral("exit"))
             chooseExit(main_);
-        else if (step.startsWith(QStringLiteral("tab:")))
+        else if (kind == QStringLiteral("tab"))
             clickTab(argument.toInt());
-        else if (step.startsWith(QStringLiteral("shot:")))
-            main_->grab().save(argument);
-        else if (step.startsWith(QStringLiteral("dump:")))
+        else if (kind == QStringLiteral("shot"))
+            (QApplication::activeModalWidget() ? QApplication::activeModalWidget() : main_)
+                ->grab()
+                .save(argument);
+        else if (kind == QStringLiteral("dump"))
             dumpTree(argument);
-        else if (step.startsWith(QStringLiteral("wait:")))
-            pause = argument.toInt();
-        else if (step.startsWith(QStringLiteral("key:")))
+        else if (kind == QStringLiteral("wait"))
+            return;
+        else if (kind == QStringLiteral("key"))
             pressKeys(QKeySequence::fromString(argument));
-        else if (step.startsWith(QStringLiteral("click:")))
+        else if (kind == QStringLiteral("type"))
+            QTest::keyClicks(QApplication::focusWidget() ? QApplication::focusWidget() : main_,
+                             argument);
+        else if (kind == QStringLiteral("click"))
             clickWidget(argument);
-        else if (step.startsWith(QStringLiteral("reader:")))
+        else if (kind == QStringLiteral("item") || kind == QStringLiteral("itemmenu"))
+            clickItem(argument.section(QLatin1Char(','), 0, 0),
+                      argument.section(QLatin1Char(','), 1),
+                      kind == QStringLiteral("item") ? Qt::LeftButton : Qt::RightButton);
+        else if (kind == QStringLiteral("menu"))
+            openMenuBarMenu(argument);
+        else if (kind == QStringLiteral("choose"))
+            chooseMenuEntry(argument);
+        else if (kind == QStringLiteral("until") || kind == QStringLiteral("seen"))
+            return;
+        else if (kind == QStringLiteral("folder"))
+            answerFolderDialog(argument);
+        else if (kind == QStringLiteral("answer"))
+            QTest::mouseClick(answerButton(argument), Qt::LeftButton);
+        else if (kind == QStringLiteral("position"))
+            printPosition(argument);
+        else if (kind == QStringLiteral("reader"))
             printReading(argument);
-        else if (step.startsWith(QStringLiteral("place:")))
+        else if (kind == QStringLiteral("place"))
             place(argument.split(QLatin1Char(',')));
-        else if (step.startsWith(QStringLiteral("divide:")))
+        else if (kind == QStringLiteral("divide"))
             divide(argument.section(QLatin1Char(','), 0, 0),
                    argument.section(QLatin1Char(','), 1).toDouble());
-        else if (step.startsWith(QStringLiteral("where:")))
+        else if (kind == QStringLiteral("where"))
             printWhere(argument);
         else
-            std::fprintf(stderr, "driver: unknown step %s\n", qPrintable(step));
-        QTimer::singleShot(pause, this, &Driver::nextStep);
+            std::fprintf(stderr, "driver: unknown step %s:%s\n", qPrintable(kind),
+                         qPrintable(argument));
+    }
+
+    static QString withoutAmpersand(QString text) { return text.remove(QLatin1Char('&')); }
+
+    // The place of the item text in the tree view tree, on its viewport; invalid while
+    // there is none.
+    QRect itemRect(const QString& tree, const QString& text) {
+        auto* view = qobject_cast<QTreeView*>(named(tree));
+        if (!view || !view->isVisible())
+            return {};
+        const QModelIndex found = findRow(view->model(), QModelIndex(), text);
+        if (!found.isValid())
+            return {};
+        view->scrollTo(found);
+        // The first column that shows: a list may hide its first.
+        for (int column = 0; column < view->model()->columnCount(found.parent()); ++column)
+            if (const QRect at = view->visualRect(found.siblingAtColumn(column)); at.isValid())
+                return at;
+        return {};
+    }
+
+    // The texts of the row of index, its columns between " | ".
+    static QString rowText(const QAbstractItemModel* model, const QModelIndex& index) {
+        QStringList columns;
+        for (int column = 0; column < model->columnCount(index.parent()); ++column)
+            columns << index.siblingAtColumn(column).data().toString();
+        return columns.join(QStringLiteral(" | "));
+    }
+
+    static QModelIndex findRow(const QAbstractItemModel* model, const QModelIndex& parent,
+                               const QString& text) {
+        for (int row = 0; row < model->rowCount(parent); ++row) {
+            const QModelIndex index = model->index(row, 0, parent);
+            if (index.data().toString() == text || rowText(model, index) == text)
+                return index;
+            if (const QModelIndex below = findRow(model, index, text); below.isValid())
+                return below;
+        }
+        return {};
+    }
+
+    void clickItem(const QString& tree, const QString& text, Qt::MouseButton button) {
+        auto* view = qobject_cast<QTreeView*>(named(tree));
+        const QRect at = itemRect(tree, text);
+        bringToFront(view);
+        // On the text, a little in from its start, where the label is.
+        QTest::mouseClick(view->viewport(), button, Qt::NoModifier,
+                          QPoint(at.left() + std::min(at.width() / 2, 30), at.center().y()));
+    }
+
+    void openMenuBarMenu(const QString& title) {
+        auto* bar = main_->findChild<QMenuBar*>();
+        for (QAction* action : bar->actions())
+            if (withoutAmpersand(action->text()) == title) {
+                QTest::mouseClick(bar, Qt::LeftButton, Qt::NoModifier,
+                                  bar->actionGeometry(action).center());
+                return;
+            }
+        std::fprintf(stderr, "driver: no menu %s\n", qPrintable(title));
+    }
+
+    // The entry text of the menu open on top, enabled; null while there is none.
+    static QAction* openMenuEntry(const QString& text) {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu)
+            return nullptr;
+        for (QAction* action : menu->actions())
+            if (action->isEnabled() && action->isVisible() &&
+                withoutAmpersand(action->text()) == text)
+                return action;
+        return nullptr;
+    }
+
+    void chooseMenuEntry(const QString& text) {
+        QAction* entry = openMenuEntry(text);
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        // As a pointer would: onto the entry, then a click; an entry with a menu below
+        // opens it.
+        const QPoint at = menu->actionGeometry(entry).center();
+        QTest::mouseMove(menu, at);
+        if (entry->menu())
+            QTest::keyClick(menu, Qt::Key_Right);
+        else
+            QTest::mouseClick(menu, Qt::LeftButton, Qt::NoModifier, at);
+    }
+
+    void answerFolderDialog(const QString& path) {
+        QWidget* dialog = QApplication::activeModalWidget();
+        auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        if (!name) {
+            std::fprintf(stderr, "driver: the folder dialog has no name box\n");
+            return;
+        }
+        name->setFocus();
+        name->selectAll();
+        QTest::keyClicks(name, path);
+        QTest::keyClick(name, Qt::Key_Return);
+    }
+
+    static QAbstractButton* answerButton(const QString& text) {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box)
+            return nullptr;
+        for (QAbstractButton* button : box->buttons())
+            if (withoutAmpersand(button->text()) == text)
+                return button;
+        return nullptr;
+    }
+
+    // The engine's reading of the object name, "X Y Z W QX QY QZ", once no animation
+    // runs; "" while one does or there is no such object. Asked of the engine object
+    // itself, through the interpreter the program embeds.
+    static QString enginePosition(const QString& name) {
+        if (!Py_IsInitialized())
+            return {};
+        const PyGILState_STATE gil = PyGILState_Ensure();
+        QString reading;
+        PyObject* globals = PyDict_New();
+        PyDict_SetItemString(globals, "__builtins__", PyEval_GetBuiltins());
+        PyObject* asked = PyUnicode_FromString(name.toUtf8().constData());
+        PyDict_SetItemString(globals, "name", asked);
+        Py_DECREF(asked);
+        PyObject* done = PyRun_String(kPositionCode, Py_file_input, globals, globals);
+        if (!done)
+            PyErr_Print();
+        Py_XDECREF(done);
+        if (PyObject* answer = PyDict_GetItemString(globals, "answer"))
+            reading = QString::fromUtf8(PyUnicode_AsUTF8(answer));
+        Py_DECREF(globals);
+        PyGILState_Release(gil);
+        return reading;
+    }
+
+    static constexpr const char* kPositionCode = R"(
+import gc, json
+engine = next(o for o in gc.get_objects()
+              if type(o).__name__ == "Interpreter" and type(o).__module__ == "vessa.interpreter")
+state = json.loads(engine.GetObjectStates()).get(name)
+answer = ""
+if state and not engine.animator.busy():
+    answer = " ".join(repr(float(v)) for v in state["position"] + state["orientation"])
+)";
+
+    void printPosition(const QString& name) {
+        std::fprintf(stderr, "driver: position: %s %s\n", qPrintable(name),
+                     qPrintable(enginePosition(name)));
+        std::fflush(stderr);
     }
 
     void dumpTree(const QString& name) {
@@ -143,7 +401,7 @@ private:
             const QModelIndex index = model->index(row, 0, parent);
             std::fprintf(stderr, "driver: %s: %s%s\n", qPrintable(name),
                          qPrintable(QString(depth * 2, QLatin1Char(' '))),
-                         qPrintable(index.data().toString()));
+                         qPrintable(rowText(model, index)));
             dumpRows(name, model, index, depth + 1);
         }
     }
@@ -160,7 +418,17 @@ private:
             std::fprintf(stderr, "driver: no widget %s to click\n", qPrintable(name));
             return;
         }
+        bringToFront(widget);
         QTest::mouseClick(widget, Qt::LeftButton);
+    }
+
+    // A click on a window that is behind brings it to the front first, and the keys
+    // go there after.
+    static void bringToFront(QWidget* widget) {
+        if (widget->window()->isActiveWindow())
+            return;
+        widget->window()->activateWindow();
+        QApplication::processEvents();
     }
 
     void printReading(const QString& name) {
@@ -255,8 +523,11 @@ private:
         });
     }
 
+    static constexpr qint64 kPatienceMs = 30000;
+
     QTimer poll_;
     QTimer errorBoxes_;
+    QElapsedTimer waiting_; // since the step at the head first waited
     QStringList steps_;
     QWidget* main_ = nullptr;
 };
