@@ -176,5 +176,7 @@ int main(int argc, char** argv) {
     for (;; b = !b) {
         saver.become(b);
         saver.save(folder);
+        std::printf("saved\n");
+        std::fflush(stdout);
     }
 }
