@@ -34,7 +34,7 @@ public:
     const QString& chosenFolder() const { return chosen_; }
 
     // Shows folder in the list.
-    void showFolder(const QString& folder);
+    Q_INVOKABLE void showFolder(const QString& folder);
     WorldFolderModel& folderModel() { return folders_; }
     QListView& worldList() const { return *list_; }
     QListWidget& placeList() const { return *places_; }

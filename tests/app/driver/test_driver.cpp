@@ -49,6 +49,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QGenericPlugin>
 #include <QLabel>
 #include <QLineEdit>
@@ -179,7 +180,7 @@ private:
         }
         if (kind == QStringLiteral("folder")) {
             QWidget* dialog = QApplication::activeModalWidget();
-            return dialog && dialog->objectName() == QStringLiteral("WorldFolderDialog");
+            return dialog && dialog->objectName() == QStringLiteral("WorldForm");
         }
         if (kind == QStringLiteral("answer"))
             return answerButton(argument) != nullptr;
@@ -322,16 +323,20 @@ private:
             QTest::mouseClick(menu, Qt::LeftButton, Qt::NoModifier, at);
     }
 
+    // The world dialog: shows the folder that holds path, then types path's own name and
+    // presses Return, as a user who browsed there would.
     void answerFolderDialog(const QString& path) {
         QWidget* dialog = QApplication::activeModalWidget();
-        auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-        if (!name) {
-            std::fprintf(stderr, "driver: the folder dialog has no name box\n");
+        auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("WorldNameText"));
+        const QFileInfo world(path);
+        if (!name || !QMetaObject::invokeMethod(dialog, "showFolder",
+                                                Q_ARG(QString, world.absolutePath()))) {
+            std::fprintf(stderr, "driver: the world dialog has no name box or no folder\n");
             return;
         }
         name->setFocus();
         name->selectAll();
-        QTest::keyClicks(name, path);
+        QTest::keyClicks(name, world.fileName());
         QTest::keyClick(name, Qt::Key_Return);
     }
 
