@@ -18,14 +18,14 @@ namespace {
 
 constexpr int kPictureSide = 32;
 
-struct ToolSpec {
+struct ToolLook {
     const char* control; // the option's picture; its label adds "L"
     const char* picture; // the pictures' names, without the state
     const char* caption;
     const char* button; // how failures name it
 };
 
-const ToolSpec kTools[kMouseToolCount] = {
+const ToolLook kTools[kMouseToolCount] = {
     {"MouseMoveOption", "MouseMove", "Move", "MouseMoveButton"},
     {"MouseRaiseOption", "MouseRaise", "Up/Down", "MouseRaiseButton"},
     {"MouseTurnLROption", "MouseTurnLR", "Turn", "MouseTurnLRButton"},
@@ -34,7 +34,7 @@ const ToolSpec kTools[kMouseToolCount] = {
     {"MouseInspectOption", "MouseInspect", "Look", "MouseInspectOption"},
 };
 
-const ToolSpec& specOf(MouseTool tool) {
+const ToolLook& lookOf(MouseTool tool) {
     return kTools[static_cast<int>(tool)];
 }
 
@@ -51,9 +51,9 @@ MouseToolsPanel::MouseToolsPanel(EngineLink& engine, ErrorReporter& reporter, QW
     title->setObjectName(QStringLiteral("TheMouseLabel"));
     grid->addWidget(title, 0, 0, 2, 1);
     for (int index = 0; index < kMouseToolCount; ++index) {
-        const ToolSpec& spec = kTools[index];
+        const ToolLook& look = kTools[index];
         auto* button = new QToolButton(this);
-        button->setObjectName(QString::fromLatin1(spec.control));
+        button->setObjectName(QString::fromLatin1(look.control));
         button->setAutoRaise(true);
         button->setCheckable(true);
         button->setIconSize(QSize(kPictureSide, kPictureSide));
@@ -61,8 +61,8 @@ MouseToolsPanel::MouseToolsPanel(EngineLink& engine, ErrorReporter& reporter, QW
         button->installEventFilter(this);
         connect(button, &QToolButton::clicked, this,
                 [this, index] { SelectOptionButton(static_cast<MouseTool>(index)); });
-        auto* label = new QLabel(QString::fromLatin1(spec.caption), this);
-        label->setObjectName(QString::fromLatin1(spec.control) + QLatin1Char('L'));
+        auto* label = new QLabel(QString::fromLatin1(look.caption), this);
+        label->setObjectName(QString::fromLatin1(look.control) + QLatin1Char('L'));
         label->setAlignment(Qt::AlignHCenter);
         label->setBuddy(button);
         label->installEventFilter(this);
@@ -83,7 +83,7 @@ QToolButton* MouseToolsPanel::option(MouseTool tool) const {
 void MouseToolsPanel::showPicture(MouseTool tool, const char* state) {
     option(tool)->setIcon(
         QIcon(QStringLiteral(":/buttons/%1%2.png")
-                  .arg(QString::fromLatin1(specOf(tool).picture), QString::fromLatin1(state))));
+                  .arg(QString::fromLatin1(lookOf(tool).picture), QString::fromLatin1(state))));
 }
 
 void MouseToolsPanel::showAtRest(MouseTool tool) {
@@ -144,7 +144,7 @@ void MouseToolsPanel::SelectOptionButton(MouseTool tool) {
 
 void MouseToolsPanel::tellEngine(MouseTool tool) {
     const QString failure = QStringLiteral("MainForm:%1_MouseUp: Error on call to python.")
-                                .arg(QString::fromLatin1(specOf(tool).button));
+                                .arg(QString::fromLatin1(lookOf(tool).button));
     if (tool == MouseTool::Inspect) {
         reporter_.CheckInterpreterResult(engine_.call(QStringLiteral("StartInspector")), failure);
         return;

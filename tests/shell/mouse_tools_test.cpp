@@ -1,6 +1,7 @@
 // The mouse tools under the camera view, with the real engine drawing in the main window:
 // a click on a tool, then a drag on an object in the view, moves the object as the tool
-// says. Needs a display (xvfb-run); without one there is no view to drag in.
+// says. Needs a display (Xvfb, started with -noreset as the suite does); without one there
+// is no view to drag in.
 #include "scene/mouse_tools.h"
 #include "shell/view_hosts.h"
 #include "support/window_wait.h"
