@@ -4,7 +4,6 @@
 #include "scene/gallery_dialog.h"
 #include "scene/gallery_model.h"
 
-#include <QApplication>
 #include <QListView>
 
 #include <benchmark/benchmark.h>
@@ -35,13 +34,3 @@ void BM_OpenTheGalleryWithAllThumbnails(benchmark::State& state) {
 BENCHMARK(BM_OpenTheGalleryWithAllThumbnails)->Unit(benchmark::kMillisecond);
 
 } // namespace
-
-int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
