@@ -100,8 +100,10 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("MailServerSecurity"), QStringLiteral("Security")},
         {QStringLiteral("MailServerUser"), QStringLiteral("User name")},
         {QStringLiteral("MailServerPassword"), QStringLiteral("Password")},
-        // Help window
+        // Help window, and the window about the program
         {QStringLiteral("WebBrowser1"), QStringLiteral("Help page")},
+        {QStringLiteral("NameList"), QStringLiteral("Who made Vessa47")},
+        {QStringLiteral("AboutPicture"), QStringLiteral("Vessa47")},
         // Web page forms
         {QStringLiteral("WidthField"), QStringLiteral("Width in pixels")},
         {QStringLiteral("HeightField"), QStringLiteral("Height in pixels")},

@@ -122,6 +122,16 @@ std::vector<MenuRow> ActionMenu::objectRows(const QString& objectName, const QVa
         QStringLiteral("c=getdefaultcamera()\r\nif c==None:\r\n pass\r\nelse:\r\n c.");
 
     std::vector<MenuRow> rows;
+    rows.push_back({.Caption = QStringLiteral("Paint me..."),
+                    .Visible = model,
+                    .Chosen =
+                        [name] {
+                            ScriptRequest paint;
+                            paint.What = ScriptRequest::Kind::PaintObject;
+                            paint.Value = name;
+                            return paint;
+                        },
+                    .Name = QStringLiteral("mnuPaint")});
     rows.push_back({.Caption = QStringLiteral("&Point Camera At"),
                     .Enabled = camera,
                     .Chosen = run(cameraAt + QStringLiteral("pointat(") + name + u')',

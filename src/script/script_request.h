@@ -50,6 +50,7 @@ struct ScriptRequest {
         BlankCommand, // later: row Number of the blank-space menu (the Python code box)
         ObjectMenu,   // the action menu of the object named Value, at the mouse
         ObjectRename, // ask for a new name of the object named Value
+        PaintObject,  // later: open the object named Value in the paint tool
         // The editors of the event list's CurrentRow, column Number, whose text is Value:
         EventConditionMenu, // the conditions
         EventObjectPicker,  // who it happens to, with "AnyWhere"; Value to select

@@ -76,6 +76,8 @@ public:
     // worlds; from then on they are kept again at the end.
     void RestoreSettings();
     void setIdleTimerInterval(int ms);
+    // A menu item's command: the item works from now on, whenever its tab allows.
+    void connectMenuCommand(const char* control, const std::function<void()>& work);
     // Save and Save As for commands that need the world saved first: each answers
     // whether the world now has a folder that holds it as it is.
     bool FileSaveMenuButton_Click();
@@ -153,8 +155,6 @@ private:
     QWidget* buildScriptTabs();
     void addKeyboardCommands();
     void orderTabStops();
-    // A menu item's command: the item works from now on, whenever its tab allows.
-    void connectMenuCommand(const char* control, const std::function<void()>& work);
     // The row of the undo, Perform and traffic-light buttons; also makes the script text,
     // which the caller places.
     QWidget* buildRunControls(QWidget* parent);

@@ -1,12 +1,14 @@
 #include "shell/qt_shell.h"
 
 #include "gateway/app_state.h"
+#include "shell/help_and_tools.h"
 #include "shell/help_form.h"
 #include "shell/main_form.h"
 #include "shell/render_form.h"
 #include "shell/splash_screen.h"
 #include "shell/view_hosts.h"
 #include "shell/web_page_command.h"
+#include "world/open_world.h"
 
 #include <QAction>
 #include <QApplication>
@@ -79,6 +81,9 @@ void QtShell::createMainForm() {
     mainForm_->RestoreSettings();
     QObject::connect(mainForm_.get(), &MainForm::helpPageWanted,
                      [this](const QString& page) { showHelpPage(page); });
+    helpAndTools_ = new HelpAndTools(*mainForm_, *renderForm_, state_, engine_, reporter_, world_,
+                                     [this](const QString& page) { showHelpPage(page); });
+    helpAndTools_->fillSiteMenu();
     webPageCommand_ = std::make_unique<WebPageCommand>(
         mainForm_.get(), state_, engine_, reporter_, world_,
         [this] { return mainForm_->FileSaveMenuButton_Click(); },
@@ -122,8 +127,17 @@ QSize QtShell::openingSceneSizeTwips() const {
 }
 
 void QtShell::showHelpPage(const QString& page) {
-    if (!helpForm_)
-        helpForm_ = std::make_unique<HelpForm>();
+    if (!helpForm_) {
+        helpForm_ = std::make_unique<HelpForm>(
+            QStringList{state_.HomeDir + QStringLiteral("Help"),
+                        state_.HomeDir + QStringLiteral("Worlds")});
+        // A link to a world's page opens the world, unless the user keeps the one open.
+        QObject::connect(helpForm_.get(), &HelpForm::worldWanted, [this](const QString& folder) {
+            if (world_.IsWorldDirty() && mainForm_->SaveChangesPrompt() == 2)
+                return;
+            mainForm_->LoadWorld(folder, false);
+        });
+    }
     helpForm_->show();
     helpForm_->navigate(page);
     renderForm_->AlwaysOnTop(renderForm_->Check1Value());

@@ -9,6 +9,7 @@ namespace vessa {
 
 class MainForm;
 class RenderForm;
+class HelpAndTools;
 class HelpForm;
 class SplashScreen;
 struct AppState;
@@ -25,6 +26,8 @@ public:
     ~QtShell() override;
 
     MainForm* mainForm() const { return mainForm_.get(); }
+    HelpAndTools* helpAndTools() const { return helpAndTools_; }
+    HelpForm* helpForm() const { return helpForm_.get(); }
     RenderForm* renderForm() const { return renderForm_.get(); }
 
     int displayBitsPerPixel() override;
@@ -58,6 +61,7 @@ private:
     std::unique_ptr<RenderForm> renderForm_;
     std::unique_ptr<MainForm> mainForm_;
     std::unique_ptr<HelpForm> helpForm_;
+    HelpAndTools* helpAndTools_ = nullptr; // Owned by the main window.
     std::unique_ptr<WebPageCommand> webPageCommand_;
 };
 

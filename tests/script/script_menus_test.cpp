@@ -134,6 +134,7 @@ TEST_F(Menus, AnObjectsMenuOnTheAnimationsTabOffersEveryCommandAndTheRowsThatAct
     EXPECT_EQ(host.asked, QStringList{"Bunny"});
     QStringList expected = QStringList{"Bunny", "-"} + kCommands;
     expected << "-"
+             << "Paint me..."
              << "&Point Camera At"
              << "&Get a Good Look At"
              << "&Copy"
@@ -155,6 +156,10 @@ TEST_F(Menus, AnObjectsMenuOnTheAnimationsTabOffersEveryCommandAndTheRowsThatAct
                                                {"IsFirstClass", false}})
         EXPECT_EQ(Find(rows, row)->Checked, checked) << row.toStdString();
 
+    // Painting is the main window's: the choice asks for it.
+    const ScriptRequest paint = Choose(rows, {"Paint me..."});
+    EXPECT_EQ(paint.What, ScriptRequest::Kind::PaintObject);
+    EXPECT_EQ(paint.Value, "Bunny");
     Choose(rows, {"Display Style", "Filling Style", "Solid"});
     Choose(rows, {"IsFirstClass"});
     EXPECT_EQ(host.statements,
@@ -170,7 +175,9 @@ TEST_F(Menus, OnTheOpeningSceneOnlyAModelIsMovedAndAnythingTakesAColour) {
     // A light without a camera in the scene.
     host.facts = {false, "Sun", "light", "3", false, false, 0, 128, 0};
     const std::vector<MenuRow> rows = ObjectMenu("Sun");
-    EXPECT_EQ(Visible(rows).mid(0, 4), (QStringList{"Sun", "-", "SetColor", "-"}));
+    EXPECT_EQ(Visible(rows).mid(0, 5),
+              (QStringList{"Sun", "-", "SetColor", "-", "&Point Camera At"}))
+        << "only a model is painted";
     for (const char* row :
          {"&Point Camera At", "&Get a Good Look At", "&Copy", "IsFirstClass", "Display Style"})
         EXPECT_FALSE(Find(rows, row)->Enabled) << row;

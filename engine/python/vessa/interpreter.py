@@ -13,7 +13,7 @@ import tempfile
 from . import backend as backends
 from . import geometry as g
 from . import backups, compat, events, models, namespace, places, policy, records, reports
-from . import scenefile, sounds, webpage
+from . import scenefile, sitemenu, sounds, webpage
 from .animation import Animator
 from .capture import Capture
 from .clock import ManualClock, WallClock
@@ -125,7 +125,8 @@ class Interpreter:
         return bool(self.scene.cameras())
 
     def GetSiteSpecific(self):
-        return []
+        """The site's own commands: [caption, statement] rows (see sitemenu)."""
+        return sitemenu.rows(self._home)
 
     def DestroyImageNavigator(self):
         self.backend.close_view()
