@@ -54,8 +54,8 @@ QString canonicalFolder(const QString& folder) {
 ToolMessage readToolMessage(const QString& text) {
     for (const MessageForm& form : kMessages) {
         const QString prefix = QString::fromLatin1(form.prefix);
-        if (text.left(form.comparedLength).compare(prefix.left(form.comparedLength),
-                                                    Qt::CaseInsensitive) != 0)
+        if (text.left(form.comparedLength)
+                .compare(prefix.left(form.comparedLength), Qt::CaseInsensitive) != 0)
             continue;
         ToolMessage message{form.kind, {}};
         if (form.pathFrom >= 0)
@@ -83,7 +83,8 @@ ToolSessions::ToolSessions(AppState& state, EngineLink& engine, ErrorReporter& r
                            ToolSessionsView& view, ToolClipboard& clipboard,
                            MakeProcess makeProcess, QString tempFolder, QObject* parent)
     : QObject(parent), state_(state), engine_(engine), reporter_(reporter), view_(view),
-      clipboard_(clipboard), makeProcess_(std::move(makeProcess)), tempFolder_(std::move(tempFolder)) {
+      clipboard_(clipboard), makeProcess_(std::move(makeProcess)),
+      tempFolder_(std::move(tempFolder)) {
     PaintTimer_.setObjectName(QStringLiteral("PaintTimer"));
     TeddyTimer_.setObjectName(QStringLiteral("TeddyTimer"));
     for (QTimer* timer : {&PaintTimer_, &TeddyTimer_})
@@ -103,9 +104,8 @@ void ToolSessions::guarded(const QString& handler, const std::function<void()>& 
     try {
         asRunTimeError(work);
     } catch (const RunTimeError& e) {
-        reporter_.reportAtTop(ReportForm::C,
-                              QStringLiteral("VB:MainForm:") + handler + QStringLiteral(" Error"),
-                              e);
+        reporter_.reportAtTop(
+            ReportForm::C, QStringLiteral("VB:MainForm:") + handler + QStringLiteral(" Error"), e);
     }
 }
 
@@ -147,8 +147,8 @@ void ToolSessions::StartSketchTool() {
         }
         // The paint tool stands in, on its own: nothing is given to it and no answer is
         // awaited.
-        if (!startTool(QStringLiteral("VessaPaint3D"), {QStringLiteral("Paint3d")},
-                       standInProcess_, [this](int exitCode) {
+        if (!startTool(QStringLiteral("VessaPaint3D"), {QStringLiteral("Paint3d")}, standInProcess_,
+                       [this](int exitCode) {
                            if (exitCode == kNoSuchTool)
                                reportToolMissing();
                        }))
@@ -157,8 +157,7 @@ void ToolSessions::StartSketchTool() {
 }
 
 bool ToolSessions::startTool(const QString& folder, const QStringList& arguments,
-                             std::unique_ptr<ToolProcess>& slot,
-                             std::function<void(int)> ended) {
+                             std::unique_ptr<ToolProcess>& slot, std::function<void(int)> ended) {
     std::unique_ptr<ToolProcess> process = makeProcess_();
     // The tool works in its own folder when the home has one.
     const QString workingFolder = state_.HomeDir + folder;
@@ -244,8 +243,8 @@ void ToolSessions::TeddyTimer_Timer() {
     guarded(QStringLiteral("TeddyTimer_Timer()"), [&] {
         const ToolMessage message = readToolMessage(clipboard_.text());
         if (message.kind == ToolMessage::Kind::TeddySaveAndExit) {
-            if (!fromTool(message.path,
-                          {tempFolder_, state_.HomeDir + QStringLiteral("Teddy2")}, {}))
+            if (!fromTool(message.path, {tempFolder_, state_.HomeDir + QStringLiteral("Teddy2")},
+                          {}))
                 return;
             if (view_.sceneScriptTab() != 0)
                 view_.switchToTab(0);

@@ -49,8 +49,14 @@ public:
 
 // A tool's answer on the clipboard, taken apart.
 struct ToolMessage {
-    enum class Kind { None, PaintSaveAndExit, PaintSave, PaintDiscardAndExit, TeddySaveAndExit,
-                      TeddyDiscardAndExit };
+    enum class Kind {
+        None,
+        PaintSaveAndExit,
+        PaintSave,
+        PaintDiscardAndExit,
+        TeddySaveAndExit,
+        TeddyDiscardAndExit
+    };
     Kind kind = Kind::None;
     QString path; // the file the message names; empty for the discards
 };

@@ -30,7 +30,8 @@ const QString kAcknowledgements = QStringLiteral(
     "OpenAL Soft, libsndfile, libzip, libcurl, Pyodide and three.js. Thank you to everyone "
     "who makes them.");
 
-const QString kCopyright = QStringLiteral("Copyright \u00a9 The Vessa47 team. All rights reserved.");
+const QString kCopyright =
+    QStringLiteral("Copyright \u00a9 The Vessa47 team. All rights reserved.");
 
 } // namespace
 

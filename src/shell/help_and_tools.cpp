@@ -46,8 +46,7 @@ HelpAndTools::HelpAndTools(MainForm& form, RenderForm& renderForm, AppState& sta
       clipboard_(std::make_unique<SystemClipboard>()) {
     tools_ = std::make_unique<ToolSessions>(
         state_, engine_, reporter_, *this, *clipboard_,
-        [] { return std::make_unique<QtToolProcess>(); },
-        QDir::tempPath());
+        [] { return std::make_unique<QtToolProcess>(); }, QDir::tempPath());
     world_.script().requests().registerHandler(
         ScriptRequest::Kind::PaintObject,
         [this](const ScriptRequest& request) { tools_->mnuPaint_Click(request.Value); });
@@ -58,8 +57,9 @@ HelpAndTools::HelpAndTools(MainForm& form, RenderForm& renderForm, AppState& sta
         connect(action, &QAction::triggered, this, work);
         return action;
     };
-    command("HelpViewMenuButton", [this] { HelpViewMenuButton_Click(); })
-        ->setShortcut(QKeySequence::HelpContents);
+    command("HelpViewMenuButton", [this] {
+        HelpViewMenuButton_Click();
+    })->setShortcut(QKeySequence::HelpContents);
     command("HelpExampleMenuButton", [this] { HelpExampleMenuButton_Click(); });
     command("HelpPythonMenuButton", [this] { HelpPythonMenuButton_Click(); });
     command("HelpAboutMenuButton", [this] { HelpAboutMenuButton_Click(); });
@@ -77,9 +77,8 @@ void HelpAndTools::guarded(const QString& handler, const std::function<void()>& 
     try {
         asRunTimeError(work);
     } catch (const RunTimeError& e) {
-        reporter_.reportAtTop(ReportForm::C,
-                              QStringLiteral("VB:MainForm:") + handler + QStringLiteral(" Error"),
-                              e);
+        reporter_.reportAtTop(
+            ReportForm::C, QStringLiteral("VB:MainForm:") + handler + QStringLiteral(" Error"), e);
     }
 }
 
@@ -125,8 +124,8 @@ void HelpAndTools::chooseWorldIn(const QString& folder) {
 
 void HelpAndTools::HelpAboutMenuButton_Click() {
     if (!aboutForm_) {
-        aboutForm_ = new AboutForm(engine_.call(QStringLiteral("GetVersionText")).toString(),
-                                   &form_);
+        aboutForm_ =
+            new AboutForm(engine_.call(QStringLiteral("GetVersionText")).toString(), &form_);
         aboutForm_->setAttribute(Qt::WA_DeleteOnClose);
         connect(aboutForm_, &QObject::destroyed, this, [this] { aboutForm_ = nullptr; });
     }
@@ -165,7 +164,8 @@ void HelpAndTools::showMessage(const QString& title, const QString& text) {
 void HelpAndTools::showToolMissing(const ErrorFormContent& content) {
     // The form would be hidden under a camera window kept on top.
     renderForm_.AlwaysOnTop(false);
-    ErrorForm errorForm(content, [this] { return state_.VersionText; }, &form_);
+    ErrorForm errorForm(
+        content, [this] { return state_.VersionText; }, &form_);
     errorForm.exec();
     renderForm_.AlwaysOnTop(renderForm_.Check1Value());
 }

@@ -37,8 +37,9 @@ HelpLink followHelpLink(const QUrl& link, const QString& current,
     const QFileInfo info(page);
     if (!info.isFile())
         return result;
-    const bool allowed = std::any_of(allowedFolders.begin(), allowedFolders.end(),
-                                     [&](const QString& folder) { return isInFolder(page, folder); });
+    const bool allowed =
+        std::any_of(allowedFolders.begin(), allowedFolders.end(),
+                    [&](const QString& folder) { return isInFolder(page, folder); });
     if (!allowed)
         return result;
     result.page = page;

@@ -20,7 +20,8 @@ struct HelpLink {
 
 // link as written in the page shown at current, with the folders whose files may be
 // shown.
-HelpLink followHelpLink(const QUrl& link, const QString& current, const QStringList& allowedFolders);
+HelpLink followHelpLink(const QUrl& link, const QString& current,
+                        const QStringList& allowedFolders);
 
 // Whether path lies in folder or below it, every link and ".." resolved.
 bool isInFolder(const QString& path, const QString& folder);

@@ -128,9 +128,8 @@ QSize QtShell::openingSceneSizeTwips() const {
 
 void QtShell::showHelpPage(const QString& page) {
     if (!helpForm_) {
-        helpForm_ = std::make_unique<HelpForm>(
-            QStringList{state_.HomeDir + QStringLiteral("Help"),
-                        state_.HomeDir + QStringLiteral("Worlds")});
+        helpForm_ = std::make_unique<HelpForm>(QStringList{
+            state_.HomeDir + QStringLiteral("Help"), state_.HomeDir + QStringLiteral("Worlds")});
         // A link to a world's page opens the world, unless the user keeps the one open.
         QObject::connect(helpForm_.get(), &HelpForm::worldWanted, [this](const QString& folder) {
             if (world_.IsWorldDirty() && mainForm_->SaveChangesPrompt() == 2)

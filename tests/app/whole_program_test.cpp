@@ -298,3 +298,21 @@ TEST(WholeProgram, AWorldMadeAndSavedComesBackWholeAfterARestartAndRuns) {
     for (size_t i = 0; i < 4; ++i)
         EXPECT_NEAR(chair[2].turn[i], chair[0].turn[i], 1e-6) << errors;
 }
+
+TEST(WholeProgram, ViewOnlineHelpOpensTheFirstExampleWorldBesideItsPageOfTheGuide) {
+    const ProgramRun run = runProgram(
+        QStringLiteral(VESSA_PROGRAM),
+        QStringLiteral("wait:300;menu:Help;choose:View Online Help...;seen:ObjectTree,Bunny;"
+                       "dump:ObjectTree;reader:frmVessaHelp;reader:MainForm;exit"));
+    const std::string errors = run.errors.toStdString();
+    ASSERT_TRUE(run.finished) << errors;
+    EXPECT_EQ(run.exitCode, 0) << errors;
+    EXPECT_FALSE(run.errors.contains(QStringLiteral("driver: gave up"))) << errors;
+    EXPECT_FALSE(run.errors.contains(QStringLiteral("driver: ErrorForm"))) << errors;
+    // The world's objects, its page in the help window, its name in the caption.
+    for (const char* line : {"driver: ObjectTree:   Bunny\n", "driver: ObjectTree:   Tree\n",
+                             "driver: reader: frmVessaHelp window \"Vessa's Illustrated Guide to "
+                             "Brightmere\"\n"})
+        EXPECT_TRUE(run.errors.contains(QString::fromLatin1(line))) << line << errors;
+    EXPECT_TRUE(run.errors.contains(QStringLiteral("Example1 - First World"))) << errors;
+}

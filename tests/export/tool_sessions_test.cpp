@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QPointer>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -67,10 +68,9 @@ class ToolSessionsTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(dir.isValid());
-        home = dir.path() + QStringLiteral("/home/");
-        temp = dir.path() + QStringLiteral("/temp");
-        for (const QString& folder : {home + QStringLiteral("bin"), home + QStringLiteral("VessaPaint3D"),
-                                      home + QStringLiteral("Teddy2"), temp})
+        for (const QString& folder :
+             {home + QStringLiteral("bin"), home + QStringLiteral("VessaPaint3D"),
+              home + QStringLiteral("Teddy2"), temp})
             ASSERT_TRUE(QDir().mkpath(folder));
         writeJview(QStringLiteral("Paint3d|Teddy"));
         program.state.HomeDir = home;
@@ -88,10 +88,10 @@ protected:
     }
 
     void TearDown() override {
-        for (QtToolProcess* tool : tools)
-            if (tool->process().state() != QProcess::NotRunning) {
-                tool->process().write("exit 0\n");
-                tool->process().waitForFinished(kToolAnswerMs);
+        for (const QPointer<QProcess>& process : processes)
+            if (process && process->state() != QProcess::NotRunning) {
+                process->write("exit 0\n");
+                process->waitForFinished(kToolAnswerMs);
             }
     }
 
@@ -99,9 +99,10 @@ protected:
     void writeJview(const QString& names) {
         QFile jview(home + QStringLiteral("bin/jview"));
         ASSERT_TRUE(jview.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        jview.write(QStringLiteral("#!/bin/sh\ncase \"$1\" in %1) exec '%2' \"$@\" ;; esac\nexit 127\n")
-                        .arg(names, QStringLiteral(VESSA_FAKE_TOOL))
-                        .toUtf8());
+        jview.write(
+            QStringLiteral("#!/bin/sh\ncase \"$1\" in %1) exec '%2' \"$@\" ;; esac\nexit 127\n")
+                .arg(names, QStringLiteral(VESSA_FAKE_TOOL))
+                .toUtf8());
         jview.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
 
@@ -153,16 +154,23 @@ protected:
     }
 
     QTemporaryDir dir;
-    QString home, temp;
+    QString home = dir.path() + QStringLiteral("/home/");
+    QString temp = dir.path() + QStringLiteral("/temp");
     ScriptedProgram program;
     FileClipboard clipboard{clipboardPath()};
     RecordingToolView view;
-    QList<QtToolProcess*> tools; // owned by the sessions
-    ToolSessions sessions{program.state, program.engine, program.reporter, view, clipboard,
+    QList<QtToolProcess*> tools;          // owned by the sessions; those that started live on
+    QList<QPointer<QProcess>> processes; // of each tool, while it is there
+    ToolSessions sessions{program.state,
+                          program.engine,
+                          program.reporter,
+                          view,
+                          clipboard,
                           [this] {
-                              auto made = std::make_unique<QtToolProcess>(
-                                  QtToolProcess::Channels::Piped);
+                              auto made =
+                                  std::make_unique<QtToolProcess>(QtToolProcess::Channels::Piped);
                               tools << made.get();
+                              processes << &made->process();
                               return made;
                           },
                           temp};
@@ -175,8 +183,8 @@ TEST_F(ToolSessionsTest, PaintStoresTheObjectSavesAsOftenAsAskedAndEndsWithSaveA
     const QString stored = temp + QStringLiteral("/Bunny.mdl");
     EXPECT_EQ(program.statements(), QStringList{QStringLiteral("Bunny.store('") + stored + "')"});
     ASSERT_EQ(tools.size(), 1);
-    EXPECT_EQ(started(*tools[0]), QStringLiteral("started ") + home +
-                                      QStringLiteral("VessaPaint3D Paint3d ") + stored);
+    EXPECT_EQ(started(*tools[0]),
+              QStringLiteral("started ") + home + QStringLiteral("VessaPaint3D Paint3d ") + stored);
     EXPECT_TRUE(sessions.PaintTimer().isActive());
     EXPECT_EQ(sessions.PaintTimer().interval(), 100);
     EXPECT_FALSE(program.state.RunEngineLoop);
@@ -200,7 +208,8 @@ TEST_F(ToolSessionsTest, PaintStoresTheObjectSavesAsOftenAsAskedAndEndsWithSaveA
     say(*tools[0], QStringLiteral("paint3d_save_and_exit ") + stored);
     sessions.PaintTimer_Timer();
     const QString replaced = QStringLiteral("Bunny|") + stored;
-    EXPECT_EQ(callsOf(QStringLiteral("replaceobject")), QStringList({replaced, replaced, replaced}));
+    EXPECT_EQ(callsOf(QStringLiteral("replaceobject")),
+              QStringList({replaced, replaced, replaced}));
     EXPECT_FALSE(sessions.PaintTimer().isActive());
     EXPECT_TRUE(program.state.RunEngineLoop);
     EXPECT_EQ(view.idle, QList<int>({42, 1}));
@@ -213,8 +222,9 @@ TEST_F(ToolSessionsTest, PaintStoresTheObjectSavesAsOftenAsAskedAndEndsWithSaveA
 TEST_F(ToolSessionsTest, DiscardEndsThePaintWithoutTouchingTheObjectAndASecondPaintWaitsForIt) {
     sessions.mnuPaint_Click(QStringLiteral("Bunny"));
     sessions.mnuPaint_Click(QStringLiteral("Rock"));
-    EXPECT_EQ(view.messages, QStringList{QStringLiteral("Paint Tool Already Running: Sorry, but "
-                                                        "you can only paint one object at a time.")});
+    EXPECT_EQ(view.messages,
+              QStringList{QStringLiteral("Paint Tool Already Running: Sorry, but "
+                                         "you can only paint one object at a time.")});
     EXPECT_EQ(program.statements().size(), 1) << "the second paint touches nothing";
     EXPECT_EQ(tools.size(), 1);
     EXPECT_EQ(sessions.PaintObjectName(), QStringLiteral("Bunny"));
@@ -239,7 +249,8 @@ TEST_F(ToolSessionsTest, AMessageNamingAFileTheToolWasNotGivenIsPassedOver) {
     QDir().mkpath(temp + QStringLiteral("/inner"));
     QFile(temp + QStringLiteral("/inner/Bunny.mdl")).open(QIODevice::WriteOnly);
     for (const QString& path :
-         {elsewhere.filePath(QStringLiteral("Bunny.mdl")), temp + QStringLiteral("/inner/Bunny.mdl"),
+         {elsewhere.filePath(QStringLiteral("Bunny.mdl")),
+          temp + QStringLiteral("/inner/Bunny.mdl"),
           temp + QStringLiteral("/inner/../../home/bin/jview"), temp + QStringLiteral("/Gone.mdl"),
           QStringLiteral("Bunny.mdl"), QString()}) {
         say(*tools[0], QStringLiteral("PAINT3D_SAVE_AND_EXIT ") + path);
@@ -273,7 +284,8 @@ TEST_F(ToolSessionsTest, SketchToolAddsItsObjectAndLeavesItsMessageOnTheClipboar
     view.tab = 1;
     sessions.StartSketchTool();
     ASSERT_EQ(tools.size(), 1);
-    EXPECT_EQ(started(*tools[0]), QStringLiteral("started ") + home + QStringLiteral("Teddy2 Teddy"));
+    EXPECT_EQ(started(*tools[0]),
+              QStringLiteral("started ") + home + QStringLiteral("Teddy2 Teddy"));
     EXPECT_TRUE(sessions.TeddyTimer().isActive());
     EXPECT_EQ(view.idle, QList<int>{42});
 

@@ -2,8 +2,8 @@
 #include "shell/about_form.h"
 #include "shell/help_and_tools.h"
 #include "shell/help_form.h"
-#include "support/qt_print.h"
 #include "shell/main_form_harness.h"
+#include "support/qt_print.h"
 
 #include <QAccessible>
 #include <QAction>
@@ -87,13 +87,10 @@ TEST(HelpForm, ALinkToAWorldsPageLoadsThatWorldAndLinksOutOfTheGuideAreNotFollow
 struct HelpMenus : testing::MainFormHarness {
     HelpHome h;
     QStringList shownPages;
-    HelpAndTools commands{*form,
-                          renderForm,
-                          state,
-                          engine,
-                          reporter,
-                          world,
-                          [this](const QString& page) { shownPages << page; }};
+    HelpAndTools commands{
+        *form, renderForm, state, engine, reporter, world, [this](const QString& page) {
+            shownPages << page;
+        }};
 
     HelpMenus() {
         state.HomeDir = h.home;
@@ -134,9 +131,9 @@ TEST(HelpMenus, TheSiteMenuShowsTheEnginesRowsAndRunsTheOneChosen) {
     m.commands.fillSiteMenu();
     EXPECT_FALSE(site->menuAction()->isVisible());
 
-    m.scripted->answers[QStringLiteral("GetSiteSpecific")] =
-        QVariantList{QVariant(QVariantList{QStringLiteral("Say hello"), QStringLiteral("print('hi')")}),
-                     QVariant(QVariantList{QStringLiteral("Lab"), QStringLiteral("Connect()")})};
+    m.scripted->answers[QStringLiteral("GetSiteSpecific")] = QVariantList{
+        QVariant(QVariantList{QStringLiteral("Say hello"), QStringLiteral("print('hi')")}),
+        QVariant(QVariantList{QStringLiteral("Lab"), QStringLiteral("Connect()")})};
     m.commands.fillSiteMenu();
     EXPECT_TRUE(site->menuAction()->isVisible());
     ASSERT_EQ(site->actions().size(), 2);

@@ -65,12 +65,13 @@ void buildScene(EngineLink& engine, const QString& home, const QString& recipe) 
     for (const QString& line : sceneLines(recipe)) {
         QVariant result;
         if (line.startsWith(QStringLiteral("object ")))
-            result = engine.call(QStringLiteral("addobject"),
-                                 {home + QStringLiteral("Objects/") + line.mid(7) +
-                                  QStringLiteral(".mdl")});
+            result =
+                engine.call(QStringLiteral("addobject"), {home + QStringLiteral("Objects/") +
+                                                          line.mid(7) + QStringLiteral(".mdl")});
         else if (line.startsWith(QStringLiteral("sound ")))
-            result = engine.call(QStringLiteral("AddSound"), {home + QStringLiteral("Sounds/") +
-                                                              line.mid(6) + QStringLiteral(".wav")});
+            result =
+                engine.call(QStringLiteral("AddSound"), {home + QStringLiteral("Sounds/") +
+                                                         line.mid(6) + QStringLiteral(".wav")});
         else
             result = engine.ExecuteCode(line, QStringLiteral("<Tool>"));
         succeed(result, recipe + QStringLiteral(": ") + line);
@@ -112,8 +113,7 @@ void makeWorld(EngineLink& engine, const QString& home, const QString& recipe,
         fail(recipe + QStringLiteral(": a row the Python had to leave out"));
     writeFile(world + u'/' + world_files::Python, scriptFileBytes(python.text));
     const QString page = recipe + QStringLiteral("/World_VessaHelp.html");
-    if (QFile::exists(page) &&
-        !QFile::copy(page, world + QStringLiteral("/World_VessaHelp.html")))
+    if (QFile::exists(page) && !QFile::copy(page, world + QStringLiteral("/World_VessaHelp.html")))
         fail(QStringLiteral("can't copy ") + page);
 }
 
