@@ -5,7 +5,9 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QImage>
 #include <QTextBrowser>
+#include <QTextDocument>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -21,13 +23,15 @@ public:
 
     QVariant loadResource(int type, const QUrl& name) override {
         const QUrl resolved = source().resolved(name);
-        if (!resolved.isLocalFile())
-            return {};
-        const QString path = resolved.toLocalFile();
-        for (const QString& folder : allowedFolders_)
-            if (isInFolder(path, folder))
-                return QTextBrowser::loadResource(type, name);
-        return {};
+        if (resolved.isLocalFile())
+            for (const QString& folder : allowedFolders_)
+                if (isInFolder(resolved.toLocalFile(), folder))
+                    return QTextBrowser::loadResource(type, name);
+        // Nothing at all would send the document to read the file itself: an empty
+        // picture or text stands in.
+        if (type == QTextDocument::ImageResource)
+            return QImage();
+        return QString();
     }
 
 private:

@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QImage>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
@@ -18,6 +19,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextBrowser>
+#include <QTextDocument>
 #include <gtest/gtest.h>
 
 namespace vessa {
@@ -81,6 +83,27 @@ TEST(HelpForm, ALinkToAWorldsPageLoadsThatWorldAndLinksOutOfTheGuideAreNotFollow
     EXPECT_EQ(QFileInfo(form.currentPage()).fileName(), QStringLiteral("next.html"));
     EXPECT_EQ(worlds.size(), 1);
     EXPECT_EQ(form.windowTitle(), QStringLiteral("Vessa's Illustrated Guide to Brightmere"));
+}
+
+TEST(HelpForm, PicturesComeOnlyFromTheFoldersItMayShow) {
+    HelpHome h;
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    ASSERT_TRUE(picture.save(h.home + QStringLiteral("Help/inside.png")));
+    ASSERT_TRUE(picture.save(h.dir.path() + QStringLiteral("/outside.png")));
+    writeFile(h.home + QStringLiteral("Help/pictures.html"),
+              "<img src=\"inside.png\"><img src=\"../../outside.png\">");
+    HelpForm form({h.home + QStringLiteral("Help")});
+    form.navigate(h.home + QStringLiteral("Help/pictures.html"));
+    QTextDocument* page = form.browser().document();
+    const QUrl here = QUrl::fromLocalFile(h.home + QStringLiteral("Help/pictures.html"));
+    const auto shows = [&](const char* name) {
+        const QVariant found = page->resource(QTextDocument::ImageResource,
+                                              here.resolved(QUrl(QString::fromLatin1(name))));
+        return !found.value<QImage>().isNull() || !found.value<QByteArray>().isEmpty();
+    };
+    EXPECT_TRUE(shows("inside.png"));
+    EXPECT_FALSE(shows("../../outside.png"));
 }
 
 // The Help and Site Specific menus of the main window over a scripted engine.

@@ -8,6 +8,7 @@
 #include "scene/gallery_dialog.h"
 #include "scene/scene_panel.h"
 #include "script/script_panel.h"
+#include "shell/about_form.h"
 #include "shell/error_form.h"
 #include "shell/help_form.h"
 #include "shell/splash_screen.h"
@@ -192,6 +193,7 @@ TEST(ScreenReader, TheListNamesOnlyControlsThatExistAndEveryShownControlHasAName
     MainFormHarness h;
     ErrorForm error(ErrorFormContent{}, [] { return QString(); });
     HelpForm help;
+    AboutForm about(QStringLiteral("1.0"));
     SplashScreen splash;
     // The gallery and the Add Text form are made the first time they are asked for.
     AddingCommands& adding = h.form->addingCommands();
@@ -208,6 +210,7 @@ TEST(ScreenReader, TheListNamesOnlyControlsThatExistAndEveryShownControlHasAName
                                &h.renderForm,
                                &error,
                                &help,
+                               &about,
                                &splash,
                                adding.gallery(),
                                adding.addTextForm(),

@@ -31,6 +31,9 @@ namespace {
 
 using namespace vessa;
 
+// Long enough for what a scene line starts (a move or a turn of no duration) to end.
+constexpr double kSettleSeconds = 2.0;
+
 [[noreturn]] void fail(const QString& why) {
     std::fprintf(stderr, "vessa_example_worlds: %s\n", qPrintable(why));
     std::exit(1);
@@ -75,6 +78,9 @@ void buildScene(EngineLink& engine, const QString& home, const QString& recipe) 
         else
             result = engine.ExecuteCode(line, QStringLiteral("<Tool>"));
         succeed(result, recipe + QStringLiteral(": ") + line);
+        // What the statement started runs to its end in the engine's own time.
+        succeed(engine.call(QStringLiteral("AdvanceClock"), {kSettleSeconds}), line);
+        succeed(engine.call(QStringLiteral("Loop")), line);
         // A statement's mistakes come as records, not as the call's answer.
         engine.call(QStringLiteral("flushout"));
         for (const QVariant& record :
@@ -135,6 +141,7 @@ int main(int argc, char** argv) {
         asRunTimeError([&] {
             engine.attach(registry.create(kEngineProgId));
             succeed(engine.call(QStringLiteral("SetHomeDirectory"), {home}), home);
+            succeed(engine.call(QStringLiteral("UseManualClock")), QStringLiteral("the clock"));
             int made = 0;
             for (const QString& kind : QDir(recipes).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
                 const QDir worlds(recipes + u'/' + kind);
