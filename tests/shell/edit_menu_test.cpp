@@ -11,6 +11,7 @@
 #include "support/qt_print.h"
 #include "support/window_wait.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
@@ -53,20 +54,25 @@ struct Editing : MainFormHarness {
         QTest::keyClick(widget, key, modifiers);
         QApplication::processEvents();
     }
-    // Right-clicks node and answers the visible captions of the menu that opens.
-    QStringList rightClick(const TreeNode* node) {
+    // Right-clicks node and answers the visible captions of the menu that opens, which
+    // stays open only when asked to.
+    QStringList rightClick(const TreeNode* node, bool keepOpen = false) {
         QTest::mouseClick(view.viewport(), Qt::RightButton, {}, view.NodeRect(node).center());
         QApplication::processEvents();
         QStringList shown;
-        if (QMenu* menu = panel.OpenMenu())
-            for (QAction* row : menu->actions())
-                if (row->isVisible() && !row->isSeparator())
-                    shown << row->text();
+        QMenu* menu = panel.OpenMenu();
+        if (!menu)
+            return shown;
+        for (QAction* row : menu->actions())
+            if (row->isVisible() && !row->isSeparator())
+                shown << row->text();
+        if (!keepOpen)
+            QTest::keyClick(menu, Qt::Key_Escape);
         return shown;
     }
     // Right-clicks node and clicks the row of the menu with that caption.
     void chooseOnNode(const TreeNode* node, const QString& caption) {
-        rightClick(node);
+        rightClick(node, true);
         QMenu* menu = panel.OpenMenu();
         ASSERT_TRUE(menu);
         for (QAction* row : menu->actions())
