@@ -62,8 +62,7 @@ std::optional<QString> blockLineOf(const QString& plain) {
     if (text::Same(plain, u"DoInOrder") || text::Same(plain, u"DoTogether"))
         return BareBlockWord(plain);
     if (const auto match = named.match(plain); match.hasMatch())
-        return AnimationText(match.captured(1))
-            .replace(QStringLiteral("DoInOrder"), BareBlockWord(match.captured(2)));
+        return match.captured(1) + QStringLiteral(" = ") + BareBlockWord(match.captured(2));
     if (const auto match = labelAfter.match(plain); match.hasMatch())
         return BareBlockWord(match.captured(1)) + QStringLiteral(" : ") + match.captured(2);
     if (const auto match = labelBefore.match(plain); match.hasMatch())

@@ -22,6 +22,10 @@ QByteArray ownMark() {
     return QByteArray::number(QCoreApplication::applicationPid());
 }
 
+bool isOwnLines(const QMimeData* data) {
+    return data->data(QString::fromLatin1(OwnLinesMimeType)) == ownMark();
+}
+
 constexpr int AnimationsTab = 1;
 
 } // namespace
@@ -34,8 +38,10 @@ EditMenu::EditMenu(ScriptModel& script, EventList& events, std::function<int()> 
         ScriptRequest::Kind::NodeCommand, [this](const ScriptRequest& request) {
             run([&](EditCommands& commands) { commands.mnuNodeRightB_Click(request.Number); });
         });
+    // Only looked at, not read: another program's text may be long.
     connect(QApplication::clipboard(), &QClipboard::dataChanged, this, [this] {
-        if (tab_() == AnimationsTab && !foreignClipboardText().isEmpty())
+        const QMimeData* data = QApplication::clipboard()->mimeData();
+        if (tab_() == AnimationsTab && data && data->hasText() && !isOwnLines(data))
             offerPaste();
     });
 }

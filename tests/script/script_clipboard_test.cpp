@@ -170,6 +170,7 @@ TEST_F(Clipboard, LinesAsTextLoseTheirMarkersAndComeBackAsTheSameScript) {
     EXPECT_EQ(ScriptLineOf("Camera.Wait(1)"), "Camera.Wait(1)");
     EXPECT_EQ(ScriptLineOf("Bunny.Hide()"), "Bunny.Hide(more...)");
     EXPECT_EQ(ScriptLineOf("Spin = dotogether"), "Spin = DoTogether");
+    EXPECT_EQ(ScriptLineOf("NotDoInOrder = DoTogether"), "NotDoInOrder = DoTogether");
     EXPECT_EQ(ScriptLineOf("PlaySound(bell.wav)"), "PlaySound(bell.wav)");
 }
 
