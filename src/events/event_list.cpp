@@ -69,6 +69,7 @@ void EventList::InitEventList() {
     // The script's records of this world go with it; left here, their rows' keys would
     // name rows of the next world.
     treeListUndoLog_.Clear();
+    rowClipboard_.Clear();
     eventRowCounter_ = 0;
     currentRowKey_.clear();
     currentColumn_ = 0;
@@ -122,6 +123,19 @@ ListRow* EventList::addDroppedObject(const QString& objectName) {
 void EventList::DeleteRow(const ListRow* row) {
     LVUndoLog(listUndoLog_, EventUndoOperation::Removed, row);
     listView1_.Remove(listView1_.PositionOf(row));
+}
+
+void EventList::CutRow(const ListRow* row) {
+    rowClipboard_.Copy(*row);
+    DeleteRow(row);
+}
+
+ListRow* EventList::PasteRow() {
+    ListRow* row = addRow(rowClipboard_.Value(When), rowClipboard_.Value(HappensTo),
+                          rowClipboard_.Value(DoAnimation));
+    LVUndoLog(listUndoLog_, EventUndoOperation::Added, row);
+    listView1_.SetSelectedItem(row);
+    return row;
 }
 
 ScriptRequest EventList::ListView1_MouseUp(Qt::MouseButton button, ListRow* row, int column) {

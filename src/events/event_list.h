@@ -3,6 +3,7 @@
 #include "controls/list_control.h"
 #include "controls/list_item_model.h"
 #include "events/event_undo_log.h"
+#include "events/row_clipboard.h"
 #include "script/script_request.h"
 
 #include <Qt>
@@ -60,6 +61,13 @@ public:
 
     // Deletes row, recorded in ListUndoLog: undo brings it back at the end of the list.
     void DeleteRow(const ListRow* row);
+    // The row copied last, which Paste makes rows from.
+    RowClipboard& rowClipboard() { return rowClipboard_; }
+    // Copies row, then deletes it as DeleteRow does.
+    void CutRow(const ListRow* row);
+    // A row at the end with the next "Key<n>" and the columns copied last (empty ones when
+    // none was), recorded in ListUndoLog and selected.
+    ListRow* PasteRow();
 
     // A click released on ListView1 over row (nullptr: none) in column (When, HappensTo,
     // DoAnimation; anything else: outside the columns). A left click on a row selects it,
@@ -114,6 +122,7 @@ private:
     int eventRowCounter_ = 0;
     EventUndoLog listUndoLog_;
     EventUndoLog treeListUndoLog_;
+    RowClipboard rowClipboard_;
     QString currentRowKey_;
     int currentColumn_ = 0;
     std::function<void(const QString&)> notice_;

@@ -188,6 +188,7 @@ std::vector<MenuRow> ScriptClicks::NodeMenuRows(TreeNode* node, int offset) {
     std::vector<MenuRow> rows = AllNodeRows();
     // Any line or block, the user's own Python too, can be run on its own at once.
     Show(rows, {PerformLine, UpperSeparator});
+    rows[PasteLine].Visible = pasteLineShown_;
     const QString& line = node->Text();
     if (IsBareSoundLine(line)) {
         Show(rows, {CutLine, CopyLine, DeleteLine, LowerSeparator, PythonLine});

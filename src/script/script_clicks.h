@@ -47,6 +47,8 @@ public:
 
     // Whether the Python code box shows, which decides the blank-space menu's rows.
     void SetCodeBoxShown(bool shown) { codeBoxShown_ = shown; }
+    // Whether something has been copied: "Paste Line" shows from then on.
+    void SetPasteLineShown(bool shown) { pasteLineShown_ = shown; }
 
     // TreeView1: a press remembers the node as the one a drag would take, with the
     // button that pressed it; the left button also selects it.
@@ -80,6 +82,7 @@ private:
 
     ScriptModel& model_; // Not owned.
     bool codeBoxShown_ = false;
+    bool pasteLineShown_ = false;
 };
 
 } // namespace vessa

@@ -54,6 +54,8 @@ public:
     void ApplyScriptFont(const QFont& font);
     // Whether the Python code box shows: the blank-space menu offers to add or remove it.
     void SetCodeBoxShown(bool shown) { clicks_.SetCodeBoxShown(shown); }
+    // Whether something has been copied: the node menu offers "Paste Line" from then on.
+    void SetPasteLineShown(bool shown) { clicks_.SetPasteLineShown(shown); }
     // The right-click menu that is open, if any.
     QMenu* OpenMenu() const { return menu_; }
     // The piece of node's line that the keyboard works on: its offset and length; an

@@ -9,6 +9,7 @@
 #include "scene/scene_panel.h"
 #include "script/script_panel.h"
 #include "shell/archive_dialogs.h"
+#include "shell/edit_menu.h"
 #include "shell/error_form.h"
 #include "shell/loop_wait.h"
 #include "shell/opening_scene.h"
@@ -346,11 +347,8 @@ QWidget* MainForm::buildScriptTabs() {
     auto* scriptTab = new QWidget(area);
     auto* scriptLayout = new QVBoxLayout(scriptTab);
     scriptLayout->setContentsMargins(0, 0, 0, 0);
-    trashCan_ = new TrashCan(
-        world_.script(), world_.events(), [this] { return world_.status().SceneScriptTab(); },
-        area);
-    connect(findChild<QAction*>(QStringLiteral("EditDeleteMenuButton")), &QAction::triggered,
-            trashCan_, &TrashCan::EditDeleteMenuButton_Click);
+    connectEditCommands();
+    trashCan_ = new TrashCan(world_.script(), world_.events(), *editMenu_, area);
     scriptLayout->addWidget(buildRunControls(scriptTab));
     scriptLayout->addWidget(eventPanel_, 1);
     scriptLayout->addWidget(scriptPanel_, 2);

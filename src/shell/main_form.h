@@ -25,6 +25,7 @@ class QToolButton;
 namespace vessa {
 
 class AddingCommands;
+class EditMenu;
 class ArchiveDialogs;
 class Autosave;
 class EventPanel;
@@ -95,6 +96,8 @@ public:
     // Add Object, Add Sound and Add Text, from the menu and from their buttons.
     AddingCommands& addingCommands() { return *adding_; }
     TrashCan& trashCan() { return *trashCan_; }
+    // Cut, Copy, Paste and Delete; the code box is given to it once there is one.
+    EditMenu& editMenu() { return *editMenu_; }
     QTextEdit* OutputText() const { return outputText_; }
     WorldRun& worldRun() { return *run_; }
 
@@ -170,6 +173,8 @@ private:
     // Does again what the tab's own log undid last.
     void EditRedoTextMenuButton_Click();
     void showScriptUndoAvailable();
+    // The Edit menu's Cut, Copy, Paste and Delete, and the node menu's rows for them.
+    void connectEditCommands();
     void IdleTimer_Timer();
     void connectFileCommands();
     bool worldIsSaved() const;
@@ -216,6 +221,7 @@ private:
     std::unique_ptr<ArchiveDialogs> archiveDialogs_;
     std::unique_ptr<WorldArchive> archive_; // Import VES File, Send To A Friend
     std::unique_ptr<Autosave> autosave_;
+    std::unique_ptr<EditMenu> editMenu_;
     std::unique_ptr<WindowKeeper> keeper_;
     RecentFilesMenu* recentFiles_ = nullptr;
     MouseToolsPanel* mouseTools_ = nullptr;

@@ -1,22 +1,19 @@
 #include "shell/trash_can.h"
 
-#include "base/run_time_error.h"
 #include "controls/node_ref.h"
 #include "events/event_list.h"
-#include "script/script_host.h"
 #include "script/script_model.h"
+#include "shell/edit_menu.h"
 
 #include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QStyle>
 
 namespace vessa {
 
-TrashCan::TrashCan(ScriptModel& script, EventList& events, std::function<int()> tab,
-                   QWidget* parent)
-    : QToolButton(parent), script_(script), events_(events), tab_(std::move(tab)) {
+TrashCan::TrashCan(ScriptModel& script, EventList& events, EditMenu& commands, QWidget* parent)
+    : QToolButton(parent), script_(script), events_(events), commands_(commands) {
     setObjectName(QStringLiteral("TrashCanPicture"));
     setText(tr("Trash"));
     setIcon(style()->standardIcon(QStyle::SP_TrashIcon));
@@ -28,10 +25,7 @@ TrashCan::TrashCan(ScriptModel& script, EventList& events, std::function<int()> 
 }
 
 void TrashCan::EditDeleteMenuButton_Click() {
-    if (tab_() == 2)
-        deleteSelectedRow();
-    else if (TreeNode* node = script_.TreeView1().SelectedItem())
-        deleteLine(node);
+    commands_.run([](EditCommands& edit) { edit.EditDeleteMenuButton_Click(); });
 }
 
 bool TrashCan::takes(const QMimeData* carried) const {
@@ -69,55 +63,14 @@ void TrashCan::dropEvent(QDropEvent* event) {
     }
     event->acceptProposedAction();
     if (carried->hasFormat(QString::fromLatin1(RowDragMimeType))) {
-        deleteSelectedRow();
+        commands_.run([](EditCommands& edit) { edit.DeleteRow(); });
         return;
     }
     TreeNode* node = script_.DragNode.Get();
     script_.TreeView1().SetSelectedItem(node);
     script_.TreeView1().SetDropHighlight(node);
     script_.DragNode = {};
-    deleteLine(node);
-}
-
-void TrashCan::deleteSelectedRow() {
-    const ListRow* row = events_.ListView1().SelectedItem();
-    if (!row)
-        return;
-    try {
-        events_.DeleteRow(row);
-    } catch (const RunTimeError& error) {
-        script_.Host().ReportError(error);
-    }
-}
-
-void TrashCan::deleteLine(TreeNode* node) {
-    const NodeRef line = NodeRef::To(script_.TreeView1(), node);
-    const auto remove = [this, line] {
-        // The line may have gone while the question was open.
-        if (TreeNode* still = line.Get()) {
-            try {
-                script_.DeleteNode(still);
-            } catch (const RunTimeError& error) {
-                script_.Host().ReportError(error);
-            }
-        }
-    };
-    if (!script_.DeleteTakesEventRows(node)) {
-        remove();
-        return;
-    }
-    auto* question = new QMessageBox(
-        QMessageBox::Warning, tr("Delete Animation"),
-        QStringLiteral("This animation has been attached to a condition in the event builder.\r\n"
-                       "If you delete this animation, any events to which it has been attached "
-                       "\r\nwill be deleted as well."),
-        QMessageBox::Ok | QMessageBox::Cancel, this);
-    question->setAttribute(Qt::WA_DeleteOnClose);
-    connect(question, &QMessageBox::finished, this, [remove](int answer) {
-        if (answer == QMessageBox::Ok)
-            remove();
-    });
-    question->open();
+    commands_.run([node](EditCommands& edit) { edit.DeleteLine(node); });
 }
 
 } // namespace vessa

@@ -2,15 +2,13 @@
 
 #include <QToolButton>
 
-#include <functional>
-
 class QMimeData;
 
 namespace vessa {
 
+class EditMenu;
 class EventList;
 class ScriptModel;
-class TreeNode;
 
 // The trash can beside the script. A line or block of the script, or a row of the event
 // list, dropped on it is deleted as the Delete command deletes it, recorded for undo; an
@@ -22,9 +20,8 @@ class TreeNode;
 class TrashCan : public QToolButton {
     Q_OBJECT
 public:
-    // tab answers the world tab shown: 2 is the events tab.
-    TrashCan(ScriptModel& script, EventList& events, std::function<int()> tab,
-             QWidget* parent = nullptr);
+    // What it takes it deletes through the Delete command of commands.
+    TrashCan(ScriptModel& script, EventList& events, EditMenu& commands, QWidget* parent = nullptr);
 
     bool isOpen() const { return open_; }
     // The Delete command on the tab shown.
@@ -38,13 +35,10 @@ protected:
 private:
     bool takes(const QMimeData* carried) const;
     void showOpen(bool open);
-    // Deletes the line, first asking whether its event rows may go with it.
-    void deleteLine(TreeNode* node);
-    void deleteSelectedRow();
 
     ScriptModel& script_; // Not owned.
     EventList& events_;   // Not owned.
-    std::function<int()> tab_;
+    EditMenu& commands_;  // Not owned.
     bool open_ = false;
 };
 

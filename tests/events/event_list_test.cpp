@@ -112,3 +112,25 @@ TEST_F(Events, RenamesReachWholeNamesOnlyAndAnimationsReachTheirRowsWithARecordE
                                    "Key0|World Start|- - -|Action1",
                                    "Key1|LeftMouseButtonDown|Rabbit.Head|action1"}));
 }
+
+TEST_F(Events, RowsCutCopiedAndPastedTakeNewKeysAndEachIsOneUndo) {
+    ListRow* start = list.Row(0);
+    events.rowClipboard().Copy(*start);
+    ListRow* first = events.PasteRow();
+    ListRow* second = events.PasteRow();
+    EXPECT_NE(first->Key(), second->Key());
+    EXPECT_EQ(list.SelectedItem(), second);
+    EXPECT_EQ(Rows(),
+              (QStringList{"Key0|World Start|- - -|Action1", "Key1|World Start|- - -|Action1",
+                           "Key2|World Start|- - -|Action1"}));
+    events.CutRow(first);
+    EXPECT_EQ(list.Count(), 2);
+    Undo(); // the cut
+    Undo(); // the second paste
+    EXPECT_EQ(Rows(),
+              (QStringList{"Key0|World Start|- - -|Action1", "Key1|World Start|- - -|Action1"}));
+
+    // A new world forgets the row copied: a paste then makes an empty row.
+    events.InitEventList();
+    EXPECT_EQ(events.PasteRow()->SubItems(EventList::DoAnimation), "");
+}

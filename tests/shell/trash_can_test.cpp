@@ -6,6 +6,7 @@
 #include "events/event_list.h"
 #include "script/script_model.h"
 #include "script/script_test_support.h"
+#include "shell/edit_menu.h"
 
 #include <QApplication>
 #include <QDropEvent>
@@ -27,9 +28,9 @@ struct Trash : ::testing::Test {
     TreeControl& tree = script.TreeView1();
     TreeControl objects;
     int tab = 1;
-    TrashCan can{script, events, [this] {
-                     return tab;
-                 }};
+    QWidget window; // where the questions show
+    EditMenu commands{script, events, [this] { return tab; }, window};
+    TrashCan can{script, events, commands, &window};
     TreeNode* action1 = tree.FirstRoot();
     TreeNode *move, *turn;
 
@@ -37,7 +38,7 @@ struct Trash : ::testing::Test {
         move = tree.Add(action1, Relation::Child, "", "Camera.Move(Forward, 1, more...)");
         turn = tree.Add(action1, Relation::Child, "", "Camera.Turn(Right, 1/2, more...)");
         events.InitEventList();
-        can.show();
+        window.show();
     }
 
     // Drags what is carried over the can; answers whether the can took it.
@@ -128,7 +129,7 @@ TEST_F(Trash, AnAnimationThatRowsDoGoesWithThemOnlyOnceTheUserAgrees) {
     const auto answer = [&](QMessageBox::StandardButton button) {
         script.DragNode = NodeRef::To(tree, action1);
         drop(NodeDragMimeType);
-        auto* question = can.findChild<QMessageBox*>();
+        auto* question = window.findChild<QMessageBox*>();
         ASSERT_TRUE(question);
         EXPECT_TRUE(question->text().startsWith(
             "This animation has been attached to a condition in the event builder."));
