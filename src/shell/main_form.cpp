@@ -20,7 +20,10 @@
 #include "shell/window_keeper.h"
 #include "shell/world_dialog.h"
 #include "shell/world_trust.h"
+#include "text/arbitrary_code_box.h"
+#include "text/code_editor.h"
 #include "world/autosave.h"
+#include "world/code_box_run.h"
 #include "world/open_world.h"
 #include "world/recovery_store.h"
 #include "world/world_files.h"
@@ -353,7 +356,7 @@ QWidget* MainForm::buildScriptTabs() {
             trashCan_, &TrashCan::EditDeleteMenuButton_Click);
     scriptLayout->addWidget(buildRunControls(scriptTab));
     scriptLayout->addWidget(eventPanel_, 1);
-    scriptLayout->addWidget(scriptPanel_, 2);
+    scriptLayout->addWidget(buildCodeBoxSplitter(scriptTab), 2);
     scriptLayout->addWidget(scriptText_, 2);
 
     sceneScriptTab_ = new QStackedWidget(area);
@@ -479,6 +482,7 @@ void MainForm::orderTabStops() {
                              &script.ConstructTreeView(),
                              &script.TreeView1View(),
                              &script.CommandLineTreeviewView(),
+                             &codeBox_->editor(),
                              scriptText_,
                              outputText_};
     for (qsizetype i = 0; i < openingSceneTools.size(); ++i)
@@ -648,6 +652,7 @@ void MainForm::keepCameraWindowOnTop() {
 
 void MainForm::worldNamed(const QString& worldSaveFile) {
     showTrustOfWorld();
+    showWorldInCodeBoxes();
     recentFiles_->refresh();
     const QString version = engine_.call(QStringLiteral("GetVersionText")).toString();
     setWindowTitle(worldSaveFile.isEmpty()

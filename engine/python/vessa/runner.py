@@ -9,7 +9,7 @@ import warnings
 
 from . import compat, explain, records, reports
 
-USER_SOURCES = frozenset({"<Script Text>", "<treeview>", "<Command Line>"})
+USER_SOURCES = frozenset({"<Script Text>", "<treeview>", "<Command Line>", "<On The Fly>"})
 
 
 def is_user_code(code):
@@ -56,6 +56,21 @@ class CodeRunner:
             except BaseException as exc:
                 return self._failed(exc, tag, reports.line_detail(exc, (tag,)))
         return None
+
+    def compiles(self, text, tag):
+        """Whether text is Python that can run ("exec"); a mistake in it is
+        reported to the user as on a run."""
+        reports.remember_source(tag, text)
+        with self._capture:
+            try:
+                self._compile(text, tag, "exec")
+            except SyntaxError as exc:
+                self._failed(exc, tag, reports.syntax_detail(exc, tag))
+                return False
+            except ValueError as exc:
+                self._failed(exc, tag, reports.NO_LINE)
+                return False
+        return True
 
     def _compile(self, text, tag, mode):
         """The code of text. A world is run again and again as it stands: the
