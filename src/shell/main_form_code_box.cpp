@@ -13,6 +13,8 @@
 #include "world/code_box_run.h"
 #include "world/open_world.h"
 
+#include <QApplication>
+#include <QContextMenuEvent>
 #include <QMenu>
 #include <QMessageBox>
 #include <QScrollBar>
@@ -29,6 +31,36 @@ void addNames(const TreeNode* node, QStringList& names) {
         addNames(node->Child(), names);
     }
 }
+
+// The right button on the script text, as a press or release of the button or as the
+// menu key: the watcher says where, in the viewport's pixels.
+class RightClickWatcher : public QObject {
+public:
+    RightClickWatcher(QPlainTextEdit* box, std::function<void(const QPoint&)> clicked)
+        : QObject(box), clicked_(std::move(clicked)) {
+        box->installEventFilter(this); // the menu key, where the focus is
+        box->viewport()->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::ContextMenu) {
+            clicked_(static_cast<QContextMenuEvent*>(event)->pos());
+            return true;
+        }
+        // The release, as the menu comes up after the click where the platform does not
+        // tell of a menu of its own.
+        if (event->type() == QEvent::MouseButtonRelease) {
+            const auto* mouse = static_cast<QMouseEvent*>(event);
+            if (mouse->button() == Qt::RightButton && !QApplication::activePopupWidget())
+                clicked_(mouse->position().toPoint());
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    std::function<void(const QPoint&)> clicked_;
+};
 
 } // namespace
 
@@ -67,8 +99,7 @@ void MainForm::connectCodeBox() {
         run_->PerformScriptButton_MouseUp();
     });
     keys->add(Qt::Key_F4, [this] { codeBoxRun_->UndoKey(); });
-    scriptText_->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(scriptText_, &QWidget::customContextMenuRequested, this, &MainForm::ScriptText_MouseUp);
+    new RightClickWatcher(scriptText_, [this](const QPoint& point) { ScriptText_MouseUp(point); });
     connectMenuCommand("ScriptTextOTFButton", [this] { ScriptTextOTFButton_Click(); });
     connect(&renderForm_, &RenderForm::onTheFlyButtonPressed, this,
             &MainForm::OnTheFlyButton_Click);

@@ -30,9 +30,9 @@ def test_a_button_runs_its_lines_at_each_press_while_the_world_runs(clocked):
     assert tagged(misc(engine), "popuperrordialog") == []
 
 
-def test_each_press_is_one_undo_step(clocked):
+def test_each_press_is_one_undo_step_and_lines_from_inside_a_block_run(clocked):
     engine = clocked
-    engine.OnTheFlyButton("Camera.Move(Up, 1, Duration=0)\nCamera.Move(Left, 1, Duration=0)")
+    engine.OnTheFlyButton("\tCamera.Move(Up, 1, Duration=0),\n\tCamera.Move(Left, 1, Duration=0),")
     engine.PressOnTheFlyButton(1)
     at(engine, 1.0)
     assert where(engine) == pytest.approx([-1, 1, 0])   # left is the world's -x

@@ -12,12 +12,14 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSettings>
 #include <QTabBar>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextBlock>
 #include <QTextEdit>
 #include <QTimer>
 #include <QToolButton>
@@ -121,9 +123,7 @@ struct RunningWorld : EngineAndWorld {
         EXPECT_TRUE(QTest::qWaitForWindowActive(form.get(), kWindowWaitMs));
         QTest::keyClick(form.get(), Qt::Key_F12);
     }
-    QPlainTextEdit* scriptText() {
-        return form->findChild<QPlainTextEdit*>(QStringLiteral("ScriptText"));
-    }
+    CodeEditor* scriptText() { return form->findChild<CodeEditor*>(QStringLiteral("ScriptText")); }
     ArbitraryCodeBox& codeBox() { return form->codeBox(); }
     // The line of the code box that shows marked.
     QString codeBoxMarked() {
@@ -258,6 +258,54 @@ TEST(RunningWorld, TheCodeBoxRunsByItsKeysAndItsMistakesAreMarkedOnTheirLine) {
     w.runEngine();
     ASSERT_EQ(w.userErrors.size(), 2);
     EXPECT_EQ(w.codeBoxMarked(), QStringLiteral("if x = 1:"));
+    EXPECT_TRUE(w.internalErrors.shown.isEmpty());
+}
+
+TEST(RunningWorld, TheWorldsPythonRunsBySelectionAndMakesAButtonOfItUnderTheCameraView) {
+    RunningWorld w;
+    w.animation("Hop", {"Cube.Move(Up, 1, Duration=0, more...)"});
+    w.clickTab(1);
+    w.flipScriptText();
+    CodeEditor* python = w.scriptText();
+    ASSERT_TRUE(python->isVisible());
+    const QString text = python->toPlainText();
+    const int line = text.left(text.indexOf(QStringLiteral("Cube.Move"))).count(u'\n');
+    QTextCursor select(python->document()->findBlockByNumber(line));
+    python->setTextCursor(select);
+    python->setFocus();
+
+    // F5 runs the caret's line alone; the block's comma makes it a tuple, which runs.
+    QTest::keyClick(python, Qt::Key_F5);
+    w.runEngine();
+    EXPECT_EQ(w.where("Cube"), QStringLiteral("0.0 2.0 0.0"));
+    // Alt+P performs the world as the Perform button does: from its start.
+    QTest::keyClick(python, Qt::Key_P, Qt::AltModifier);
+    w.runEngine();
+    EXPECT_EQ(w.where("Cube"), QStringLiteral("0.0 1.0 0.0")); // Hop is only defined
+
+    // A right click on the selected line offers the on-the-fly button.
+    select.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+    python->setTextCursor(select);
+    python->ensureCursorVisible();
+    QTextCursor inside(select.block());
+    inside.movePosition(QTextCursor::Right, QTextCursor::MoveAnchor, 6);
+    const QPoint onTheLine = python->cursorRect(inside).center() + QPoint(3, 0);
+    ASSERT_TRUE(python->viewport()->rect().contains(onTheLine));
+    QTest::mouseClick(python->viewport(), Qt::RightButton, {}, onTheLine);
+    auto* menu = w.form->findChild<QMenu*>(QStringLiteral("ScriptTextMenuButton"));
+    ASSERT_TRUE(menu->isVisible());
+    QAction* make = w.form->findChild<QAction*>(QStringLiteral("ScriptTextOTFButton"));
+    ASSERT_TRUE(make->isEnabled());
+    make->trigger();
+    menu->close();
+    auto* button = w.renderForm.findChild<QPushButton*>(QStringLiteral("OnTheFlyButton1"));
+    ASSERT_NE(button, nullptr);
+    EXPECT_EQ(button->text(), QStringLiteral("Cube.Move(Up, 1, Dura..."));
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTest::mouseClick(button, Qt::LeftButton);
+    w.runEngine();
+    EXPECT_EQ(w.where("Cube"), QStringLiteral("0.0 3.0 0.0"));
+    EXPECT_TRUE(w.userErrors.isEmpty());
     EXPECT_TRUE(w.internalErrors.shown.isEmpty());
 }
 

@@ -6,6 +6,8 @@ not, as one undo step. A world loaded anew drops the buttons: their lines were
 written for the world before.
 """
 
+import textwrap
+
 from . import runner as runners
 
 TAG = "<On The Fly>"
@@ -32,8 +34,9 @@ class OnTheFlyButtons:
     def make(self, text):
         """None when the button is made, or when the lines have a mistake,
         which the user is told of as of any of their code (no button then);
-        otherwise why no button can be made."""
-        text = str(text)
+        otherwise why no button can be made. Lines selected inside a block
+        lose the indentation they share."""
+        text = textwrap.dedent(str(text))
         if not caption_of(text):
             return "There are no lines of code to make a button of."
         if len(self._buttons) >= MOST_BUTTONS:

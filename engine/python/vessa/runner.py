@@ -5,6 +5,7 @@ failures of the user's code go out as difference records.
 """
 
 import re
+import textwrap
 import warnings
 
 from . import compat, explain, records, reports
@@ -107,11 +108,12 @@ class CodeRunner:
 
     def execute_lines(self, text, first, last, tag, mode):
         """Runs lines first to last (zero-based, both included) of text, as if
-        they were the whole text: reported lines count from the first one."""
+        they were the whole text: reported lines count from the first one.
+        Lines taken from inside a block lose the indentation they share."""
         first, last = max(int(first), 0), int(last)
         if last < first:
             return None
-        excerpt = "\n".join(split_lines(text)[first:last + 1]) + "\n"
+        excerpt = textwrap.dedent("\n".join(split_lines(text)[first:last + 1]) + "\n")
         return self.execute(excerpt, tag, mode)
 
     def call(self, function, *args):
