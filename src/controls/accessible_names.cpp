@@ -34,6 +34,7 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("ArbitraryCodeBoxPanel"), QStringLiteral("Python code box")},
         {QStringLiteral("ArbitraryCodeBox"), QStringLiteral("Your own Python code")},
         {QStringLiteral("SplitterH3"), QStringLiteral("Divider above the code box")},
+        {QStringLiteral("LineNumberMargin"), QStringLiteral("Line numbers")},
         {QStringLiteral("ScenePanel"), QStringLiteral("Scene")},
         {QStringLiteral("ObjectTree"), QStringLiteral("Objects")},
         {QStringLiteral("ObjectTree2"), QStringLiteral("Objects for events")},

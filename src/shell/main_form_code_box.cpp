@@ -18,6 +18,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QSplitter>
 #include <QTextBlock>
 
@@ -155,6 +156,9 @@ void MainForm::refreshWorldNames() {
             commands << CommandNames(command);
     QStringList objects;
     addNames(world_.trees().ObjectTree.FirstRoot(), objects);
+    // Colouring anew tells of a change of the text, which it is not.
+    const QSignalBlocker quietBox(&codeBox_->editor());
+    const QSignalBlocker quietText(scriptText_);
     codeBox_->editor().highlighter().setWorldNames(commands, objects);
     scriptText_->highlighter().setWorldNames(commands, objects);
 }

@@ -36,7 +36,12 @@ ArbitraryCodeBox::ArbitraryCodeBox(QWidget* parent)
     keys->add(Qt::Key_F5, [this] { Q_EMIT runSelectionWanted(); });
     keys->add(Qt::Key_F4, [this] { Q_EMIT undoWanted(); });
     editor_->viewport()->installEventFilter(this);
+    // The document tells of colouring as of a change: only a change of the text counts.
     connect(editor_, &QPlainTextEdit::textChanged, this, [this] {
+        QString now = editor_->toPlainText();
+        if (now == shown_)
+            return;
+        shown_ = std::move(now);
         Q_EMIT edited();
         refreshLineLabel();
     });
@@ -44,7 +49,7 @@ ArbitraryCodeBox::ArbitraryCodeBox(QWidget* parent)
 }
 
 QString ArbitraryCodeBox::Text() const {
-    QString text = editor_->toPlainText();
+    QString text = shown_;
     text.replace(u'\n', QStringLiteral("\r\n"));
     return text;
 }
@@ -53,10 +58,11 @@ void ArbitraryCodeBox::showText(const QString& text) {
     QString shown = text;
     shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     shown.replace(u'\r', u'\n');
-    if (shown == editor_->toPlainText())
+    if (shown == shown_)
         return;
     const QSignalBlocker quiet(editor_);
     editor_->setPlainText(shown);
+    shown_ = std::move(shown);
     refreshLineLabel();
 }
 

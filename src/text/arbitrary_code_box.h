@@ -56,6 +56,7 @@ private:
     CodeEditor* editor_; // Owned by Qt.
     QLabel* lineLabel_;  // Owned by Qt.
     QString tag_ = QStringLiteral("0");
+    QString shown_; // the editor's text, as last seen
 };
 
 } // namespace vessa
