@@ -101,6 +101,12 @@ void MainForm::connectCodeBox() {
     });
     keys->add(Qt::Key_F4, [this] { codeBoxRun_->UndoKey(); });
     new RightClickWatcher(scriptText_, [this](const QPoint& point) { ScriptText_MouseUp(point); });
+    // The scene's objects come and go: the boxes colour those there are when the user
+    // comes to them.
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+        if (now == &codeBox_->editor() || now == scriptText_)
+            refreshWorldNames();
+    });
     connectMenuCommand("ScriptTextOTFButton", [this] { ScriptTextOTFButton_Click(); });
     connect(&renderForm_, &RenderForm::onTheFlyButtonPressed, this,
             &MainForm::OnTheFlyButton_Click);

@@ -209,6 +209,8 @@ TEST(RunningWorld, TheCodeBoxRunsByItsKeysAndItsMistakesAreMarkedOnTheirLine) {
     w.world.ArbitraryCodeBox().Visible = true;
     w.form->showCodeBox(true);
     CodeEditor& box = w.codeBox().editor();
+    w.form->activateWindow(); // from the camera window, which the tab brought up
+    ASSERT_TRUE(QTest::qWaitForWindowActive(w.form.get(), kWindowWaitMs));
     box.setFocus();
     QTest::keyClicks(box.viewport(), QStringLiteral("Cube.Move(Up, 1, Duration=0)"));
     QTest::keyClick(&box, Qt::Key_Return);
