@@ -31,6 +31,10 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("PerformScriptButton"), QStringLiteral("Perform")},
         {QStringLiteral("TrafficLightImage"), QStringLiteral("Reset the world")},
         {QStringLiteral("ScriptText"), QStringLiteral("The world's Python")},
+        {QStringLiteral("ArbitraryCodeBoxPanel"), QStringLiteral("Python code box")},
+        {QStringLiteral("ArbitraryCodeBox"), QStringLiteral("Your own Python code")},
+        {QStringLiteral("SplitterH3"), QStringLiteral("Divider above the code box")},
+        {QStringLiteral("LineNumberMargin"), QStringLiteral("Line numbers")},
         {QStringLiteral("ScenePanel"), QStringLiteral("Scene")},
         {QStringLiteral("ObjectTree"), QStringLiteral("Objects")},
         {QStringLiteral("ObjectTree2"), QStringLiteral("Objects for events")},
@@ -66,6 +70,7 @@ const QHash<QString, QString>& table() {
         // Camera window
         {QStringLiteral("RenderFrame"), QStringLiteral("Running world")},
         {QStringLiteral("Check1"), QStringLiteral("Always keep this window on top")},
+        {QStringLiteral("OnTheFlyButtons"), QStringLiteral("On the fly buttons")},
         // Error form
         {QStringLiteral("ErrorTypeLabel"), QStringLiteral("What went wrong")},
         {QStringLiteral("ErrorLabel"), QStringLiteral("Error details")},

@@ -21,7 +21,10 @@
 #include "shell/window_keeper.h"
 #include "shell/world_dialog.h"
 #include "shell/world_trust.h"
+#include "text/arbitrary_code_box.h"
+#include "text/code_editor.h"
 #include "world/autosave.h"
+#include "world/code_box_run.h"
 #include "world/open_world.h"
 #include "world/recovery_store.h"
 #include "world/world_files.h"
@@ -351,7 +354,8 @@ QWidget* MainForm::buildScriptTabs() {
     trashCan_ = new TrashCan(world_.script(), world_.events(), *editMenu_, area);
     scriptLayout->addWidget(buildRunControls(scriptTab));
     scriptLayout->addWidget(eventPanel_, 1);
-    scriptLayout->addWidget(scriptPanel_, 2);
+    scriptLayout->addWidget(buildCodeBoxSplitter(scriptTab), 2);
+    editMenu_->setCodeBox(&codeBox_->editor(), [this] { return CodeBoxHasFocus(); });
     scriptLayout->addWidget(scriptText_, 2);
 
     sceneScriptTab_ = new QStackedWidget(area);
@@ -477,6 +481,7 @@ void MainForm::orderTabStops() {
                              &script.ConstructTreeView(),
                              &script.TreeView1View(),
                              &script.CommandLineTreeviewView(),
+                             &codeBox_->editor(),
                              scriptText_,
                              outputText_};
     for (qsizetype i = 0; i < openingSceneTools.size(); ++i)
@@ -646,6 +651,7 @@ void MainForm::keepCameraWindowOnTop() {
 
 void MainForm::worldNamed(const QString& worldSaveFile) {
     showTrustOfWorld();
+    showWorldInCodeBoxes();
     recentFiles_->refresh();
     const QString version = engine_.call(QStringLiteral("GetVersionText")).toString();
     setWindowTitle(worldSaveFile.isEmpty()

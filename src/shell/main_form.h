@@ -26,8 +26,11 @@ namespace vessa {
 
 class AddingCommands;
 class EditMenu;
+class ArbitraryCodeBox;
 class ArchiveDialogs;
 class Autosave;
+class CodeBoxRun;
+class CodeEditor;
 class EventPanel;
 class MouseToolsPanel;
 class NamedTabBar;
@@ -100,6 +103,14 @@ public:
     EditMenu& editMenu() { return *editMenu_; }
     QTextEdit* OutputText() const { return outputText_; }
     WorldRun& worldRun() { return *run_; }
+    // The code box beside the script, and whether it has the focus (its Tag is "1"):
+    // the Edit menu then works on its text rather than on the script's lines.
+    ArbitraryCodeBox& codeBox() { return *codeBox_; }
+    bool CodeBoxHasFocus() const;
+    // The script text: brings its line (from 1) to the top; selects the line and gives
+    // the box the focus, answering the position of the line's first character.
+    void ScrollErrorText(int line);
+    int HighlightErrorText(int line);
 
     // DifferenceView
     void appendOutput(const QString& text, const QColor& color) override;
@@ -139,6 +150,7 @@ public:
     void showLightPicture(LightPicture picture) override;
     void showNotice(const QString& text) override;
     void showScriptText(const ScriptTextBox& box) override;
+    void markCodeBoxLine(int line) override;
     // A diagnostic line in blue; off unless the program is built to trace.
     void LogMessage(const QString& text) override;
 
@@ -162,6 +174,16 @@ private:
     // which the caller places.
     QWidget* buildRunControls(QWidget* parent);
     void connectRun();
+    QWidget* buildCodeBoxSplitter(QWidget* parent);
+    void connectCodeBox();
+    void showWorldInCodeBoxes();
+    void showCodeBoxOfWorld();
+    void refreshWorldNames();
+    void ScriptText_MouseUp(const QPoint& point);
+    void ScriptTextOTFButton_Click();
+    void showOnTheFlyButtons();
+    void OnTheFlyButton_Click(int number);
+    void mnuBlankRightB_Click(int row);
     QWidget* cameraViewHost() const;
     QToolButton* makeUndoButton(const QString& control, QWidget* parent);
     // The buttons and menu entries by which things come into the scene.
@@ -206,8 +228,10 @@ private:
     TrashCan* trashCan_ = nullptr;               // beside the script's undo
     QToolButton* performScriptButton_ = nullptr; // runs the world
     QToolButton* trafficLightImage_ = nullptr;   // stops it and puts its start back
-    QPlainTextEdit* scriptText_ = nullptr;       // the world's Python, shown on demand
+    CodeEditor* scriptText_ = nullptr;           // the world's Python, shown on demand
+    ArbitraryCodeBox* codeBox_ = nullptr;        // the user's own Python, under the script
     std::unique_ptr<WorldRun> run_;
+    std::unique_ptr<CodeBoxRun> codeBoxRun_;
     // Keeps the engine stepping while a dialog or an external tool holds the
     // main loop.
     QTimer IdleTimer;

@@ -11,6 +11,7 @@
 #include "shell/render_form.h"
 #include "shell/trash_can.h"
 #include "shell/view_hosts.h"
+#include "text/code_editor.h"
 #include "world/open_world.h"
 
 #include <QAction>
@@ -19,7 +20,6 @@
 #include <QSignalBlocker>
 #include <QStackedWidget>
 #include <QStyle>
-#include <QTextBlock>
 #include <QToolButton>
 
 namespace vessa {
@@ -68,10 +68,8 @@ QWidget* MainForm::buildRunControls(QWidget* parent) {
         "TrafficLightImage", QStyle::SP_MediaStop,
         QStringLiteral("Stop the world and put it back as it starts (Alt+S while it runs, Alt+R "
                        "after; Esc in the camera window)"));
-    scriptText_ = new QPlainTextEdit(parent);
+    scriptText_ = new CodeEditor(parent);
     scriptText_->setObjectName(QStringLiteral("ScriptText"));
-    scriptText_->setFont(QFont(QStringLiteral("Courier New")));
-    scriptText_->setLineWrapMode(QPlainTextEdit::NoWrap);
     scriptText_->hide();
 
     auto* row = new QWidget(parent);
@@ -121,6 +119,7 @@ void MainForm::connectRun() {
     world_.setScriptErrorListener(
         [this](const ScriptErrorPlace& place) { run_->markError(place); });
     run_->SetWorldIdle();
+    connectCodeBox();
 }
 
 void MainForm::connectMenuCommand(const char* control, const std::function<void()>& work) {
@@ -154,6 +153,7 @@ void MainForm::showTabPage(int tab) {
 
 void MainForm::showCodeBox(bool shown) {
     scriptPanel_->SetCodeBoxShown(shown);
+    showCodeBoxOfWorld();
 }
 
 ViewHostPlace MainForm::openingSceneHost() const {
@@ -208,11 +208,10 @@ void MainForm::showScriptText(const ScriptTextBox& box) {
         const QSignalBlocker quiet(scriptText_);
         scriptText_->setPlainText(shown);
     }
+    refreshWorldNames();
     if (box.errorLine >= 0) {
-        QTextCursor line(scriptText_->document()->findBlockByNumber(box.errorLine));
-        line.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
-        scriptText_->setTextCursor(line);
-        scriptText_->centerCursor();
+        ScrollErrorText(box.errorLine + 1);
+        HighlightErrorText(box.errorLine + 1);
     }
 }
 

@@ -10,6 +10,7 @@
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace vessa {
@@ -17,7 +18,7 @@ namespace vessa {
 RenderForm::RenderForm(QWidget* parent)
     : QWidget(parent, Qt::Window), renderFrame_(new QWidget(this)),
       check1_(new QCheckBox(QStringLiteral("Always keep this window on top"), this)),
-      fpsLabel_(new QLabel(this)) {
+      fpsLabel_(new QLabel(this)), onTheFlyRow_(new QWidget(this)) {
     setObjectName(QStringLiteral("RenderForm"));
     setWindowTitle(QStringLiteral("Vessa - Camera"));
     // It comes up when a script tab is chosen, and leaves the keyboard where the user
@@ -50,6 +51,11 @@ RenderForm::RenderForm(QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(renderFrame_, 1);
+    onTheFlyRow_->setObjectName(QStringLiteral("OnTheFlyButtons"));
+    new QHBoxLayout(onTheFlyRow_);
+    onTheFlyRow_->layout()->setContentsMargins(2, 2, 2, 2);
+    onTheFlyRow_->hide();
+    layout->addWidget(onTheFlyRow_);
     layout->addLayout(bottom);
 
     connect(check1_, &QCheckBox::clicked, this, [this](bool onTop) {
@@ -96,6 +102,29 @@ void RenderForm::AlwaysOnTop(bool onTop) {
     // Changing a window's flags hides it; a shown camera window stays shown.
     if (wasVisible)
         show();
+}
+
+void RenderForm::showOnTheFlyButtons(const QVariantList& buttons) {
+    for (QPushButton* old : onTheFlyRow_->findChildren<QPushButton*>())
+        delete old;
+    auto* row = static_cast<QHBoxLayout*>(onTheFlyRow_->layout());
+    while (QLayoutItem* item = row->takeAt(0))
+        delete item;
+    for (const QVariant& entry : buttons) {
+        const QVariantList button = entry.toList();
+        if (button.size() != 2)
+            continue;
+        const int number = button[0].toInt();
+        auto* press = new QPushButton(button[1].toString(), onTheFlyRow_);
+        press->setObjectName(QStringLiteral("OnTheFlyButton%1").arg(number));
+        press->setToolTip(QStringLiteral("Runs its lines of Python in the world"));
+        press->setFocusPolicy(Qt::StrongFocus);
+        connect(press, &QPushButton::clicked, this,
+                [this, number] { Q_EMIT onTheFlyButtonPressed(number); });
+        row->addWidget(press);
+    }
+    row->addStretch();
+    onTheFlyRow_->setVisible(!buttons.isEmpty());
 }
 
 } // namespace vessa

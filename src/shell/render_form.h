@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QVariantList>
 #include <QWidget>
 
 class QCheckBox;
@@ -19,6 +20,9 @@ public:
     void setCheck1Value(bool onTop);
     void AlwaysOnTop(bool onTop);
     QLabel* FPSLabel() const { return fpsLabel_; }
+    // The on-the-fly buttons under the view: [number, caption] of each, as the engine
+    // lists them; the row hides when there are none.
+    void showOnTheFlyButtons(const QVariantList& buttons);
 
 Q_SIGNALS:
     // The user ticked or cleared "Always keep this window on top".
@@ -27,6 +31,8 @@ Q_SIGNALS:
     void stopAsked();
     // The user closed the window.
     void closedByUser();
+    // An on-the-fly button was pressed: its number as the engine gave it.
+    void onTheFlyButtonPressed(int number);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -36,6 +42,7 @@ private:
     QWidget* renderFrame_;
     QCheckBox* check1_;
     QLabel* fpsLabel_;
+    QWidget* onTheFlyRow_;
 };
 
 } // namespace vessa

@@ -1,5 +1,7 @@
 #include "world/script_error_place.h"
 
+#include "world/script_run.h"
+
 #include <QRegularExpression>
 
 namespace vessa {
@@ -34,6 +36,37 @@ std::optional<ScriptErrorPlace> scriptErrorPlace(const QString& errorText, const
         if (match.captured(2).toInt() == line)
             place = ScriptErrorPlace{match.captured(1), line, match.captured(3).trimmed()};
     return place;
+}
+
+std::optional<ErrorMark> errorMark(const ScriptErrorPlace& place, RanText ran, int handEditedLine,
+                                   int errorLineOffset) {
+    using Box = ErrorMark::Box;
+    const int fromFirst = place.line - 1;
+    if (place.sourceTag == kGeneratedSourceTag)
+        return ran == RanText::World ? std::optional(ErrorMark{Box::ScriptText, fromFirst})
+                                     : std::nullopt;
+    if (place.sourceTag != kHandEditedSourceTag)
+        return std::nullopt;
+    switch (ran) {
+    case RanText::World:
+        // The code box's text runs from the box's first line.
+        return ErrorMark{Box::CodeBox, fromFirst};
+    case RanText::ScriptTextAsItStands:
+        return ErrorMark{Box::ScriptText, handEditedLine + fromFirst};
+    case RanText::CodeBoxLines:
+        return ErrorMark{Box::CodeBox, errorLineOffset + fromFirst};
+    case RanText::ScriptTextLines:
+        return ErrorMark{Box::ScriptText, errorLineOffset + fromFirst};
+    case RanText::Other:
+        break;
+    }
+    return std::nullopt;
+}
+
+bool lineReads(const QString& text, int line, const QString& sourceLine) {
+    static const QRegularExpression lineEnd(QStringLiteral("\r\n|\r|\n"));
+    const QStringList lines = text.split(lineEnd);
+    return line >= 0 && line < lines.size() && lines[line].trimmed() == sourceLine.trimmed();
 }
 
 } // namespace vessa

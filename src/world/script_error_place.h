@@ -17,6 +17,30 @@ struct ScriptErrorPlace {
     bool operator==(const ScriptErrorPlace&) const = default;
 };
 
+// Which text the engine ran last under the names of the world's own code: a world's
+// Python (its generated part, then the code box's text), the script text run as it
+// stands, lines of the code box or of the script text run by themselves, or other code.
+enum class RanText { World, ScriptTextAsItStands, CodeBoxLines, ScriptTextLines, Other };
+
+// A line (from 0) of one of the two boxes of Python.
+struct ErrorMark {
+    enum class Box { ScriptText, CodeBox };
+    Box box = Box::ScriptText;
+    int line = 0;
+
+    bool operator==(const ErrorMark&) const = default;
+};
+
+// Where an error of the text that ran stands: an error of a world's generated part in
+// the script text, after handEditedLine lines of it only the hand-edited part; an error
+// of lines run by themselves counted from errorLineOffset, the first of them. None for
+// code the boxes do not hold.
+std::optional<ErrorMark> errorMark(const ScriptErrorPlace& place, RanText ran, int handEditedLine,
+                                   int errorLineOffset);
+
+// Whether line (from 0) of text reads as sourceLine, blanks around both aside.
+bool lineReads(const QString& text, int line, const QString& sourceLine);
+
 // The place of one error from what the engine tells of it: the text of its `error`
 // records (a traceback of the user's own lines, or the form of a syntax error) and the
 // detail item of its `popuperrordialog` record (the line as text, "-1", or a syntax

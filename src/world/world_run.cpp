@@ -12,7 +12,6 @@
 #include <QDateTime>
 #include <QDir>
 #include <QLocale>
-#include <QRegularExpression>
 
 namespace vessa {
 
@@ -187,8 +186,10 @@ void WorldRun::PerformScriptButton_MouseUp() {
             // The user is looking at the text: it runs as it stands, all of it as their own.
             handEditedLine_ = 0;
             scriptText_.errorLine = -1;
+            ran_ = RanText::ScriptTextAsItStands;
         } else {
             makePythonScript();
+            ran_ = RanText::World;
         }
         view_.showScriptText(scriptText_);
         view_.PrintOutput(runningLine());
@@ -255,19 +256,25 @@ void WorldRun::flipScriptText() {
 }
 
 void WorldRun::markError(const ScriptErrorPlace& place) {
-    int first = 0;
-    if (place.sourceTag == kHandEditedSourceTag)
-        first = handEditedLine_;
-    else if (place.sourceTag != kGeneratedSourceTag)
+    const std::optional<ErrorMark> mark =
+        errorMark(place, ran_, handEditedLine_, state_.ErrorLineOffset);
+    if (!mark)
         return;
-    // Only an error of the text that ran is marked in it: other code (a line performed
-    // alone, the command line) runs under the same names.
-    const int line = first + place.line - 1;
-    static const QRegularExpression lineEnd(QStringLiteral("\r\n|\r|\n"));
-    const QStringList lines = scriptText_.Text.split(lineEnd);
-    if (line >= lines.size() || lines[line].trimmed() != place.sourceLine.trimmed())
+    if (mark->box == ErrorMark::Box::CodeBox) {
+        CodeBoxText& codeBox = world_.ArbitraryCodeBox();
+        if (!lineReads(codeBox.Text, mark->line, place.sourceLine))
+            return;
+        if (!codeBox.Visible) {
+            codeBox.Visible = true;
+            view_.showCodeBox(true);
+        }
+        view_.markCodeBoxLine(mark->line);
         return;
-    scriptText_.errorLine = line;
+    }
+    if (!lineReads(scriptText_.Text, mark->line, place.sourceLine))
+        return;
+    scriptText_.errorLine = mark->line;
+    scriptText_.Visible = true;
     view_.showScriptText(scriptText_);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "world/script_error_place.h"
+
 #include <QString>
 #include <functional>
 #include <initializer_list>
@@ -10,7 +12,6 @@ struct AppState;
 class EngineLink;
 class ErrorReporter;
 class OpenWorld;
-struct ScriptErrorPlace;
 
 // The world's Python as the last run handed it to the engine, shown on demand. While it
 // is shown, a run takes it as it stands, edits included.
@@ -56,6 +57,8 @@ public:
     // Something the user should know of the world's Python, as a line of the output.
     virtual void showNotice(const QString& text) = 0;
     virtual void showScriptText(const ScriptTextBox& box) = 0;
+    // The caret on line (from 0) of the code box, the line marked as an error's place.
+    virtual void markCodeBoxLine(int line) = 0;
     // A diagnostic line; off unless the program is built to trace.
     virtual void LogMessage(const QString& text) = 0;
 };
@@ -104,9 +107,14 @@ public:
     // Shows the script text, or hides it; shown for the first time, it holds the world's
     // Python as it stands now.
     void flipScriptText();
-    // Marks the line of the last run's text that an error of the user's code names, when
-    // the error is of that text.
+    // Marks the line that an error of the user's code names, in the box that holds the
+    // text that ran: the script text, or the code box (shown for it). Nothing is marked
+    // for an error of other code, or when the line reads otherwise now.
     void markError(const ScriptErrorPlace& place);
+    // Code of the boxes ran apart from a run of the world (see CodeBoxRun).
+    void tellRan(RanText ran) { ran_ = ran; }
+    // "Running <world> at <date>...", for the output.
+    QString runningLine() const;
 
 private:
     void toOpeningScene(int old);
@@ -117,7 +125,6 @@ private:
     void backUpScene();
     // The world's Python into the script text, and where its hand-edited part begins.
     void makePythonScript();
-    QString runningLine() const;
 
     AppState& state_;         // Not owned.
     EngineLink& engine_;      // Not owned.
@@ -129,6 +136,7 @@ private:
     bool worldActive_ = false;
     ScriptTextBox scriptText_;
     int handEditedLine_ = 0; // the first line of the hand-edited part of the text that ran
+    RanText ran_ = RanText::Other;
 };
 
 // A stored yes or no as the settings keep it: "True" or a number other than 0 is yes.

@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QSettings>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -315,4 +316,50 @@ TEST(WholeProgram, ViewOnlineHelpOpensTheFirstExampleWorldBesideItsPageOfTheGuid
                              "Brightmere\"\n"})
         EXPECT_TRUE(run.errors.contains(QString::fromLatin1(line))) << line << errors;
     EXPECT_TRUE(run.errors.contains(QStringLiteral("Example1 - First World"))) << errors;
+}
+
+TEST(WholeProgram, CodeTypedInTheCodeBoxIsSavedWithTheWorldAndComesBackAfterARestart) {
+    QTemporaryDir worlds;
+    QTemporaryDir config;
+    const QString world = worlds.path() + QStringLiteral("/Typed");
+    ASSERT_TRUE(QDir().mkpath(world));
+    // The user asked for the code box before: it shows on the animations tab.
+    {
+        QSettings stored(config.path() + QStringLiteral("/Halden Institute/Vessa47.ini"),
+                         QSettings::IniFormat);
+        stored.setValue(
+            QStringLiteral("Software/Halden Institute/Vessa47/1.00.000/Preferences/CodeBoxVisible"),
+            QStringLiteral("True"));
+    }
+    const ProgramRun made = runProgram(
+        QStringLiteral(VESSA_PROGRAM),
+        QStringLiteral("tab:1;click:ArbitraryCodeBox;type:def hop():;key:Return;"
+                       "type:return 42;text:ArbitraryCodeBox;menu:File;choose:Save As...;folder:") +
+            world + QStringLiteral(";wait:300;exit"),
+        config.path());
+    const std::string madeErrors = made.errors.toStdString();
+    ASSERT_TRUE(made.finished) << madeErrors;
+    ASSERT_EQ(made.exitCode, 0) << madeErrors;
+    EXPECT_FALSE(made.errors.contains(QStringLiteral("driver: gave up"))) << madeErrors;
+    // Enter kept the block's indentation, one step in.
+    EXPECT_TRUE(made.errors.contains(
+        QStringLiteral("driver: text: ArbitraryCodeBox def hop():/    return 42")))
+        << madeErrors;
+    QFile python(world + QStringLiteral("/world_script.py"));
+    ASSERT_TRUE(python.open(QIODevice::ReadOnly)) << madeErrors;
+    EXPECT_TRUE(python.readAll().endsWith("def hop():\r\n    return 42")) << madeErrors;
+
+    const ProgramRun opened =
+        runProgram(QStringLiteral(VESSA_PROGRAM),
+                   QStringLiteral("menu:File;choose:Open World...;folder:") + world +
+                       QStringLiteral(";tab:1;text:ArbitraryCodeBox;exit"),
+                   config.path());
+    const std::string errors = opened.errors.toStdString();
+    ASSERT_TRUE(opened.finished) << errors;
+    EXPECT_EQ(opened.exitCode, 0) << errors;
+    EXPECT_FALSE(opened.errors.contains(QStringLiteral("driver: ErrorForm"))) << errors;
+    // The file keeps a line end after the code, which the box shows.
+    EXPECT_TRUE(opened.errors.contains(
+        QStringLiteral("driver: text: ArbitraryCodeBox def hop():/    return 42/")))
+        << errors;
 }

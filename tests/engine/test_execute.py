@@ -175,3 +175,13 @@ def test_stdout_is_given_back_after_a_run(interp):
 def test_system_exit_in_user_code_is_reported_not_obeyed(interp):
     interp.ExecuteCode("import sys\nsys.exit(3)\n", "<Command Line>", "exec")
     assert tagged(misc(interp), "popuperrordialog")[0][1] == "SystemExit: 3"
+
+
+def test_lines_run_by_themselves_from_inside_a_block_lose_their_shared_indentation(interp):
+    text = "def hop():\n\tprint('one')\n\tprint('two')\n"
+    assert interp.ExecuteLines(text, 1, 1, "<Script Text>", "single") is None
+    assert interp.ExecuteLines(text, 1, 2, "<Script Text>", "exec") is None
+    assert misc(interp) == [["output", "one\none\ntwo\n"]]
+    # an error among them is told by its line counted from the first of them
+    interp.ExecuteLines("if True:\n    x = 1\n    print(y)\n", 1, 2, "<Script Text>", "exec")
+    assert tagged(misc(interp), "popuperrordialog")[0][2] == "2"

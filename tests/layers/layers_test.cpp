@@ -20,7 +20,7 @@ int layerOf(const QString& folder) {
         {QStringLiteral("base"), 0},    {QStringLiteral("controls"), 1},
         {QStringLiteral("gateway"), 2}, {QStringLiteral("script"), 3},
         {QStringLiteral("scene"), 3},   {QStringLiteral("events"), 3},
-        {QStringLiteral("export"), 3},
+        {QStringLiteral("export"), 3},  {QStringLiteral("text"), 3},
         {QStringLiteral("world"), 4},   {QStringLiteral("shell"), 5},
         {QStringLiteral("commandline"), 5},
         {QStringLiteral("app"), 6},

@@ -13,7 +13,7 @@ import tempfile
 from . import backend as backends
 from . import geometry as g
 from . import backups, compat, events, models, namespace, places, policy, records, reports
-from . import scenefile, sitemenu, sounds, webpage
+from . import onthefly, scenefile, sitemenu, sounds, webpage
 from .animation import Animator
 from .capture import Capture
 from .clock import ManualClock, WallClock
@@ -28,11 +28,10 @@ from .watchdog import Watchdog
 
 VERSION = "0.1.0"
 
-# Methods of the gateway whose work is still to come (the code box's on-the-fly
-# run): each answers that it is not available, never a success for work it did
-# not do.
+# Methods of the gateway whose work is still to come: each answers that it is
+# not available, never a success for work it did not do.
 NOT_YET = (
-    "PreserveDefaultCameraPOV", "OnTheFlyButton",
+    "PreserveDefaultCameraPOV",
 )
 
 THUMBNAIL = "world_thumbnail.bmp"
@@ -70,6 +69,7 @@ class Interpreter:
         self._runner = CodeRunner(self.scene.namespace, self._queue,
                                   Capture(self._queue), self._watchdog)
         self.animator.where, self.animator.on_mistake = self._runner.where, self._runner.tell
+        self._on_the_fly = onthefly.OnTheFlyButtons(self._runner)
         self.view_input = ViewInput(self.scene, self._queue, self.default_camera,
                                     self._mouse_tool, self._mouse_event, self.KeyEvent)
 
@@ -208,6 +208,22 @@ class Interpreter:
             return self._runner.execute_lines(str(text), firstLine, lastLine,
                                               str(sourceTag), str(mode))
 
+    def OnTheFlyButton(self, text):
+        """A button that runs text (lines of the world's Python) each time it
+        is pressed (onthefly.py). None when it is made, or when text has a
+        mistake, told to the user as in their code; otherwise why not."""
+        return self._on_the_fly.make(text)
+
+    def GetOnTheFlyButtons(self):
+        """[number, caption] of each on-the-fly button, in the order made."""
+        return self._on_the_fly.rows()
+
+    def PressOnTheFlyButton(self, number):
+        """Runs the lines of button number (from 1) in the world as it is, as
+        one undo step."""
+        with self.undo.action():
+            return self._on_the_fly.press(number)
+
     def UseManualClock(self):
         """From now on the engine's time moves only by AdvanceClock(), so a
         caller that wants simulated time (the command line's check) runs a
@@ -280,6 +296,7 @@ class Interpreter:
         self.handbasket.forget()
         policy.configure(world=folder, trusted=False)
         self.scene.root.responses.restore({})
+        self._on_the_fly.forget()
         names = self.scene.namespace
         self._runner.call(names.clear)     # the old world's __del__ are user code
         names.update(namespace.build(self))

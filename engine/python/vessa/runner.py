@@ -5,11 +5,12 @@ failures of the user's code go out as difference records.
 """
 
 import re
+import textwrap
 import warnings
 
 from . import compat, explain, records, reports
 
-USER_SOURCES = frozenset({"<Script Text>", "<treeview>", "<Command Line>"})
+USER_SOURCES = frozenset({"<Script Text>", "<treeview>", "<Command Line>", "<On The Fly>"})
 
 
 def is_user_code(code):
@@ -57,6 +58,21 @@ class CodeRunner:
                 return self._failed(exc, tag, reports.line_detail(exc, (tag,)))
         return None
 
+    def compiles(self, text, tag):
+        """Whether text is Python that can run ("exec"); a mistake in it is
+        reported to the user as on a run."""
+        reports.remember_source(tag, text)
+        with self._capture:
+            try:
+                self._compile(text, tag, "exec")
+            except SyntaxError as exc:
+                self._failed(exc, tag, reports.syntax_detail(exc, tag))
+                return False
+            except ValueError as exc:
+                self._failed(exc, tag, reports.NO_LINE)
+                return False
+        return True
+
     def _compile(self, text, tag, mode):
         """The code of text. A world is run again and again as it stands: the
         code of the last text of each source tag is kept, unless compiling it
@@ -92,11 +108,12 @@ class CodeRunner:
 
     def execute_lines(self, text, first, last, tag, mode):
         """Runs lines first to last (zero-based, both included) of text, as if
-        they were the whole text: reported lines count from the first one."""
+        they were the whole text: reported lines count from the first one.
+        Lines taken from inside a block lose the indentation they share."""
         first, last = max(int(first), 0), int(last)
         if last < first:
             return None
-        excerpt = "\n".join(split_lines(text)[first:last + 1]) + "\n"
+        excerpt = textwrap.dedent("\n".join(split_lines(text)[first:last + 1]) + "\n")
         return self.execute(excerpt, tag, mode)
 
     def call(self, function, *args):

@@ -31,6 +31,8 @@
 //   "until:NAME,TEXT" go on once the button NAME reads TEXT ("Reset")
 //   "folder:PATH" answer the world folder dialog with PATH, typed into its name box
 //   "answer:TEXT" click the button TEXT of the message box that asks
+//   "text:NAME"   print the text of the text box NAME, its line ends shown as "/":
+//                 "driver: text: NAME <text>"
 //   "position:NAME" print where the engine has the object NAME once nothing moves:
 //                 "driver: position: NAME X Y Z W QX QY QZ", its place and its turn
 //                 (a unit quaternion), both relative to its parent
@@ -227,6 +229,8 @@ private:
             printPosition(argument);
         else if (kind == QStringLiteral("reader"))
             printReading(argument);
+        else if (kind == QStringLiteral("text"))
+            printText(argument);
         else if (kind == QStringLiteral("place"))
             place(argument.split(QLatin1Char(',')));
         else if (kind == QStringLiteral("divide"))
@@ -387,6 +391,14 @@ if state and not engine.animator.busy():
     void printPosition(const QString& name) {
         std::fprintf(stderr, "driver: position: %s %s\n", qPrintable(name),
                      qPrintable(enginePosition(name)));
+        std::fflush(stderr);
+    }
+
+    void printText(const QString& name) {
+        auto* box = main_->findChild<QPlainTextEdit*>(name);
+        const QString text = box ? box->toPlainText().replace(QLatin1Char('\n'), QLatin1Char('/'))
+                                 : QStringLiteral("(no such box)");
+        std::fprintf(stderr, "driver: text: %s %s\n", qPrintable(name), qPrintable(text));
         std::fflush(stderr);
     }
 
