@@ -21,7 +21,8 @@ int layerOf(const QString& folder) {
         {QStringLiteral("gateway"), 2}, {QStringLiteral("script"), 3},
         {QStringLiteral("scene"), 3},   {QStringLiteral("events"), 3},
         {QStringLiteral("export"), 3},
-        {QStringLiteral("world"), 4},   {QStringLiteral("shell"), 5},
+        {QStringLiteral("world"), 4},   {QStringLiteral("text"), 4},
+        {QStringLiteral("shell"), 5},
         {QStringLiteral("commandline"), 5},
         {QStringLiteral("app"), 6},
     };
