@@ -29,6 +29,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QCheckBox>
 #include <QChildEvent>
 #include <QCloseEvent>

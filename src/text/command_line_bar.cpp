@@ -47,7 +47,6 @@ CommandLineBar::CommandLineBar(EngineLink& engine, ErrorReporter& reporter,
     : QWidget(parent), reporter_(reporter), runner_(engine, reporter), treeFace_(treeFace),
       objects_(objects), box_(new QComboBox(this)), go_(new QToolButton(this)),
       choices_(new QCompleter(this)), choiceWords_(new QStringListModel(this)) {
-    setObjectName(QStringLiteral("CommandLineBar"));
     box_->setObjectName(QStringLiteral("CommandLineBox"));
     box_->setEditable(true);
     // No completion from the history while typing: Enter must run what was typed.

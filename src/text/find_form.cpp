@@ -48,7 +48,6 @@ FindForm::FindForm(ScriptModel& script, QWidget* parent)
     auto* findLabel = new QLabel(tr("Find :"), this);
     findLabel->setBuddy(FindTextBox);
     replaceLabel_->setBuddy(ReplaceTextBox);
-    status_->setObjectName(QStringLiteral("FindStatus"));
     // Enter anywhere on the form finds, unless another button has the focus.
     FindButton->setDefault(true);
 

@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -28,8 +29,9 @@ struct CommandLineOnTheEngine : WindowOnTheEngine {
             QWidget* box = QApplication::activeModalWidget();
             if (!box || box->objectName() != QStringLiteral("ErrorForm"))
                 return;
-            mistakes << box->findChild<QLabel*>(QStringLiteral("ErrorTypeLabel"))->text() + u'|' +
-                            box->findChild<QLabel*>(QStringLiteral("ErrorLabel"))->text();
+            mistakes
+                << box->findChild<QLabel*>(QStringLiteral("ErrorTypeLabel"))->text() + u'|' +
+                       box->findChild<QPlainTextEdit*>(QStringLiteral("ErrorLabel"))->toPlainText();
             QTest::mouseClick(box->findChild<QPushButton*>(QStringLiteral("OkButton")),
                               Qt::LeftButton);
         });
