@@ -5,12 +5,28 @@
 namespace vessa {
 
 QString lineAsShown(const QString& line) {
-    static const QString marker = QStringLiteral("more...");
-    if (!line.contains(marker, Qt::CaseInsensitive))
+    // One pass that copies what stands between the markers: the find runs this on every
+    // line, most of which end in one.
+    static constexpr QStringView marker = u"more...";
+    qsizetype at = indexIgnoringCase(line, marker, 0);
+    if (at < 0)
         return line;
-    QString shown = line;
-    shown.replace(QStringLiteral(", more..."), QString(), Qt::CaseInsensitive);
-    return shown.replace(QStringLiteral("(more...)"), QStringLiteral("()"), Qt::CaseInsensitive);
+    const QStringView text(line);
+    QString shown;
+    shown.reserve(line.size());
+    qsizetype copied = 0;
+    for (; at >= 0; at = indexIgnoringCase(line, marker, at + marker.size())) {
+        const qsizetype end = at + marker.size();
+        if (at >= 2 && text.sliced(at - 2, 2) == u", ") {
+            shown += text.sliced(copied, at - 2 - copied); // ", more..." goes
+            copied = end;
+        } else if (at >= 1 && text[at - 1] == u'(' && end < text.size() && text[end] == u')') {
+            shown += text.sliced(copied, at - copied); // "(more...)" becomes "()"
+            copied = end;
+        }
+    }
+    shown += text.sliced(copied);
+    return shown;
 }
 
 TreeNode* nodeAfter(const TreeNode* node) {

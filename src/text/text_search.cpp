@@ -14,16 +14,41 @@ bool standsAlone(QStringView text, qsizetype at, qsizetype length) {
            (end == text.size() || !isWordCharacter(text[end]));
 }
 
+char16_t folded(char16_t c) {
+    if (c < 0x80)
+        return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + (u'a' - u'A')) : c;
+    return QChar::toCaseFolded(c);
+}
+
 } // namespace
+
+qsizetype indexIgnoringCase(QStringView text, QStringView target, qsizetype from) {
+    if (target.isEmpty())
+        return -1;
+    const char16_t first = folded(target[0].unicode());
+    const qsizetype last = text.size() - target.size();
+    for (qsizetype at = std::max<qsizetype>(from, 0); at <= last; ++at) {
+        if (folded(text[at].unicode()) != first)
+            continue;
+        qsizetype matched = 1;
+        while (matched < target.size() &&
+               folded(text[at + matched].unicode()) == folded(target[matched].unicode()))
+            ++matched;
+        if (matched == target.size())
+            return at;
+    }
+    return -1;
+}
 
 qsizetype findText(QStringView text, QStringView target, qsizetype from,
                    const FindOptions& options) {
     if (target.isEmpty())
         return -1;
-    const Qt::CaseSensitivity sensitivity =
-        options.MatchCase ? Qt::CaseSensitive : Qt::CaseInsensitive;
-    for (qsizetype at = text.indexOf(target, std::max<qsizetype>(from, 0), sensitivity); at >= 0;
-         at = text.indexOf(target, at + 1, sensitivity))
+    const auto next = [&](qsizetype start) {
+        return options.MatchCase ? text.indexOf(target, start, Qt::CaseSensitive)
+                                 : indexIgnoringCase(text, target, start);
+    };
+    for (qsizetype at = next(std::max<qsizetype>(from, 0)); at >= 0; at = next(at + 1))
         if (!options.WholeWord || standsAlone(text, at, target.size()))
             return at;
     return -1;

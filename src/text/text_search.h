@@ -13,6 +13,9 @@ struct FindOptions {
     bool WholeWord = false;
 };
 
+// Where target first stands in text at or after from, case ignored, or -1: Qt's own
+// search folded at every character; this folds ASCII by arithmetic, the find's case.
+qsizetype indexIgnoringCase(QStringView text, QStringView target, qsizetype from);
 // Where target first stands in text at or after from, or -1. An empty target stands
 // nowhere.
 qsizetype findText(QStringView text, QStringView target, qsizetype from,

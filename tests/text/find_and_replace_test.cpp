@@ -23,6 +23,8 @@ TEST(TextSearch, CaseAndWholeWordsAreChoices) {
     EXPECT_EQ(findText(u"Bunny2.Move(Bunny)", u"Bunny", 0, {false, true}), 12);
     EXPECT_EQ(findText(u"my_bunny bunny", u"bunny", 0, {false, true}), 9);
     EXPECT_EQ(findText(u"anything", u"", 0, AnyCase), -1);
+    EXPECT_EQ(findText(u"Der ÄPFEL Baum", u"äpfel", 0, AnyCase), 4);
+    EXPECT_EQ(findText(u"ab", u"abc", 0, AnyCase), -1);
     int replaced = 0;
     EXPECT_EQ(replaceText("aXa xa", u"a", "bb", AnyCase, replaced), "bbXbb xbb");
     EXPECT_EQ(replaced, 3);
