@@ -95,13 +95,18 @@ QString commonStart(const QStringList& words) {
 
 } // namespace
 
+int completionWordStart(const QString& line, int caret) {
+    int start = std::clamp(caret, 0, static_cast<int>(line.size()));
+    while (start > 0 && isWordCharacter(line[start - 1]))
+        --start;
+    return start;
+}
+
 CommandCompletion completeCommandLine(const QString& line, int caret,
                                       const QStringList& objectNames) {
     CommandCompletion completion{line, caret, {}};
     caret = std::clamp(caret, 0, static_cast<int>(line.size()));
-    int start = caret;
-    while (start > 0 && isWordCharacter(line[start - 1]))
-        --start;
+    const int start = completionWordStart(line, caret);
     const QString word = line.mid(start, caret - start);
     const QStringList choices = startingWith(wordsAt(line, start, word, objectNames), word);
     if (choices.isEmpty())

@@ -17,6 +17,9 @@ struct CommandCompletion {
     QStringList Choices;
 };
 
+// Where the word that ends at caret begins: the word a completion replaces.
+int completionWordStart(const QString& line, int caret);
+
 // objectNames are the scene's objects by their full names ("Bunny", "Bunny.Head").
 CommandCompletion completeCommandLine(const QString& line, int caret,
                                       const QStringList& objectNames);

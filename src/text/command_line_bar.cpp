@@ -85,11 +85,9 @@ CommandLineBar::CommandLineBar(EngineLink& engine, ErrorReporter& reporter,
             [this](const QString& word) {
                 QLineEdit* edit = box_->lineEdit();
                 const QString line = edit->text();
-                int start = edit->cursorPosition();
-                while (start > 0 && (line[start - 1].isLetterOrNumber() ||
-                                     line[start - 1] == u'_' || line[start - 1] == u'.'))
-                    --start;
-                edit->setText(line.left(start) + word + line.mid(edit->cursorPosition()));
+                const int caret = edit->cursorPosition();
+                const int start = completionWordStart(line, caret);
+                edit->setText(line.left(start) + word + line.mid(caret));
                 edit->setCursorPosition(start + static_cast<int>(word.size()));
             });
     // A line chosen from the list is selected whole, to run or to type over.
