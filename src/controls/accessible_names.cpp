@@ -25,6 +25,8 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("TreeView1"), QStringLiteral("Script")},
         {QStringLiteral("ConstructTree"), QStringLiteral("Blocks")},
         {QStringLiteral("CommandLineTreeview"), QStringLiteral("Line being built")},
+        {QStringLiteral("CommandLineBox"), QStringLiteral("Command line")},
+        {QStringLiteral("GoButton"), QStringLiteral("Run the command line")},
         {QStringLiteral("UndoButton"), QStringLiteral("Undo scene change")},
         {QStringLiteral("ScriptUndoButton"), QStringLiteral("Undo Changes to Script")},
         {QStringLiteral("ScriptRedoButton"), QStringLiteral("Redo Changes to Script")},
@@ -51,6 +53,14 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("AddTextButton"), QStringLiteral("Add text")},
         {QStringLiteral("TrashCanPicture"), QStringLiteral("Trash can")},
         {QStringLiteral("SplitterH1"), QStringLiteral("Divider above the output")},
+        // Find and Replace
+        {QStringLiteral("FindTextBox"), QStringLiteral("Find")},
+        {QStringLiteral("ReplaceTextBox"), QStringLiteral("Replace with")},
+        {QStringLiteral("MatchCaseCheck"), QStringLiteral("Match case")},
+        {QStringLiteral("WholeWordCheck"), QStringLiteral("Whole word")},
+        {QStringLiteral("FindButton"), QStringLiteral("Find")},
+        {QStringLiteral("ReplaceButton"), QStringLiteral("Replace")},
+        {QStringLiteral("ReplaceAllButton"), QStringLiteral("Replace All")},
         // Editors over the script
         {QStringLiteral("Text1"), QStringLiteral("Value")},
         {QStringLiteral("TreeWidget"), QStringLiteral("Objects to pick from")},
@@ -126,6 +136,8 @@ const QHash<QString, QString>& stateTable() {
         {QStringLiteral("PerformScriptButton/running"), QStringLiteral("Perform again")},
         {QStringLiteral("TrafficLightImage/running"), QStringLiteral("Stop the world")},
         {QStringLiteral("WorldOkButton/save"), QStringLiteral("Save")},
+        {QStringLiteral("FindButton/Find Next"), QStringLiteral("Find Next")},
+        {QStringLiteral("FindButton/Find Again"), QStringLiteral("Find Again")},
     };
     return names;
 }

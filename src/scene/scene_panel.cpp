@@ -177,10 +177,11 @@ void ScenePanel::ObjectTree_MouseDown(Qt::MouseButton button, const QPoint& poin
     }
 }
 
-void ScenePanel::ObjectTree_NodeClick(TreeNode*) {
+void ScenePanel::ObjectTree_NodeClick(TreeNode* node) {
     runTool(engine_, reporter_, QStringLiteral("PlaySystemSound('Selection')"),
             QStringLiteral("MainForm:ObjectTree_NodeClick: Error calling python."));
-    // The command line, once there is one, takes the object's name from here.
+    // The command line takes the object's name from here.
+    Q_EMIT objectClicked(node->Tag());
 }
 
 TreeNode* ScenePanel::ObjectTree_MouseMove(Qt::MouseButtons buttons, const QPoint&) {

@@ -57,6 +57,10 @@ public:
 
     bool InDrag() const { return inDrag_; }
 
+Q_SIGNALS:
+    // An object of ObjectTree was clicked: its full name.
+    void objectClicked(const QString& objectName);
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 

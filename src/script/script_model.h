@@ -100,6 +100,9 @@ public:
 
     void UndoLog(UndoOperation operation, const TreeNode* node, const TreeNode* otherNode = nullptr,
                  int count = 0);
+    // The newest records, as many as given, become one step of undo: a change of many
+    // lines made at once.
+    void UndoLogGroup(int records) { undo_.GroupLast(records); }
     void UndoFromLog() { undo_.UndoFromLog(); }
     void RedoFromLog() { undo_.RedoFromLog(); }
     const TreeUndoLog& TreeUndoRecords() const { return undo_; }

@@ -67,8 +67,16 @@ void TreeUndoLog::UndoLog(UndoOperation operation, const TreeNode* node, const T
         break;
     case UndoOperation::Added:
     case UndoOperation::Expansion:
+    case UndoOperation::Group: // made by GroupLast alone
         break;
     }
+}
+
+void TreeUndoLog::GroupLast(int records) {
+    if (records < 2)
+        return;
+    const auto tell = tellingListener(listener_);
+    records_[Undo].append(QStringLiteral("6,%1,0").arg(records));
 }
 
 void TreeUndoLog::record(Side side, UndoOperation operation, const QString& paths, int count) {
@@ -127,6 +135,15 @@ void TreeUndoLog::replay(Side from) {
     const auto tell = tellingListener(listener_);
     const Side to = from == Undo ? Redo : Undo;
     const QStringList fields = records_[from].takeLast().split(u',');
+    if (ToInteger(fields.first()) == static_cast<int>(UndoOperation::Group)) {
+        // Its records replay newest first, and come out on the other side in the order
+        // that replays them back.
+        const int records = ToInteger(fields.value(1));
+        for (int replayed = 0; replayed < records && !records_[from].isEmpty(); ++replayed)
+            replay(from);
+        records_[to].append(fields.join(u','));
+        return;
+    }
     const int count = ToInteger(fields.last());
     // The rows a tree change touched change back before the tree, and again after it.
     if (from == Undo)
@@ -152,6 +169,8 @@ void TreeUndoLog::replay(Side from) {
             tree_.SetExpanded(reached, !reached->Expanded());
             record(to, UndoOperation::Expansion, NodePath(reached), count);
         }
+        break;
+    case UndoOperation::Group: // replayed above
         break;
     }
     if (from == Redo)

@@ -20,6 +20,7 @@ enum class UndoOperation : int {
     Changed = 3,   // the node's text is about to change; the old text is saved
     Moved = 4,     // the node moves from oldPath to newPath; its subtree is saved
     Expansion = 5, // the node was opened or closed
+    Group = 6,     // the records below it, as many as its path says, undo as one step
 };
 
 // The script tree's history: text records that address nodes by path since undo
@@ -31,8 +32,8 @@ enum class UndoOperation : int {
 // Recording a change is also where the world becomes modified.
 //
 // A record reads "<operation>,<path>,<count>", or "4,<newPath>,<oldPath>,<count>" for a
-// move; count is how many records of the event list's log go with it: an undo replays
-// them first, a redo after.
+// move, or "6,<records>,0" over the records it makes one step of; count is how many records of the
+// event list's log go with it: an undo replays them first, a redo after.
 class TreeUndoLog {
 public:
     TreeUndoLog(TreeControl& tree, TreeControl& junkyard, AnimationNameList& animationNames,
@@ -41,6 +42,8 @@ public:
     // Records a change; otherNode is the moved node's new copy for Moved.
     void UndoLog(UndoOperation operation, const TreeNode* node, const TreeNode* otherNode = nullptr,
                  int count = 0);
+    // The newest records, as many as given, become one step of undo and redo.
+    void GroupLast(int records);
     // Reverses the newest record; nothing when there is none. Where the tree changed in
     // a way the log does not know of, nodes go back as near their place as the path
     // allows. A malformed count fails with RunTimeError::TypeMismatch.

@@ -23,6 +23,8 @@
 #include "shell/world_trust.h"
 #include "text/arbitrary_code_box.h"
 #include "text/code_editor.h"
+#include "text/command_line_bar.h"
+#include "text/find_form.h"
 #include "world/autosave.h"
 #include "world/code_box_run.h"
 #include "world/open_world.h"
@@ -34,6 +36,7 @@
 #include <QCheckBox>
 #include <QChildEvent>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLocale>
@@ -356,6 +359,12 @@ QWidget* MainForm::buildScriptTabs() {
     scriptLayout->addWidget(eventPanel_, 1);
     scriptLayout->addWidget(buildCodeBoxSplitter(scriptTab), 2);
     editMenu_->setCodeBox(&codeBox_->editor(), [this] { return CodeBoxHasFocus(); });
+    commandLine_ = new CommandLineBar(engine_, reporter_, scriptPanel_->CommandLineTreeviewView(),
+                                      world_.trees().ObjectTree, scriptTab);
+    commandLine_->followClicksOn(scriptPanel_->TreeView1View());
+    connect(scenePanel_, &ScenePanel::objectClicked, commandLine_,
+            &CommandLineBar::ObjectTree_NodeClick);
+    scriptLayout->addWidget(commandLine_);
     scriptLayout->addWidget(scriptText_, 2);
 
     sceneScriptTab_ = new QStackedWidget(area);
@@ -427,6 +436,12 @@ void MainForm::buildMenus() {
         ->setShortcuts(
             {QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
     connectMenuCommand("EditRedoTextMenuButton", [this] { EditRedoTextMenuButton_Click(); });
+    findChild<QAction*>(QStringLiteral("EditFindMenuButton"))->setShortcut(QKeySequence::Find);
+    connectMenuCommand("EditFindMenuButton", [this] { findForm().EditFindMenuButton_Click(); });
+    findChild<QAction*>(QStringLiteral("EditReplaceMenuButton"))
+        ->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_H));
+    connectMenuCommand("EditReplaceMenuButton",
+                       [this] { findForm().EditReplaceMenuButton_Click(); });
     QAction* exit = findChild<QAction*>(QStringLiteral("FileExitMenuButton"));
     exit->setEnabled(true);
     exit->setShortcut(QKeySequence::Quit);
@@ -480,14 +495,25 @@ void MainForm::orderTabStops() {
                              trashCan_,
                              &script.ConstructTreeView(),
                              &script.TreeView1View(),
-                             &script.CommandLineTreeviewView(),
                              &codeBox_->editor(),
+                             &commandLine_->CommandLineBox(),
+                             &script.CommandLineTreeviewView(),
+                             &commandLine_->GoButton(),
                              scriptText_,
                              outputText_};
     for (qsizetype i = 0; i < openingSceneTools.size(); ++i)
         order.insert(order.indexOf(lastAddingButton_) + 1 + i, openingSceneTools[i]);
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
+}
+
+FindForm& MainForm::findForm() {
+    if (!findForm_) {
+        findForm_ = new FindForm(world_.script(), this);
+        findForm_->setCodeBox(&codeBox_->editor());
+        findForm_->setCodeBoxHasFocus([this] { return CodeBoxHasFocus(); });
+    }
+    return *findForm_;
 }
 
 QWidget* MainForm::OpeningSceneFrame() const {

@@ -27,6 +27,8 @@ namespace vessa {
 class AddingCommands;
 class EditMenu;
 class ArbitraryCodeBox;
+class CommandLineBar;
+class FindForm;
 class ArchiveDialogs;
 class Autosave;
 class CodeBoxRun;
@@ -96,6 +98,9 @@ public:
     ScriptPanel& scriptPanel() { return *scriptPanel_; }
     EventPanel& eventPanel() { return *eventPanel_; }
     ScenePanel& scenePanel() { return *scenePanel_; }
+    CommandLineBar& commandLine() { return *commandLine_; }
+    // Find and Replace, made the first time they are asked for.
+    FindForm& findForm();
     // Add Object, Add Sound and Add Text, from the menu and from their buttons.
     AddingCommands& addingCommands() { return *adding_; }
     TrashCan& trashCan() { return *trashCan_; }
@@ -218,7 +223,9 @@ private:
     bool switchingTab_ = false;
     QStackedWidget* sceneScriptTab_ = nullptr; // 0 the opening scene, 1 the script
     ScriptPanel* scriptPanel_ = nullptr;
-    EventPanel* eventPanel_ = nullptr; // on the events tab, above the script
+    CommandLineBar* commandLine_ = nullptr; // under the script
+    FindForm* findForm_ = nullptr;          // Owned by Qt.
+    EventPanel* eventPanel_ = nullptr;      // on the events tab, above the script
     ScenePanel* scenePanel_ = nullptr;
     QToolButton* undoButton_ = nullptr;          // on the opening scene: the engine's undo
     QToolButton* scriptUndoButton_ = nullptr;    // on the script's tabs: the tab's own undo

@@ -61,8 +61,8 @@ void WorldRun::SwitchToTab(int tab) {
 void WorldRun::toOpeningScene(int old) {
     selectedTab_ = 0;
     view_.enableMenuItems({"FileOpeningScene", "FileStartCameraHere", "EditFindMenuButton",
-                           "EditUndoTextMenuButton", "EditPasteMenuButton", "EditCutMenuButton",
-                           "EditCopyMenuButton", "EditDeleteMenuButton"},
+                           "EditReplaceMenuButton", "EditUndoTextMenuButton", "EditPasteMenuButton",
+                           "EditCutMenuButton", "EditCopyMenuButton", "EditDeleteMenuButton"},
                           false);
     view_.enableMenuItems({"mnuMakeObject", "mnuAddObject", "mnuAddSounds", "mnuAddText"}, true);
     view_.showTabPage(0);
@@ -80,8 +80,8 @@ void WorldRun::toAnimations(int old) {
     world_.status().setSceneScriptTab(1);
     view_.showTabPage(1);
     applyCodeBoxPreference();
-    view_.enableMenuItems({"EditFindMenuButton", "EditUndoTextMenuButton", "EditCutMenuButton",
-                           "EditCopyMenuButton", "EditDeleteMenuButton"},
+    view_.enableMenuItems({"EditFindMenuButton", "EditReplaceMenuButton", "EditUndoTextMenuButton",
+                           "EditCutMenuButton", "EditCopyMenuButton", "EditDeleteMenuButton"},
                           true);
     view_.enableMenuItems({"mnuMakeObject", "mnuAddObject", "mnuAddSounds", "mnuAddText"}, false);
     view_.enableMenuItems({"FileOpeningScene", "FileStartCameraHere"}, true);
@@ -104,7 +104,8 @@ void WorldRun::toEvents(int old) {
     ObjectTree2_Update(world_.trees());
     view_.showTabPage(2);
     applyCodeBoxPreference();
-    view_.enableMenuItems({"EditFindMenuButton", "EditPasteMenuButton"}, false);
+    view_.enableMenuItems({"EditFindMenuButton", "EditReplaceMenuButton", "EditPasteMenuButton"},
+                          false);
     view_.enableMenuItems({"EditUndoTextMenuButton", "EditCutMenuButton", "EditCopyMenuButton",
                            "EditDeleteMenuButton"},
                           true);

@@ -23,6 +23,16 @@ def test_user_failures_become_records_and_the_call_succeeds(interp, tag):
     assert records[1] == ["popuperrordialog", "NameError: name 'Bunyy' is not defined", "3"]
 
 
+@pytest.mark.parametrize("tag", USER_TAGS)
+def test_a_text_too_deep_for_the_compiler_is_told_as_a_mistake(interp, tag):
+    # 50,000 terms: the compiler runs out of recursion, not into a syntax error
+    assert interp.ExecuteCode("1" + "+1" * 50000, tag, "single") is None
+    records = misc(interp)
+    assert [r[0] for r in records] == ["error", "popuperrordialog"]
+    assert interp.ExecuteCode("1 + 1", tag, "single") is None
+    assert misc(interp) == [["output", "2\n"]]
+
+
 def test_successful_runs_answer_none_and_share_one_namespace(interp):
     assert interp.ExecuteCode("bunny_count = 41", "<Tool>", "exec") is None
     assert interp.ExecuteCode("bunny_count += 1", "<Script Text>", "exec") is None

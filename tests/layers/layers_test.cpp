@@ -11,26 +11,27 @@
 // those of lower layers, never those of a higher layer or of a folder beside it. A new
 // folder must take its place here before it can be included at all. One subsystem reads
 // the models of the one beside it: the event rows name the script's animations and
-// follow its edits; its windows, the panels, stay out of reach.
+// follow its edits, and the text boxes search and complete its lines; its windows, the
+// panels, stay out of reach.
 
 namespace {
 
 int layerOf(const QString& folder) {
     static const QHash<QString, int> layers = {
-        {QStringLiteral("base"), 0},    {QStringLiteral("controls"), 1},
-        {QStringLiteral("gateway"), 2}, {QStringLiteral("script"), 3},
-        {QStringLiteral("scene"), 3},   {QStringLiteral("events"), 3},
-        {QStringLiteral("export"), 3},  {QStringLiteral("text"), 3},
-        {QStringLiteral("world"), 4},   {QStringLiteral("shell"), 5},
-        {QStringLiteral("commandline"), 5},
-        {QStringLiteral("app"), 6},
+        {QStringLiteral("base"), 0},        {QStringLiteral("controls"), 1},
+        {QStringLiteral("gateway"), 2},     {QStringLiteral("script"), 3},
+        {QStringLiteral("scene"), 3},       {QStringLiteral("events"), 3},
+        {QStringLiteral("export"), 3},      {QStringLiteral("text"), 3},
+        {QStringLiteral("world"), 4},       {QStringLiteral("shell"), 5},
+        {QStringLiteral("commandline"), 5}, {QStringLiteral("app"), 6},
     };
     return layers.value(folder, -1);
 }
 
 // Whether folder may include header of the subsystem beside it.
 bool readsModelOfNeighbour(const QString& folder, const QString& header) {
-    return folder == QStringLiteral("events") && header.startsWith(QStringLiteral("script/")) &&
+    const bool readsScript = folder == QStringLiteral("events") || folder == QStringLiteral("text");
+    return readsScript && header.startsWith(QStringLiteral("script/")) &&
            !header.endsWith(QStringLiteral("_panel.h"));
 }
 

@@ -13,6 +13,7 @@
 #include "shell/help_form.h"
 #include "shell/splash_screen.h"
 #include "shell/world_dialog.h"
+#include "text/find_form.h"
 
 #include "main_form_harness.h"
 #include "support/qt_print.h"
@@ -219,7 +220,8 @@ TEST(ScreenReader, TheListNamesOnlyControlsThatExistAndEveryShownControlHasAName
                                &preWebSave,
                                &web,
                                &webSave,
-                               &worldForm};
+                               &worldForm,
+                               &h.form->findForm()};
     for (QWidget* window : QList<QWidget*>(widgets))
         widgets << window->findChildren<QWidget*>();
     QSet<QString> made;
@@ -275,13 +277,18 @@ TEST(Keyboard, FocusStartsOnTheObjectsAndTabReadsTheWindowInOrderBothWays) {
 
     w.press(Qt::Key_Tab, Qt::ControlModifier);
     w.useMainWindow();
-    const QStringList animations = {
-        QStringLiteral("Objects"),    QStringLiteral("Sounds"),
-        QStringLiteral("World tabs"), QStringLiteral("Undo Changes to Script"),
-        QStringLiteral("Perform"),    QStringLiteral("Reset the world"),
-        QStringLiteral("Trash can"),  QStringLiteral("Blocks"),
-        QStringLiteral("Script"),     QStringLiteral("Line being built"),
-        QStringLiteral("Output")};
+    const QStringList animations = {QStringLiteral("Objects"),
+                                    QStringLiteral("Sounds"),
+                                    QStringLiteral("World tabs"),
+                                    QStringLiteral("Undo Changes to Script"),
+                                    QStringLiteral("Perform"),
+                                    QStringLiteral("Reset the world"),
+                                    QStringLiteral("Trash can"),
+                                    QStringLiteral("Blocks"),
+                                    QStringLiteral("Script"),
+                                    QStringLiteral("Command line"),
+                                    QStringLiteral("Run the command line"),
+                                    QStringLiteral("Output")};
     EXPECT_EQ(w.walk(Qt::Key_Tab), animations);
     EXPECT_EQ(w.inReadingOrder(animations), animations);
 }

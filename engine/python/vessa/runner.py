@@ -49,7 +49,9 @@ class CodeRunner:
                 code = self._compile(text, tag, mode)
             except SyntaxError as exc:
                 return self._failed(exc, tag, reports.syntax_detail(exc, tag))
-            except ValueError as exc:   # e.g. an unknown mode or a NUL character
+            except (ValueError, RecursionError, MemoryError) as exc:
+                # an unknown mode, a NUL character, or a text too deeply nested or too
+                # big for the compiler (a sum of 50,000 terms)
                 return self._failed(exc, tag, reports.NO_LINE)
             try:
                 with self._watchdog:
