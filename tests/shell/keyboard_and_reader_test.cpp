@@ -3,6 +3,7 @@
 #include "controls/accessible_names.h"
 #include "controls/tree_control_view.h"
 #include "export/mail_forms.h"
+#include "export/sketch_window.h"
 #include "export/web_forms.h"
 #include "scene/adding_commands.h"
 #include "scene/gallery_dialog.h"
@@ -204,7 +205,9 @@ TEST(ScreenReader, TheListNamesOnlyControlsThatExistAndEveryShownControlHasAName
     WebSaveForm webSave(QDir::homePath());
     WorldForm worldForm;
     worldForm.begin(WorldForm::Use::Save, QDir::homePath(), QStringLiteral("Untitled"));
-    QList<QWidget*> widgets = {h.form.get(),
+    SketchWindow sketchTool;
+    QList<QWidget*> widgets = {&sketchTool,
+                               h.form.get(),
                                &h.renderForm,
                                &error,
                                &help,
