@@ -4,6 +4,7 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QOpenGLContext>
 #include <QPainter>
 #include <QSurfaceFormat>
 
@@ -81,11 +82,13 @@ SketchView::SketchView(QWidget* parent)
 // A viewer that dies holding its window closes it with OpenGL calls, which need the
 // context current.
 SketchView::~SketchView() {
+    if (contextMade_ && context())
+        disconnect(context(), nullptr, this, nullptr);
     if (contextMade_ && !released_) {
         makeCurrent();
         window_->close(true);
         doneCurrent();
-    } else {
+    } else if (!released_) {
         window_->close(false);
     }
     viewer_->getCamera()->setGraphicsContext(nullptr);
@@ -139,6 +142,8 @@ void SketchView::initializeGL() {
     }
     contextMade_ = true;
     connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, [this] {
+        if (released_)
+            return;
         makeCurrent();
         window_->close(true);
         released_ = true;

@@ -206,20 +206,10 @@ TEST(ScreenReader, TheListNamesOnlyControlsThatExistAndEveryShownControlHasAName
     WorldForm worldForm;
     worldForm.begin(WorldForm::Use::Save, QDir::homePath(), QStringLiteral("Untitled"));
     SketchWindow sketchTool;
-    QList<QWidget*> widgets = {&sketchTool,
-                               h.form.get(),
-                               &h.renderForm,
-                               &error,
-                               &help,
-                               &splash,
-                               adding.gallery(),
-                               adding.addTextForm(),
-                               &email,
-                               &mailServer,
-                               &preWebSave,
-                               &web,
-                               &webSave,
-                               &worldForm};
+    QList<QWidget*> widgets = {&sketchTool, h.form.get(), &h.renderForm,    &error,
+                               &help,       &splash,      adding.gallery(), adding.addTextForm(),
+                               &email,      &mailServer,  &preWebSave,      &web,
+                               &webSave,    &worldForm};
     for (QWidget* window : QList<QWidget*>(widgets))
         widgets << window->findChildren<QWidget*>();
     QSet<QString> made;
