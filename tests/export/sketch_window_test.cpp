@@ -218,7 +218,10 @@ TEST(SketchFiles, OnlyTheToolsOwnObjectFilesCount) {
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.close();
     EXPECT_TRUE(isSketchObjectPath(path));
-    EXPECT_NE(newSketchObjectPath(), path) << "each object a folder of its own";
+    const QString another = newSketchObjectPath();
+    EXPECT_NE(QFileInfo(another).absolutePath(), QFileInfo(path).absolutePath())
+        << "each object a folder of its own";
+    QDir(QFileInfo(another).absolutePath()).removeRecursively();
 
     QTemporaryDir elsewhere;
     EXPECT_FALSE(isSketchObjectPath(elsewhere.filePath(QStringLiteral("Sketch.mdl"))));
