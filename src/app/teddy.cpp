@@ -19,8 +19,6 @@ constexpr int kAnswerKeptMilliseconds = 10'000;
 } // namespace
 
 int main(int argc, char** argv) {
-    // OpenSceneGraph draws with the fixed-function pipeline.
-    QApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Teddy"));
     QApplication::setQuitOnLastWindowClosed(false);
