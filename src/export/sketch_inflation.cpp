@@ -14,9 +14,11 @@ namespace {
 // then rises to √(kSwelling / 2)·w, a disc of radius r to √(kSwelling / 4)·r: rounder
 // than a lens, a little flatter than a ball.
 constexpr double kSwelling = 3.0;
-// Points inside keep this share of the spacing from the outline and from the edges of
-// the triangles they fall into, so that no triangle is a sliver.
-constexpr double kInsideMargin = 0.6;
+// Points inside: a ring this share of the spacing in from the outline, then a lattice
+// that keeps the second share from it; none falls nearer than the third share to an
+// edge of the triangle it falls into, so that no triangle is a sliver.
+constexpr double kRingDepth = 0.5;
+constexpr double kInsideMargin = 0.95;
 constexpr double kEdgeMargin = 0.05;
 // Where the solution has no lift at all, the two sides still stand this share of the
 // spacing apart.
@@ -101,6 +103,7 @@ private:
     std::optional<int> locate(const SketchPoint& p);
     void splitTriangle(int t, std::uint32_t p);
     void splitEdge(int t, int k, std::uint32_t p);
+    bool insertIfRoomy(const SketchPoint& p);
 
     std::vector<SketchPoint> points_;
     size_t outlinePoints_;
@@ -311,8 +314,8 @@ void Triangulator::splitEdge(int t, int k, std::uint32_t p) {
     legalizeAround(p, {{t, 2}, {t1, 1}, {u, 2}, {u1, 1}});
 }
 
-// Points of a triangular lattice inside the outline, each far enough from it; every
-// one that does not fall too near an edge of the triangles becomes a corner.
+// Points inside the outline: a ring along it, then a triangular lattice, each point far
+// enough from the outline and the ring.
 void Triangulator::fillInside() {
     const std::vector<SketchPoint> outline(
         points_.begin(), points_.begin() + static_cast<std::ptrdiff_t>(outlinePoints_));
@@ -321,17 +324,21 @@ void Triangulator::fillInside() {
         minX = std::min(minX, p.x), maxX = std::max(maxX, p.x);
         minY = std::min(minY, p.y), maxY = std::max(maxY, p.y);
     }
-    // The outline's edges in cells of the spacing, so that a point's nearest edges are
-    // those of its cell and the cells around it.
+    // The outline's edges and the ring's points in cells of the spacing, so that what
+    // lies near a point is in its cell and the cells around it.
     const double cell = spacing_;
     const int columns = static_cast<int>((maxX - minX) / cell) + 1;
     const int rows = static_cast<int>((maxY - minY) / cell) + 1;
-    std::vector<std::vector<std::uint32_t>> cells(static_cast<size_t>(columns * rows));
+    std::vector<std::vector<std::uint32_t>> edgeCells(static_cast<size_t>(columns * rows));
+    std::vector<std::vector<std::uint32_t>> ringCells(edgeCells.size());
     const auto column = [&](double x) {
         return std::clamp(static_cast<int>((x - minX) / cell), 0, columns - 1);
     };
     const auto row = [&](double y) {
         return std::clamp(static_cast<int>((y - minY) / cell), 0, rows - 1);
+    };
+    const auto cellOf = [&](const SketchPoint& p) {
+        return static_cast<size_t>(row(p.y) * columns + column(p.x));
     };
     const size_t n = outline.size();
     for (size_t i = 0; i < n; ++i) {
@@ -339,20 +346,46 @@ void Triangulator::fillInside() {
         const SketchPoint& b = outline[(i + 1) % n];
         for (int r = row(std::min(a.y, b.y)); r <= row(std::max(a.y, b.y)); ++r)
             for (int c = column(std::min(a.x, b.x)); c <= column(std::max(a.x, b.x)); ++c)
-                cells[static_cast<size_t>(r * columns + c)].push_back(
+                edgeCells[static_cast<size_t>(r * columns + c)].push_back(
                     static_cast<std::uint32_t>(i));
     }
-    const auto farFromOutline = [&](const SketchPoint& p) {
+    // Whether p keeps `margin` spacings from the outline and from the ring's points.
+    const auto roomAround = [&](const SketchPoint& p, double margin) {
         const int pc = column(p.x), pr = row(p.y);
-        for (int r = std::max(pr - 1, 0); r <= std::min(pr + 1, rows - 1); ++r)
-            for (int c = std::max(pc - 1, 0); c <= std::min(pc + 1, columns - 1); ++c)
-                for (std::uint32_t i : cells[static_cast<size_t>(r * columns + c)])
-                    if (segmentDistance(p, outline[i], outline[(i + 1) % n]) <
-                        kInsideMargin * spacing_)
+        for (int r = std::max(pr - 1, 0); r <= std::min(pr + 1, rows - 1); ++r) {
+            for (int c = std::max(pc - 1, 0); c <= std::min(pc + 1, columns - 1); ++c) {
+                const size_t k = static_cast<size_t>(r * columns + c);
+                for (std::uint32_t i : edgeCells[k])
+                    if (segmentDistance(p, outline[i], outline[(i + 1) % n]) < margin * spacing_)
                         return false;
+                for (std::uint32_t v : ringCells[k])
+                    if (std::hypot(p.x - at(v).x, p.y - at(v).y) < kRingDepth * spacing_)
+                        return false;
+            }
+        }
         return true;
     };
 
+    // A ring half a spacing in from the outline, so that the rim rounds evenly.
+    for (size_t i = 0; i < n; ++i) {
+        const SketchPoint& before = outline[(i + n - 1) % n];
+        const SketchPoint& v = outline[i];
+        const SketchPoint& after = outline[(i + 1) % n];
+        const double l1 = std::hypot(v.x - before.x, v.y - before.y);
+        const double l2 = std::hypot(after.x - v.x, after.y - v.y);
+        // The inward normals of the two edges (the outline is counter-clockwise).
+        const double nx = -(v.y - before.y) / l1 - (after.y - v.y) / l2;
+        const double ny = (v.x - before.x) / l1 + (after.x - v.x) / l2;
+        const double length = std::hypot(nx, ny);
+        if (!(length > 1e-6))
+            continue;
+        const SketchPoint p{v.x + nx / length * kRingDepth * spacing_,
+                            v.y + ny / length * kRingDepth * spacing_};
+        if (roomAround(p, kRingDepth * 0.8) && insertIfRoomy(p))
+            ringCells[cellOf(p)].push_back(static_cast<std::uint32_t>(points_.size() - 1));
+    }
+
+    // A triangular lattice inside the ring.
     const double rowStep = spacing_ * std::sqrt(3.0) / 2;
     std::vector<double> crossings;
     int rowIndex = 0;
@@ -372,25 +405,29 @@ void Triangulator::fillInside() {
                 minX + shift + std::ceil((crossings[pair] - minX - shift) / spacing_) * spacing_;
             for (double x = from; x < crossings[pair + 1]; x += spacing_) {
                 const SketchPoint p{x, y};
-                if (!farFromOutline(p))
-                    continue;
-                const auto t = locate(p);
-                if (!t)
-                    continue;
-                const Triangle& tr = tri(*t);
-                bool nearEdge = false;
-                for (int k = 0; k < 3; ++k) {
-                    const SketchPoint& e0 = at(tr.v[static_cast<size_t>(next(k))]);
-                    const SketchPoint& e1 = at(tr.v[static_cast<size_t>(prev(k))]);
-                    nearEdge = nearEdge || segmentDistance(p, e0, e1) < kEdgeMargin * spacing_;
-                }
-                if (nearEdge)
-                    continue;
-                points_.push_back(p);
-                splitTriangle(*t, static_cast<std::uint32_t>(points_.size() - 1));
+                if (roomAround(p, kInsideMargin))
+                    insertIfRoomy(p);
             }
         }
     }
+}
+
+// Makes p a corner unless it falls too near an edge of the triangle it is in (or in
+// none); answers whether it did.
+bool Triangulator::insertIfRoomy(const SketchPoint& p) {
+    const auto t = locate(p);
+    if (!t)
+        return false;
+    const Triangle& tr = tri(*t);
+    for (int k = 0; k < 3; ++k) {
+        const SketchPoint& e0 = at(tr.v[static_cast<size_t>(next(k))]);
+        const SketchPoint& e1 = at(tr.v[static_cast<size_t>(prev(k))]);
+        if (segmentDistance(p, e0, e1) < kEdgeMargin * spacing_)
+            return false;
+    }
+    points_.push_back(p);
+    splitTriangle(*t, static_cast<std::uint32_t>(points_.size() - 1));
+    return true;
 }
 
 // Splits every inside edge between two points of the outline at its middle, so that
