@@ -205,11 +205,21 @@ TEST(ScreenReader, TheListNamesOnlyControlsThatExistAndEveryShownControlHasAName
     WebSaveForm webSave(QDir::homePath());
     WorldForm worldForm;
     worldForm.begin(WorldForm::Use::Save, QDir::homePath(), QStringLiteral("Untitled"));
+    QList<QWidget*> widgets = {h.form.get(),
+                               &h.renderForm,
+                               &error,
+                               &help,
+                               &splash,
+                               adding.gallery(),
+                               adding.addTextForm(),
+                               &email,
+                               &mailServer,
+                               &preWebSave,
+                               &web,
+                               &webSave,
+                               &worldForm};
     SketchWindow sketchTool;
-    QList<QWidget*> widgets = {&sketchTool, h.form.get(), &h.renderForm,    &error,
-                               &help,       &splash,      adding.gallery(), adding.addTextForm(),
-                               &email,      &mailServer,  &preWebSave,      &web,
-                               &webSave,    &worldForm};
+    widgets << &sketchTool;
     for (QWidget* window : QList<QWidget*>(widgets))
         widgets << window->findChildren<QWidget*>();
     QSet<QString> made;
