@@ -27,11 +27,13 @@ function(vessa_library name)
     vessa_target_defaults(${name})
 endfunction()
 
-# vessa_test(name [GUI] SOURCES ... LIBS ... [LABELS ...])
+# vessa_test(name [GUI] [SERIAL] SOURCES ... LIBS ... [LABELS ...])
 # Each test runs headless, with its own settings and home folder. GUI tests get
-# a QApplication for the whole run.
+# a QApplication for the whole run. SERIAL tests run with no other test beside them:
+# they drive the display's own mouse and keyboard, which other tests' windows would
+# take.
 function(vessa_test name)
-    cmake_parse_arguments(ARG "GUI" "" "SOURCES;LIBS;LABELS" ${ARGN})
+    cmake_parse_arguments(ARG "GUI;SERIAL" "" "SOURCES;LIBS;LABELS" ${ARGN})
     if(ARG_GUI)
         add_executable(${name} ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/tests/support/gui_test_main.cpp)
         target_link_libraries(${name} PRIVATE ${ARG_LIBS} Qt6::Widgets GTest::gtest GTest::gmock)
@@ -51,7 +53,12 @@ function(vessa_test name)
     if(NOT labels)
         set(labels unit)
     endif()
-    gtest_discover_tests(${name} PROPERTIES LABELS "${labels}" DISCOVERY_TIMEOUT 60)
+    set(serial FALSE)
+    if(ARG_SERIAL)
+        set(serial TRUE)
+    endif()
+    gtest_discover_tests(${name} PROPERTIES LABELS "${labels}" RUN_SERIAL ${serial}
+        DISCOVERY_TIMEOUT 60)
 endfunction()
 
 # vessa_benchmark(name SOURCES ... LIBS ...)

@@ -125,6 +125,19 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("DriveList"), QStringLiteral("Drive")},
         {QStringLiteral("DirList"), QStringLiteral("Folder")},
         {QStringLiteral("FileNameText"), QStringLiteral("File name")},
+        // The sketch tool
+        {QStringLiteral("SketchView"), QStringLiteral("Drawing area")},
+        {QStringLiteral("SketchUndoButton"), QStringLiteral("Undo the last outline")},
+        {QStringLiteral("SketchDiscardButton"), QStringLiteral("Discard and Exit")},
+        {QStringLiteral("SketchSaveButton"), QStringLiteral("Save and Exit")},
+        {QStringLiteral("SketchColourBrown"), QStringLiteral("Brown")},
+        {QStringLiteral("SketchColourRed"), QStringLiteral("Red")},
+        {QStringLiteral("SketchColourOrange"), QStringLiteral("Orange")},
+        {QStringLiteral("SketchColourYellow"), QStringLiteral("Yellow")},
+        {QStringLiteral("SketchColourGreen"), QStringLiteral("Green")},
+        {QStringLiteral("SketchColourBlue"), QStringLiteral("Blue")},
+        {QStringLiteral("SketchColourPurple"), QStringLiteral("Purple")},
+        {QStringLiteral("SketchColourWhite"), QStringLiteral("White")},
     };
     return names;
 }

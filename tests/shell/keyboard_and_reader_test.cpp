@@ -3,6 +3,7 @@
 #include "controls/accessible_names.h"
 #include "controls/tree_control_view.h"
 #include "export/mail_forms.h"
+#include "export/sketch_window.h"
 #include "export/web_forms.h"
 #include "scene/adding_commands.h"
 #include "scene/gallery_dialog.h"
@@ -222,6 +223,8 @@ TEST(ScreenReader, TheListNamesOnlyControlsThatExistAndEveryShownControlHasAName
                                &webSave,
                                &worldForm,
                                &h.form->findForm()};
+    SketchWindow sketchTool;
+    widgets << &sketchTool;
     for (QWidget* window : QList<QWidget*>(widgets))
         widgets << window->findChildren<QWidget*>();
     QSet<QString> made;
