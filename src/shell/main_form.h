@@ -28,10 +28,12 @@ class AddingCommands;
 class ArchiveDialogs;
 class Autosave;
 class EventPanel;
+class MainFormArea;
 class MouseToolsPanel;
 class NamedTabBar;
 class OpeningSceneOptions;
 class OpenWorld;
+class PictureButton;
 class RecentFilesMenu;
 class RecoveryStore;
 class RegKeys;
@@ -75,6 +77,8 @@ public:
     // Puts the windows where the user left them, with the preferences and the recent
     // worlds; from then on they are kept again at the end.
     void RestoreSettings();
+    // The help window comes back where the user left it.
+    void keepHelpForm(QWidget& helpForm);
     void setIdleTimerInterval(int ms);
     // Save and Save As for commands that need the world saved first: each answers
     // whether the world now has a folder that holds it as it is.
@@ -93,6 +97,8 @@ public:
     // Add Object, Add Sound and Add Text, from the menu and from their buttons.
     AddingCommands& addingCommands() { return *adding_; }
     TrashCan& trashCan() { return *trashCan_; }
+    // The client area, which places every control (Form_Resize).
+    MainFormArea& area() { return *area_; }
     QTextEdit* OutputText() const { return outputText_; }
     WorldRun& worldRun() { return *run_; }
 
@@ -160,7 +166,7 @@ private:
     QWidget* buildRunControls(QWidget* parent);
     void connectRun();
     QWidget* cameraViewHost() const;
-    QToolButton* makeUndoButton(const QString& control, QWidget* parent);
+    QToolButton* makeUndoButton(const QString& control, const QString& picture, QWidget* parent);
     // The buttons and menu entries by which things come into the scene.
     QWidget* buildAddingButtons(QWidget* parent);
     // Undoes the engine's last step.
@@ -177,6 +183,10 @@ private:
     void mnuTrustWorld_Click(bool trusted);
     void showTrustOfWorld();
     void keepWindows();
+    // The area that places the panels' controls (main_form_layout.cpp), and the picture
+    // buttons that no panel makes.
+    QWidget* buildArea(std::initializer_list<QWidget*> panels);
+    void buildPictureButtons(QWidget* parent);
     // The mouse tools and the opening scene's options, under its camera view.
     QWidget* buildOpeningSceneTools(QWidget* parent);
 
@@ -193,15 +203,15 @@ private:
     ScriptPanel* scriptPanel_ = nullptr;
     EventPanel* eventPanel_ = nullptr; // on the events tab, above the script
     ScenePanel* scenePanel_ = nullptr;
-    QToolButton* undoButton_ = nullptr;          // on the opening scene: the engine's undo
-    QToolButton* scriptUndoButton_ = nullptr;    // on the script's tabs: the tab's own undo
-    QToolButton* scriptRedoButton_ = nullptr;    // beside it: the tab's own redo
-    AddingCommands* adding_ = nullptr;           // Owned by Qt.
-    QWidget* lastAddingButton_ = nullptr;        // the camera view comes after it
-    TrashCan* trashCan_ = nullptr;               // beside the script's undo
-    QToolButton* performScriptButton_ = nullptr; // runs the world
-    QToolButton* trafficLightImage_ = nullptr;   // stops it and puts its start back
-    QPlainTextEdit* scriptText_ = nullptr;       // the world's Python, shown on demand
+    QToolButton* undoButton_ = nullptr;            // on the opening scene: the engine's undo
+    QToolButton* scriptUndoButton_ = nullptr;      // on the script's tabs: the tab's own undo
+    QToolButton* scriptRedoButton_ = nullptr;      // beside it: the tab's own redo
+    AddingCommands* adding_ = nullptr;             // Owned by Qt.
+    QWidget* lastAddingButton_ = nullptr;          // the camera view comes after it
+    TrashCan* trashCan_ = nullptr;                 // beside the script's undo
+    PictureButton* performScriptButton_ = nullptr; // runs the world
+    PictureButton* trafficLightImage_ = nullptr;   // stops it and puts its start back
+    QPlainTextEdit* scriptText_ = nullptr;         // the world's Python, shown on demand
     std::unique_ptr<WorldRun> run_;
     // Keeps the engine stepping while a dialog or an external tool holds the
     // main loop.
@@ -219,6 +229,7 @@ private:
     std::unique_ptr<WindowKeeper> keeper_;
     RecentFilesMenu* recentFiles_ = nullptr;
     MouseToolsPanel* mouseTools_ = nullptr;
+    MainFormArea* area_ = nullptr; // Owned by Qt.
     OpeningSceneOptions* openingSceneOptions_ = nullptr;
     WorldForm* worldForm_ = nullptr; // Owned by Qt; made the first time it is asked for
 };

@@ -1,5 +1,6 @@
 #include "shell/qt_shell.h"
 
+#include "controls/twips.h"
 #include "gateway/app_state.h"
 #include "shell/help_form.h"
 #include "shell/main_form.h"
@@ -18,10 +19,6 @@
 namespace vessa {
 
 namespace {
-
-double twipsPerPixelOf(double logicalDpi) {
-    return logicalDpi > 0 ? 1440.0 / logicalDpi : 15.0;
-}
 
 QScreen* primaryScreen() {
     return QGuiApplication::primaryScreen();
@@ -96,11 +93,11 @@ void QtShell::createRenderForm() {
 }
 
 double QtShell::twipsPerPixelX() const {
-    return twipsPerPixelOf(primaryScreen() ? primaryScreen()->logicalDotsPerInchX() : 96);
+    return twipsPerPixel(primaryScreen());
 }
 
 double QtShell::twipsPerPixelY() const {
-    return twipsPerPixelOf(primaryScreen() ? primaryScreen()->logicalDotsPerInchY() : 96);
+    return twipsPerPixel(primaryScreen());
 }
 
 void QtShell::showMainForm() {
@@ -122,8 +119,10 @@ QSize QtShell::openingSceneSizeTwips() const {
 }
 
 void QtShell::showHelpPage(const QString& page) {
-    if (!helpForm_)
+    if (!helpForm_) {
         helpForm_ = std::make_unique<HelpForm>();
+        mainForm_->keepHelpForm(*helpForm_);
+    }
     helpForm_->show();
     helpForm_->navigate(page);
     renderForm_->AlwaysOnTop(renderForm_->Check1Value());

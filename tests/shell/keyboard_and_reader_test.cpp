@@ -101,7 +101,7 @@ struct Window : MainFormHarness {
 
 TEST(WorldTabs, ThePageFollowsTheTabHoweverItIsChosenWithOneHandbasketCallPerSwitch) {
     Window w;
-    QWidget* openingScene = w.form->findChild<QWidget*>(QStringLiteral("OpeningScenePanel"));
+    QWidget* openingScene = w.form->OpeningSceneFrame();
     QWidget& script = w.form->scriptPanel().TreeView1View();
     QWidget& eventObjects = w.form->scenePanel().ObjectTree2View();
     const QStringList none;
@@ -273,12 +273,12 @@ TEST(Keyboard, FocusStartsOnTheObjectsAndTabReadsTheWindowInOrderBothWays) {
     w.press(Qt::Key_Tab, Qt::ControlModifier);
     w.useMainWindow();
     const QStringList animations = {
-        QStringLiteral("Objects"),    QStringLiteral("Sounds"),
-        QStringLiteral("World tabs"), QStringLiteral("Undo Changes to Script"),
-        QStringLiteral("Perform"),    QStringLiteral("Reset the world"),
-        QStringLiteral("Trash can"),  QStringLiteral("Blocks"),
-        QStringLiteral("Script"),     QStringLiteral("Line being built"),
-        QStringLiteral("Output")};
+        QStringLiteral("Objects"),          QStringLiteral("Sounds"),
+        QStringLiteral("World tabs"),       QStringLiteral("Undo Changes to Script"),
+        QStringLiteral("Perform"),          QStringLiteral("Reset the world"),
+        QStringLiteral("Make animation"),   QStringLiteral("Trash can"),
+        QStringLiteral("Blocks"),           QStringLiteral("Script"),
+        QStringLiteral("Line being built"), QStringLiteral("Output")};
     EXPECT_EQ(w.walk(Qt::Key_Tab), animations);
     EXPECT_EQ(w.inReadingOrder(animations), animations);
 }
