@@ -275,8 +275,13 @@ private:
         put("TreeView1", tree);
         if (!shows("ArbitraryCodeBox") || code.isNull())
             return;
-        // The code box's font tools and line number over it.
-        const int tools = flow({"FontNames", "FontSizes", "FontEffect", "LineLabel"}, code);
+        // The code box's font tools and line number over it, while there is room for
+        // them and a line of code; in a window too small for that the box has it all.
+        const int toolsRow = std::max(
+            {hint("FontNames", {0, 0}).height(), hint("FontSizes", {0, 0}).height(), kPictureRow});
+        const bool toolsFit = code.height() >= toolsRow + gap_ + kPictureRow;
+        const int tools =
+            toolsFit ? flow({"FontNames", "FontSizes", "FontEffect", "LineLabel"}, code) : 0;
         const int codeTop = code.top() + (tools > 0 ? tools + gap_ : 0);
         put("ArbitraryCodeBox",
             box(code.left(), codeTop, code.width(), code.bottom() + 1 - codeTop));

@@ -2,7 +2,6 @@
 
 #include <QFileInfo>
 #include <QSettings>
-#include <QStandardPaths>
 
 namespace vessa {
 
@@ -30,10 +29,14 @@ QString asRegistryText(const QVariant& value) {
     }
 }
 
-// Where QSettings keeps the user's INI settings of the program.
+// Where QSettings keeps the user's INI settings of the program (the folder a test may
+// have set among them). QSettings reads its file as it is made, so the folder is asked of
+// one for a file that nothing writes.
 QString userSettingsPath() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-           QStringLiteral("/Halden Institute/Vessa47.ini");
+    const QSettings folderOnly(QSettings::IniFormat, QSettings::UserScope,
+                               QStringLiteral("Halden Institute"),
+                               QStringLiteral("Vessa47 settings folder"));
+    return QFileInfo(folderOnly.fileName()).absolutePath() + QStringLiteral("/Vessa47.ini");
 }
 
 // Why a settings file can't be read safely, or "" when it can (or is not there yet).

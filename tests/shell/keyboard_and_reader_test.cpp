@@ -76,7 +76,8 @@ struct Window : MainFormHarness {
         return stops;
     }
 
-    // The stops as the window reads: the scene's column top to bottom, then the other.
+    // The stops as the window reads: the scene's column top to bottom, then the other;
+    // a row left to right.
     QStringList inReadingOrder(const QStringList& names) {
         QList<QWidget*> stops;
         for (QWidget* widget : form->findChildren<QWidget*>())
@@ -86,7 +87,7 @@ struct Window : MainFormHarness {
         const int rightColumn = tabs->mapTo(form.get(), QPoint(0, 0)).x();
         const auto place = [&](QWidget* widget) {
             const QPoint at = widget->mapTo(form.get(), QPoint(0, 0));
-            return std::pair(at.x() >= rightColumn, at.y());
+            return std::tuple(at.x() >= rightColumn, at.y(), at.x());
         };
         std::stable_sort(stops.begin(), stops.end(),
                          [&](QWidget* a, QWidget* b) { return place(a) < place(b); });

@@ -5,6 +5,7 @@
 #include "controls/picture_button.h"
 #include "shell/main_form_area.h"
 
+#include <QSignalSpy>
 #include <QTabBar>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -28,14 +29,24 @@ struct Window : MainFormHarness {
     }
 };
 
-// The pointer on a widget's middle, pressed, moved by `by` and left there.
-void pressAndMove(QWidget* widget, QPoint by) {
-    const QPoint middle = widget->rect().center();
-    QTest::mouseMove(widget, middle);
-    QTest::mousePress(widget, Qt::LeftButton, {}, middle);
-    QTest::mouseMove(widget, middle + by / 2);
-    QTest::mouseMove(widget, middle + by);
-}
+// A drag on a divider's bar, its points kept in the window's area: the bar moves under
+// the pointer, and each event is told where the pointer is on the bar as it stands.
+struct Drag {
+    QWidget* bar;
+    QPoint start = bar->geometry().center();
+
+    QPoint onBar(QPoint by) const { return bar->mapFrom(bar->parentWidget(), start + by); }
+    void press(Qt::MouseButton button = Qt::LeftButton, QPoint by = {}) const {
+        QTest::mousePress(bar, button, {}, onBar(by));
+    }
+    void moveBy(QPoint by) const {
+        QTest::mouseMove(bar, onBar(by / 2));
+        QTest::mouseMove(bar, onBar(by));
+    }
+    void release(Qt::MouseButton button, QPoint by) const {
+        QTest::mouseRelease(bar, button, {}, onBar(by));
+    }
+};
 
 double share(int first, int second) {
     return double(first) / (first + second);
@@ -49,9 +60,12 @@ TEST(Dividers, ALeftDragMovesTheBarAndTheNeighboursFollowWhenItEnds) {
     QWidget* objects = w.control("ObjectTree");
     const int before = objects->width();
     const double share = w.area.shares().objectTree;
-    pressAndMove(bar, {90, 0});
+    const Drag drag{bar};
+    drag.press();
+    drag.moveBy({90, 0});
+    EXPECT_EQ(bar->geometry().center(), drag.start + QPoint(90, 0)) << "the bar follows";
     EXPECT_EQ(objects->width(), before) << "the panes wait for the end of the drag";
-    QTest::mouseRelease(bar, Qt::LeftButton, {}, bar->rect().center() + QPoint(90, 0));
+    drag.release(Qt::LeftButton, {90, 0});
     EXPECT_NEAR(objects->width(), before + 90, 2);
     EXPECT_GT(w.area.shares().objectTree, share);
     EXPECT_EQ(bar->geometry().left(), objects->geometry().right() + 1);
@@ -62,14 +76,18 @@ TEST(Dividers, ARightPressDuringALeftDragEndsItThere) {
     QWidget* bar = w.control("SplitterH1");
     QWidget* output = w.control("OutputText");
     const int before = output->height();
-    pressAndMove(bar, {0, -60});
-    QTest::mousePress(bar, Qt::RightButton, {}, bar->rect().center() + QPoint(0, -60));
+    const Drag drag{bar};
+    drag.press();
+    drag.moveBy({0, -60});
+    drag.press(Qt::RightButton, {0, -60});
     EXPECT_NEAR(output->height(), before + 60, 2) << "the right press ended the drag";
     const LayoutShares ended = w.area.shares();
     // What follows is no drag: the bar stays, and the left button's release does nothing.
-    QTest::mouseMove(bar, bar->rect().center() + QPoint(0, -40));
-    QTest::mouseRelease(bar, Qt::RightButton, {}, bar->rect().center() + QPoint(0, -40));
-    QTest::mouseRelease(bar, Qt::LeftButton, {}, bar->rect().center() + QPoint(0, -40));
+    const QRect barEnded = bar->geometry();
+    drag.moveBy({0, -140});
+    drag.release(Qt::RightButton, {0, -140});
+    drag.release(Qt::LeftButton, {0, -140});
+    EXPECT_EQ(bar->geometry(), barEnded);
     EXPECT_EQ(w.area.shares(), ended);
     EXPECT_NEAR(output->height(), before + 60, 2);
 }
@@ -77,8 +95,10 @@ TEST(Dividers, ARightPressDuringALeftDragEndsItThere) {
 TEST(Dividers, ADragBeyondTheBoundStopsThereAndTheSharesComeBackAfterARestart) {
     Window w;
     QWidget* bar = w.control("SplitterH1");
-    pressAndMove(bar, {0, -2000});
-    QTest::mouseRelease(bar, Qt::LeftButton, {}, bar->rect().center() + QPoint(0, -2000));
+    const Drag drag{bar};
+    drag.press();
+    drag.moveBy({0, -2000});
+    drag.release(Qt::LeftButton, {0, -2000});
     EXPECT_DOUBLE_EQ(w.area.shares().outputText, 0.5) << "the output takes half at most";
     // The shares are the settings' (kept at the end, given back at the start).
     LayoutShares kept = w.area.shares();
@@ -97,11 +117,14 @@ TEST(PictureButtons, HoverAndPressShowTheirPicturesAndACommandNotBuiltIsOff) {
     QTest::mouseMove(add, add->rect().center());
     EXPECT_EQ(add->shownState(), QStringLiteral("High"));
     EXPECT_NE(add->grab().toImage(), atRest) << "the hover picture is drawn";
+    QSignalSpy clicks(add, &QToolButton::clicked);
     QTest::mousePress(add, Qt::LeftButton, {}, add->rect().center());
     EXPECT_EQ(add->shownState(), QStringLiteral("Down"));
-    // Released away from it: no click, and the picture goes back to rest.
+    // Released away from it: no click, and once the pointer has left, the picture at rest.
+    QTest::mouseRelease(add, Qt::LeftButton, {}, QPoint(-20, -20));
+    EXPECT_EQ(clicks.count(), 0);
+    EXPECT_NE(add->shownState(), QStringLiteral("Down"));
     QTest::mouseMove(w.control("OutputText"));
-    QTest::mouseRelease(w.control("OutputText"), Qt::LeftButton);
     EXPECT_EQ(add->shownState(), QStringLiteral("Up"));
 
     for (const char* notYet : {"MakeObjectButton", "HelpButton", "TeachMe2Button"}) {

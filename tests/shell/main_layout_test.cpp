@@ -30,8 +30,8 @@ MainLayout::Input input(QSize pixels, double perPixel, int tab, bool codeBox = t
     in.tab = tab;
     in.shares = {0.25, 0.15, 0.4, 0.3};
     in.hintTwips = hints();
-    // The command line shows one face at a time.
-    in.hidden = {QStringLiteral("CommandLineBox")};
+    // The command line shows one face at a time; the world's Python shows when asked for.
+    in.hidden = {QStringLiteral("CommandLineBox"), QStringLiteral("ScriptText")};
     if (!codeBox)
         in.hidden << QStringLiteral("ArbitraryCodeBox");
     return in;
@@ -62,9 +62,17 @@ TEST(MainLayout, EveryControlOfTheTabIsInsideTheWindowAndNoneOverlapsAnother) {
             SCOPED_TRACE(describe(c, tab));
             const MainLayout::Input in = input(c.pixels, c.perPixel, tab);
             const auto placed = MainLayout::place(in).pixels;
+            // In a window of under 9000 x 7200 twips the code box's tools may give way to it.
+            const bool narrow =
+                c.pixels.width() * c.perPixel < 9000 || c.pixels.height() * c.perPixel < 7200;
+            const QStringList mayGiveWay = {
+                QStringLiteral("FontNames"), QStringLiteral("FontSizes"),
+                QStringLiteral("FontEffect"), QStringLiteral("LineLabel")};
             for (const QString& control : MainLayout::controls()) {
                 const bool wanted = MainLayout::onTab(control, tab) && !in.hidden.contains(control);
-                EXPECT_EQ(placed.contains(control), wanted) << control.toStdString();
+                if (!(narrow && mayGiveWay.contains(control))) {
+                    EXPECT_EQ(placed.contains(control), wanted) << control.toStdString();
+                }
             }
             const QRect window(QPoint(0, 0), c.pixels);
             for (auto a = placed.cbegin(); a != placed.cend(); ++a) {
@@ -76,7 +84,9 @@ TEST(MainLayout, EveryControlOfTheTabIsInsideTheWindowAndNoneOverlapsAnother) {
             }
             const QRect view = placed.value(tab == 0 ? QStringLiteral("OpeningSceneFrame")
                                                      : QStringLiteral("TreeView1"));
-            EXPECT_GE(view.height(), c.pixels.height() / 5) << "the page's main pane has room";
+            if (!narrow) {
+                EXPECT_GE(view.height(), c.pixels.height() / 8) << "the page's main pane has room";
+            }
         }
 }
 
@@ -88,17 +98,18 @@ TEST(MainLayout, EachDividerKeepsItsShareOfTheRoomBetweenItsNeighbours) {
         const auto at = [&](const char* name) {
             return placed.value(QString::fromLatin1(name));
         };
-        const double onePixel = 2.0 / c.pixels.height();
-        EXPECT_NEAR(
-            share(at("ObjectTree").width(), at("OutputText").right() - at("SplitterV").right()),
-            in.shares.objectTree, 2.0 / c.pixels.width());
-        EXPECT_NEAR(
-            share(at("OutputText").height(), at("SplitterH1").top() - at("SwitchTab").top()),
-            in.shares.outputText, onePixel);
-        EXPECT_NEAR(share(at("SoundTree").height(), at("ObjectTree").height()), in.shares.soundTree,
-                    onePixel);
-        const int code = at("ArbitraryCodeBox").bottom() - at("SplitterH3").bottom();
-        EXPECT_NEAR(share(code, at("TreeView1").height()), in.shares.codeBox, onePixel);
+        // Within a pixel and a half of rounding of the room the two share.
+        const auto expectShare = [](int first, int second, double wanted, const char* divider) {
+            EXPECT_NEAR(share(first, second), wanted, 1.5 / (first + second)) << divider;
+        };
+        expectShare(at("ObjectTree").width(), at("OutputText").right() - at("SplitterV").right(),
+                    in.shares.objectTree, "SplitterV");
+        expectShare(at("OutputText").height(), at("SplitterH1").top() - at("SwitchTab").top(),
+                    in.shares.outputText, "SplitterH1");
+        expectShare(at("SoundTree").height(), at("ObjectTree").height(), in.shares.soundTree,
+                    "SplitterH2");
+        expectShare(at("ArbitraryCodeBox").bottom() - at("SplitterH3").bottom(),
+                    at("TreeView1").height(), in.shares.codeBox, "SplitterH3");
     }
 }
 
