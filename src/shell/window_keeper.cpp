@@ -94,10 +94,11 @@ void WindowKeeper::keepHelpForm(QWidget& helpForm) {
     helpForm.installEventFilter(this);
 }
 
+// The corner with the window's frame, as move() takes it.
 void WindowKeeper::keepHelpFormCorner() {
-    const TwipsRect help = placeOf(*helpForm_);
-    settings_.helpFormLeft = help.left;
-    settings_.helpFormTop = help.top;
+    const double perPixel = twipsPerPixel(helpForm_);
+    settings_.helpFormLeft = qRound(helpForm_->x() * perPixel);
+    settings_.helpFormTop = qRound(helpForm_->y() * perPixel);
 }
 
 bool WindowKeeper::eventFilter(QObject* watched, QEvent* event) {

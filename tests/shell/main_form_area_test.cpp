@@ -3,6 +3,7 @@
 #include "main_form_harness.h"
 
 #include "controls/picture_button.h"
+#include "controls/twips.h"
 #include "shell/main_form_area.h"
 
 #include <QSignalSpy>
@@ -158,4 +159,21 @@ TEST(PictureButtons, TheTabsShowTheChosenOnePressedAndTheOneUnderThePointerLit) 
     const QRect script = w.control("TreeView1")->geometry();
     EXPECT_TRUE(w.area.rect().contains(script));
     EXPECT_FALSE(script.intersects(w.control("ConstructTree")->geometry()));
+}
+
+TEST(HelpWindow, ComesBackWhereTheUserLeftIt) {
+    Window w;
+    QWidget help;
+    help.setObjectName(QStringLiteral("HelpForm"));
+    help.resize(300, 200);
+    w.form->keepHelpForm(help);
+    help.show();
+    const QPoint first = help.pos();
+    EXPECT_EQ(first,
+              QPoint(qRound(8925 / twipsPerPixel(&help)), qRound(6075 / twipsPerPixel(&help))))
+        << "the first time, where the settings say";
+    help.move(first + QPoint(-200, -150));
+    help.hide();
+    help.show();
+    EXPECT_EQ(help.pos(), first + QPoint(-200, -150));
 }
