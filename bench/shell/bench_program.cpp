@@ -31,6 +31,31 @@ BENCHMARK(BM_StartUpToMainWindow)
     ->Repetitions(7)
     ->ReportAggregatesOnly(true);
 
+// Start-up on the display, from starting the process to the camera view's first frame
+// of the default world. Run under Xvfb.
+void BM_StartUpToFirstFrame(benchmark::State& state) {
+    if (qEnvironmentVariableIsEmpty("DISPLAY")) {
+        state.SkipWithError("needs a display: run under xvfb-run");
+        return;
+    }
+    for (auto _ : state) {
+        ProgramProcess program(QStringLiteral("exit"), ProgramProcess::Screen::Display);
+        const double seconds = program.startAndWaitFor("driver: first frame drawn");
+        if (seconds < 0) {
+            state.SkipWithError("the camera view never drew");
+            break;
+        }
+        state.SetIterationTime(seconds);
+        program.waitForExit(10000);
+    }
+}
+BENCHMARK(BM_StartUpToFirstFrame)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(7)
+    ->ReportAggregatesOnly(true);
+
 // Processor time of a process so far, in seconds, from /proc.
 double processorSeconds(qint64 pid) {
     QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));

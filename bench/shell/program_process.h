@@ -1,7 +1,8 @@
 #pragma once
 
-// Runs the built program as its own process, headless, driven by the test
-// driver plugin, and watches for the driver's report that the main window is up.
+// Runs the built program as its own process, driven by the test driver plugin,
+// headless unless it is to be on the display, and watches for the driver's reports:
+// the main window up, the camera view's first frame drawn.
 
 #include <QElapsedTimer>
 #include <QProcess>
@@ -11,9 +12,13 @@ namespace vessa::bench {
 
 class ProgramProcess {
 public:
-    explicit ProgramProcess(const QString& script) {
+    enum class Screen { Offscreen, Display };
+
+    explicit ProgramProcess(const QString& script, Screen screen = Screen::Offscreen) {
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), screen == Screen::Offscreen
+                                                          ? QStringLiteral("offscreen")
+                                                          : QStringLiteral("xcb"));
         env.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("vessatestdriver"));
         env.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(VESSA_TEST_PLUGIN_DIR));
         env.insert(QStringLiteral("XDG_CONFIG_HOME"), config_.path());
@@ -30,7 +35,11 @@ public:
 
     // Starts the program; answers the seconds until its main window was shown,
     // or a negative number when it never was.
-    double startAndWaitForMainWindow() {
+    double startAndWaitForMainWindow() { return startAndWaitFor("driver: main window shown"); }
+
+    // Starts the program; answers the seconds until the driver reported `marker`, or a
+    // negative number when it never did.
+    double startAndWaitFor(const char* marker) {
         QElapsedTimer clock;
         clock.start();
         process_.start(QStringLiteral(VESSA_PROGRAM), {});
@@ -38,7 +47,7 @@ public:
         while (clock.elapsed() < 30000 && process_.state() != QProcess::NotRunning) {
             process_.waitForReadyRead(5);
             seen += process_.readAllStandardError();
-            if (seen.contains("driver: main window shown"))
+            if (seen.contains(marker))
                 return static_cast<double>(clock.nsecsElapsed()) / 1e9;
         }
         return -1;

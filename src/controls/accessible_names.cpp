@@ -17,6 +17,7 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("ErrorForm"), QStringLiteral("Error")},
         {QStringLiteral("SplashScreen"), QStringLiteral("Starting Vessa47")},
         // Panels of the main window
+        {QStringLiteral("MainFormArea"), QStringLiteral("World editor")},
         {QStringLiteral("OutputText"), QStringLiteral("Output")},
         {QStringLiteral("OpeningSceneFrame"), QStringLiteral("Camera view")},
         {QStringLiteral("SwitchTab"), QStringLiteral("World tabs")},
@@ -61,6 +62,10 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("FindButton"), QStringLiteral("Find")},
         {QStringLiteral("ReplaceButton"), QStringLiteral("Replace")},
         {QStringLiteral("ReplaceAllButton"), QStringLiteral("Replace All")},
+        {QStringLiteral("MakeObjectButton"), QStringLiteral("Make object")},
+        {QStringLiteral("MakeAnimation"), QStringLiteral("Make animation")},
+        {QStringLiteral("HelpButton"), QStringLiteral("Help")},
+        {QStringLiteral("TeachMe2Button"), QStringLiteral("Teach me")},
         // Editors over the script
         {QStringLiteral("Text1"), QStringLiteral("Value")},
         {QStringLiteral("TreeWidget"), QStringLiteral("Objects to pick from")},

@@ -1,6 +1,7 @@
 #include "controls/tree_control_view.h"
 
 #include "controls/node_ref.h"
+#include "controls/twips.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -164,7 +165,7 @@ int TreeControlView::ItemHeight() const {
 }
 
 double TreeControlView::TwipsPerPixel() const {
-    return 1440.0 / logicalDpiX();
+    return twipsPerPixel(this);
 }
 
 bool TreeControlView::OnArrow(const QPoint& point) const {

@@ -4,6 +4,7 @@
 #include "controls/accessible_names.h"
 #include "controls/list_control_view.h"
 #include "controls/node_ref.h"
+#include "controls/picture_button.h"
 #include "events/event_list.h"
 #include "events/event_menus_view.h"
 #include "script/script_host.h"
@@ -27,12 +28,12 @@
 namespace vessa {
 
 EventPanel::EventPanel(EventList& list, const TreeControl& objectTree2, QWidget* parent)
-    : QWidget(parent), list_(list), objectTree2_(objectTree2), makeEvent_(new QToolButton(this)),
+    : QWidget(parent), list_(list), objectTree2_(objectTree2),
+      makeEvent_(new PictureButton(QStringLiteral("MakeEvent"), tr("Make Event"), this)),
       listView1_(new ListControlView(list.ListView1(), this)),
       menusView_(new EventMenusView(list, *listView1_, this)) {
     setObjectName(QStringLiteral("EventPanel"));
     makeEvent_->setObjectName(QStringLiteral("MakeEvent"));
-    makeEvent_->setText(tr("Make Event"));
     makeEvent_->setToolTip(tr("A new event for the newest animation"));
     connect(makeEvent_, &QToolButton::clicked, this,
             [this] { guarded([this] { list_.MakeEvent(); }); });

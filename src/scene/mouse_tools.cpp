@@ -2,6 +2,7 @@
 
 #include "base/run_time_error.h"
 #include "controls/accessible_names.h"
+#include "controls/picture_button.h"
 #include "gateway/engine_link.h"
 #include "gateway/error_reporter.h"
 
@@ -82,8 +83,7 @@ QToolButton* MouseToolsPanel::option(MouseTool tool) const {
 
 void MouseToolsPanel::showPicture(MouseTool tool, const char* state) {
     option(tool)->setIcon(
-        QIcon(QStringLiteral(":/buttons/%1%2.png")
-                  .arg(QString::fromLatin1(lookOf(tool).picture), QString::fromLatin1(state))));
+        buttonPicture(QString::fromLatin1(lookOf(tool).picture), QString::fromLatin1(state)));
 }
 
 void MouseToolsPanel::showAtRest(MouseTool tool) {

@@ -12,8 +12,6 @@
 #include <QDropEvent>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QSplitter>
-#include <QStackedWidget>
 #include <QVBoxLayout>
 
 namespace vessa {
@@ -36,23 +34,17 @@ bool isGrey(const TreeNode* node) {
 ScenePanel::ScenePanel(SceneTrees& trees, EngineLink& engine, ErrorReporter& reporter,
                        NodeRef& dragNode, Hooks hooks, QWidget* parent)
     : QWidget(parent), trees_(trees), engine_(engine), reporter_(reporter), dragNode_(dragNode),
-      hooks_(std::move(hooks)), objectTrees_(new QStackedWidget(this)) {
+      hooks_(std::move(hooks)) {
     setObjectName(QStringLiteral("ScenePanel"));
-    objectTree_ = makeView(trees.ObjectTree, QStringLiteral("ObjectTree"), objectTrees_);
-    objectTree2_ = makeView(trees.ObjectTree2, QStringLiteral("ObjectTree2"), objectTrees_);
+    objectTree_ = makeView(trees.ObjectTree, QStringLiteral("ObjectTree"), this);
+    objectTree2_ = makeView(trees.ObjectTree2, QStringLiteral("ObjectTree2"), this);
     soundTree_ = makeView(trees.SoundTree, QStringLiteral("SoundTree"), this);
-    objectTrees_->addWidget(objectTree_);
-    objectTrees_->addWidget(objectTree2_);
-
-    auto* split = new QSplitter(Qt::Vertical, this);
-    split->setObjectName(QStringLiteral("SplitterH2"));
-    split->addWidget(objectTrees_);
-    split->addWidget(soundTree_);
-    split->setStretchFactor(0, 2);
-    split->setStretchFactor(1, 1);
+    objectTree2_->hide();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(split);
+    layout->addWidget(objectTree_, 2);
+    layout->addWidget(objectTree2_, 2);
+    layout->addWidget(soundTree_, 1);
 
     connectObjectTree();
     connectObjectTree2();
@@ -61,7 +53,8 @@ ScenePanel::ScenePanel(SceneTrees& trees, EngineLink& engine, ErrorReporter& rep
 }
 
 void ScenePanel::showTab(int tab) {
-    objectTrees_->setCurrentWidget(tab == 2 ? objectTree2_ : objectTree_);
+    objectTree_->setVisible(tab != 2);
+    objectTree2_->setVisible(tab == 2);
 }
 
 bool ScenePanel::objectTreeVisible() const {

@@ -5,8 +5,6 @@
 #include <QWidget>
 #include <functional>
 
-class QStackedWidget;
-
 namespace vessa {
 
 class EngineLink;
@@ -16,9 +14,9 @@ class TreeNode;
 struct SceneTrees;
 
 // The scene's column: ObjectTree (or, on the event tab, ObjectTree2) above
-// SoundTree. It never changes the trees itself: renames, new parents and
-// deletions go to the engine as statements, and the trees follow when the
-// engine's records come back.
+// SoundTree; its views may be taken out of its layout and placed elsewhere. It never changes the
+// trees itself: renames, new parents and deletions go to the engine as statements, and the trees
+// follow when the engine's records come back.
 class ScenePanel : public QWidget {
     Q_OBJECT
 public:
@@ -82,7 +80,6 @@ private:
     ErrorReporter& reporter_; // Not owned.
     NodeRef& dragNode_;       // Not owned: the program's one node being dragged.
     Hooks hooks_;
-    QStackedWidget* objectTrees_;  // Owned by Qt.
     TreeControlView* objectTree_;  // Owned by Qt.
     TreeControlView* objectTree2_; // Owned by Qt.
     TreeControlView* soundTree_;   // Owned by Qt.

@@ -2,6 +2,7 @@
 
 #include "controls/accessible_names.h"
 #include "controls/named_tab_bar.h"
+#include "controls/picture_button.h"
 #include "events/event_panel.h"
 #include "gateway/output_limits.h"
 #include "scene/adding_commands.h"
@@ -12,6 +13,7 @@
 #include "shell/edit_menu.h"
 #include "shell/error_form.h"
 #include "shell/loop_wait.h"
+#include "shell/main_form_area.h"
 #include "shell/opening_scene.h"
 #include "shell/recent_files_menu.h"
 #include "shell/render_form.h"
@@ -44,7 +46,6 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QScopedValueRollback>
-#include <QSplitter>
 #include <QStackedWidget>
 #include <QStyle>
 #include <QTextEdit>
@@ -57,10 +58,6 @@ namespace {
 
 // Diagnostics stay in the program but are switched off.
 constexpr bool kLogMessagesOn = false;
-
-// The shares of the window that the scene's column and the output pane start with.
-constexpr double kObjectTreeShare = 0.2;
-constexpr double kOutputShare = 0.08;
 
 // How often a copy of unsaved work is kept, unless the preferences say otherwise.
 constexpr int kRecoveryCopySeconds = 120;
@@ -163,7 +160,7 @@ MainForm::MainForm(AppState& state, EngineLink& engine, ErrorReporter& reporter,
     outputText_->setLineWrapMode(QTextEdit::WidgetWidth);
     outputText_->document()->setMaximumBlockCount(kOutputPaneLines);
 
-    const double perPixel = twipsPerPixel(nullptr);
+    const double perPixel = twipsPerPixel(this);
     resize(qRound(9000 / perPixel), qRound(9360 / perPixel));
     setCentralWidget(buildColumns());
 
@@ -204,7 +201,8 @@ MainForm::~MainForm() {
     world_.attachView(nullptr);
 }
 
-// The scene's column on the left; the tabs over the output pane on the right.
+// The scene's column, the tabs and their pages, and the output pane: the area takes
+// their controls and places them.
 QWidget* MainForm::buildColumns() {
     scenePanel_ = new ScenePanel(world_.trees(), engine_, reporter_, world_.script().DragNode,
                                  {[this] { return world_.status().SceneScriptTab(); },
@@ -212,25 +210,13 @@ QWidget* MainForm::buildColumns() {
                                       world_.showObjectMenu(name, point);
                                   }},
                                  this);
-    auto* right = new QSplitter(Qt::Vertical, this);
-    right->setObjectName(QStringLiteral("SplitterH1"));
-    right->addWidget(buildScriptTabs());
-    right->addWidget(outputText_);
-    const int height = this->height();
-    right->setSizes({qRound(height * (1 - kOutputShare)), qRound(height * kOutputShare)});
-    auto* columns = new QSplitter(Qt::Horizontal, this);
-    columns->setObjectName(QStringLiteral("SplitterV"));
-    columns->addWidget(scenePanel_);
-    columns->addWidget(right);
-    columns->setSizes(
-        {qRound(width() * kObjectTreeShare), qRound(width() * (1 - kObjectTreeShare))});
-    return columns;
+    return buildArea({scenePanel_, buildScriptTabs()});
 }
 
 QWidget* MainForm::buildOpeningScenePanel() {
     auto* panel = new QWidget(this);
     panel->setObjectName(QStringLiteral("OpeningScenePanel"));
-    undoButton_ = makeUndoButton(QStringLiteral("UndoButton"), panel);
+    undoButton_ = makeUndoButton(QStringLiteral("UndoButton"), QStringLiteral("Undo"), panel);
     // The engine's own undo, disabled while the engine has nothing to undo, which its
     // records tell.
     connect(undoButton_, &QToolButton::clicked, this, &MainForm::UndoButton_MouseUp);
@@ -252,14 +238,17 @@ QWidget* MainForm::buildAddingButtons(QWidget* parent) {
     auto* row = new QWidget(parent);
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
-    const std::pair<const char*, const char*> commands[] = {{"AddObjectButton", "mnuAddObject"},
-                                                            {"AddSoundsButton", "mnuAddSounds"},
-                                                            {"AddTextButton", "mnuAddText"}};
-    for (const auto& [control, menuEntry] : commands) {
+    const struct {
+        const char* control;
+        const char* menuEntry;
+        const char* picture;
+    } commands[] = {{"AddObjectButton", "mnuAddObject", "AddObject"},
+                    {"AddSoundsButton", "mnuAddSounds", "AddSound"},
+                    {"AddTextButton", "mnuAddText", "AddText"}};
+    for (const auto& [control, menuEntry, picture] : commands) {
         QAction* entry = findChild<QAction*>(QString::fromLatin1(menuEntry));
-        auto* button = new QToolButton(row);
+        auto* button = new PictureButton(QString::fromLatin1(picture), entry->text(), row);
         button->setObjectName(QString::fromLatin1(control));
-        button->setText(entry->text());
         layout->addWidget(button);
         connect(button, &QToolButton::clicked, this, [this, entry] {
             world_.trees().SelectedObjectName.clear();
@@ -274,11 +263,10 @@ QWidget* MainForm::buildAddingButtons(QWidget* parent) {
     return row;
 }
 
-QToolButton* MainForm::makeUndoButton(const QString& control, QWidget* parent) {
-    auto* button = new QToolButton(parent);
+QToolButton* MainForm::makeUndoButton(const QString& control, const QString& picture,
+                                      QWidget* parent) {
+    auto* button = new PictureButton(picture, accessibleNameOf(control), parent);
     button->setObjectName(control);
-    button->setIcon(style()->standardIcon(QStyle::SP_ArrowBack));
-    button->setToolTip(accessibleNameOf(control));
     button->setEnabled(false);
     return button;
 }
@@ -338,13 +326,14 @@ QWidget* MainForm::buildScriptTabs() {
             SwitchToTab(tab);
     });
 
-    scriptUndoButton_ = makeUndoButton(QStringLiteral("ScriptUndoButton"), area);
+    scriptUndoButton_ =
+        makeUndoButton(QStringLiteral("ScriptUndoButton"), QStringLiteral("UndoAnim"), area);
     connect(scriptUndoButton_, &QToolButton::clicked, this,
             &MainForm::EditUndoTextMenuButton_Click);
     // Made before the script, so that Tab reaches the events before the script below them.
     eventPanel_ = new EventPanel(world_.events(), world_.trees().ObjectTree2, area);
-    scriptRedoButton_ = makeUndoButton(QStringLiteral("ScriptRedoButton"), area);
-    scriptRedoButton_->setIcon(style()->standardIcon(QStyle::SP_ArrowForward));
+    scriptRedoButton_ =
+        makeUndoButton(QStringLiteral("ScriptRedoButton"), QStringLiteral("RedoAnim"), area);
     connect(scriptRedoButton_, &QToolButton::clicked, this,
             &MainForm::EditRedoTextMenuButton_Click);
     connect(eventPanel_, &EventPanel::listHistoryChanged, this,
@@ -357,7 +346,8 @@ QWidget* MainForm::buildScriptTabs() {
     trashCan_ = new TrashCan(world_.script(), world_.events(), *editMenu_, area);
     scriptLayout->addWidget(buildRunControls(scriptTab));
     scriptLayout->addWidget(eventPanel_, 1);
-    scriptLayout->addWidget(buildCodeBoxSplitter(scriptTab), 2);
+    scriptLayout->addWidget(scriptPanel_, 2);
+    scriptLayout->addWidget(buildCodeBox(scriptTab));
     editMenu_->setCodeBox(&codeBox_->editor(), [this] { return CodeBoxHasFocus(); });
     commandLine_ = new CommandLineBar(engine_, reporter_, scriptPanel_->CommandLineTreeviewView(),
                                       world_.trees().ObjectTree, scriptTab);
@@ -383,6 +373,7 @@ void MainForm::SwitchToTab(int tab) {
     const QScopedValueRollback<bool> switching(switchingTab_, true);
     run_->SwitchToTab(tab);
     showScriptUndoAvailable();
+    area_->Form_Resize();
 }
 
 QWidget* MainForm::cameraViewHost() const {
@@ -484,14 +475,19 @@ void MainForm::orderTabStops() {
                              &scenePanel_->ObjectTree2View(),
                              &scenePanel_->SoundTreeView(),
                              switchTab_,
+                             findChild<QWidget*>(QStringLiteral("HelpButton")),
+                             findChild<QWidget*>(QStringLiteral("TeachMe2Button")),
                              undoButton_,
                              findChild<QWidget*>(QStringLiteral("AddObjectButton")),
                              findChild<QWidget*>(QStringLiteral("AddSoundsButton")),
+                             findChild<QWidget*>(QStringLiteral("AddTextButton")),
                              lastAddingButton_,
                              scriptUndoButton_,
                              scriptRedoButton_,
                              performScriptButton_,
                              trafficLightImage_,
+                             findChild<QWidget*>(QStringLiteral("MakeAnimation")),
+                             &eventPanel_->MakeEventButton(),
                              trashCan_,
                              &script.ConstructTreeView(),
                              &script.TreeView1View(),

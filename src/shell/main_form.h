@@ -34,10 +34,12 @@ class Autosave;
 class CodeBoxRun;
 class CodeEditor;
 class EventPanel;
+class MainFormArea;
 class MouseToolsPanel;
 class NamedTabBar;
 class OpeningSceneOptions;
 class OpenWorld;
+class PictureButton;
 class RecentFilesMenu;
 class RecoveryStore;
 class RegKeys;
@@ -81,6 +83,8 @@ public:
     // Puts the windows where the user left them, with the preferences and the recent
     // worlds; from then on they are kept again at the end.
     void RestoreSettings();
+    // The help window comes back where the user left it.
+    void keepHelpForm(QWidget& helpForm);
     void setIdleTimerInterval(int ms);
     // A menu item's command: the item works from now on, whenever its tab allows.
     void connectMenuCommand(const char* control, const std::function<void()>& work);
@@ -106,6 +110,8 @@ public:
     TrashCan& trashCan() { return *trashCan_; }
     // Cut, Copy, Paste and Delete; the code box is given to it once there is one.
     EditMenu& editMenu() { return *editMenu_; }
+    // The client area, which places every control (Form_Resize).
+    MainFormArea& area() { return *area_; }
     QTextEdit* OutputText() const { return outputText_; }
     WorldRun& worldRun() { return *run_; }
     // The code box beside the script, and whether it has the focus (its Tag is "1"):
@@ -179,7 +185,7 @@ private:
     // which the caller places.
     QWidget* buildRunControls(QWidget* parent);
     void connectRun();
-    QWidget* buildCodeBoxSplitter(QWidget* parent);
+    QWidget* buildCodeBox(QWidget* parent);
     void connectCodeBox();
     void showWorldInCodeBoxes();
     void showCodeBoxOfWorld();
@@ -190,7 +196,7 @@ private:
     void OnTheFlyButton_Click(int number);
     void mnuBlankRightB_Click(int row);
     QWidget* cameraViewHost() const;
-    QToolButton* makeUndoButton(const QString& control, QWidget* parent);
+    QToolButton* makeUndoButton(const QString& control, const QString& picture, QWidget* parent);
     // The buttons and menu entries by which things come into the scene.
     QWidget* buildAddingButtons(QWidget* parent);
     // Undoes the engine's last step.
@@ -209,6 +215,10 @@ private:
     void mnuTrustWorld_Click(bool trusted);
     void showTrustOfWorld();
     void keepWindows();
+    // The area that places the panels' controls (main_form_layout.cpp), and the picture
+    // buttons that no panel makes.
+    QWidget* buildArea(std::initializer_list<QWidget*> panels);
+    void buildPictureButtons(QWidget* parent);
     // The mouse tools and the opening scene's options, under its camera view.
     QWidget* buildOpeningSceneTools(QWidget* parent);
 
@@ -227,16 +237,16 @@ private:
     FindForm* findForm_ = nullptr;          // Owned by Qt.
     EventPanel* eventPanel_ = nullptr;      // on the events tab, above the script
     ScenePanel* scenePanel_ = nullptr;
-    QToolButton* undoButton_ = nullptr;          // on the opening scene: the engine's undo
-    QToolButton* scriptUndoButton_ = nullptr;    // on the script's tabs: the tab's own undo
-    QToolButton* scriptRedoButton_ = nullptr;    // beside it: the tab's own redo
-    AddingCommands* adding_ = nullptr;           // Owned by Qt.
-    QWidget* lastAddingButton_ = nullptr;        // the camera view comes after it
-    TrashCan* trashCan_ = nullptr;               // beside the script's undo
-    QToolButton* performScriptButton_ = nullptr; // runs the world
-    QToolButton* trafficLightImage_ = nullptr;   // stops it and puts its start back
-    CodeEditor* scriptText_ = nullptr;           // the world's Python, shown on demand
-    ArbitraryCodeBox* codeBox_ = nullptr;        // the user's own Python, under the script
+    QToolButton* undoButton_ = nullptr;            // on the opening scene: the engine's undo
+    QToolButton* scriptUndoButton_ = nullptr;      // on the script's tabs: the tab's own undo
+    QToolButton* scriptRedoButton_ = nullptr;      // beside it: the tab's own redo
+    AddingCommands* adding_ = nullptr;             // Owned by Qt.
+    QWidget* lastAddingButton_ = nullptr;          // the camera view comes after it
+    TrashCan* trashCan_ = nullptr;                 // beside the script's undo
+    PictureButton* performScriptButton_ = nullptr; // runs the world
+    PictureButton* trafficLightImage_ = nullptr;   // stops it and puts its start back
+    CodeEditor* scriptText_ = nullptr;             // the world's Python, shown on demand
+    ArbitraryCodeBox* codeBox_ = nullptr;          // the user's own Python, under the script
     std::unique_ptr<WorldRun> run_;
     std::unique_ptr<CodeBoxRun> codeBoxRun_;
     // Keeps the engine stepping while a dialog or an external tool holds the
@@ -256,6 +266,7 @@ private:
     std::unique_ptr<WindowKeeper> keeper_;
     RecentFilesMenu* recentFiles_ = nullptr;
     MouseToolsPanel* mouseTools_ = nullptr;
+    MainFormArea* area_ = nullptr; // Owned by Qt.
     OpeningSceneOptions* openingSceneOptions_ = nullptr;
     WorldForm* worldForm_ = nullptr; // Owned by Qt; made the first time it is asked for
 };

@@ -19,7 +19,6 @@
 #include <QMessageBox>
 #include <QScrollBar>
 #include <QSignalBlocker>
-#include <QSplitter>
 #include <QTextBlock>
 
 namespace vessa {
@@ -65,18 +64,12 @@ private:
 
 } // namespace
 
-// The script tree over the code box, with the divider between them.
-QWidget* MainForm::buildCodeBoxSplitter(QWidget* parent) {
-    auto* splitter = new QSplitter(Qt::Vertical, parent);
-    splitter->setObjectName(QStringLiteral("SplitterH3"));
-    codeBox_ = new ArbitraryCodeBox(splitter);
-    splitter->addWidget(scriptPanel_);
-    splitter->addWidget(codeBox_);
-    splitter->setChildrenCollapsible(false);
-    splitter->setStretchFactor(0, 7);
-    splitter->setStretchFactor(1, 3);
-    codeBox_->hide();
-    return splitter;
+// The code box, hidden until the world or the user asks for it; the window places it
+// under the script tree, with the divider between them.
+QWidget* MainForm::buildCodeBox(QWidget* parent) {
+    codeBox_ = new ArbitraryCodeBox(parent);
+    codeBox_->editor().hide();
+    return codeBox_;
 }
 
 void MainForm::connectCodeBox() {
@@ -150,7 +143,8 @@ void MainForm::showWorldInCodeBoxes() {
 
 void MainForm::showCodeBoxOfWorld() {
     codeBox_->showText(world_.ArbitraryCodeBox().Text);
-    codeBox_->setVisible(world_.ArbitraryCodeBox().Visible);
+    // The window hears the box shown or hidden, and gives its room to the script or back.
+    codeBox_->editor().setVisible(world_.ArbitraryCodeBox().Visible);
     refreshWorldNames();
 }
 

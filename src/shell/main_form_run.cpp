@@ -4,6 +4,7 @@
 // presses.
 #include "controls/accessible_names.h"
 #include "controls/named_tab_bar.h"
+#include "controls/picture_button.h"
 #include "events/event_panel.h"
 #include "scene/scene_panel.h"
 #include "script/script_panel.h"
@@ -19,7 +20,7 @@
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
 #include <QStackedWidget>
-#include <QStyle>
+#include <QTextBlock>
 #include <QToolButton>
 
 namespace vessa {
@@ -51,21 +52,18 @@ void setNamedState(QToolButton* button, const QString& text, const QString& stat
 } // namespace
 
 QWidget* MainForm::buildRunControls(QWidget* parent) {
-    const auto makeButton = [&](const char* control, QStyle::StandardPixmap icon,
-                                const QString& toolTip) {
-        auto* button = new QToolButton(parent);
+    const auto makeButton = [&](const char* control, const char* picture, const QString& toolTip) {
+        auto* button = new PictureButton(QString::fromLatin1(picture), QString(), parent);
         button->setObjectName(QString::fromLatin1(control));
-        button->setIcon(style()->standardIcon(icon));
-        button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+        button->setShowsCaption(true);
         button->setToolTip(toolTip);
-        button->setFocusPolicy(Qt::StrongFocus);
         return button;
     };
     // The underlined letters are the keys: Alt+P performs, Alt+S stops, Alt+R resets.
-    performScriptButton_ = makeButton("PerformScriptButton", QStyle::SP_MediaPlay,
+    performScriptButton_ = makeButton("PerformScriptButton", "PerformScript",
                                       QStringLiteral("Run the world in the camera window (Alt+P)"));
     trafficLightImage_ = makeButton(
-        "TrafficLightImage", QStyle::SP_MediaStop,
+        "TrafficLightImage", "LightReset",
         QStringLiteral("Stop the world and put it back as it starts (Alt+S while it runs, Alt+R "
                        "after; Esc in the camera window)"));
     scriptText_ = new CodeEditor(parent);
@@ -176,6 +174,9 @@ void MainForm::focusCameraWindow() {
 }
 
 void MainForm::showPerformPicture(PerformPicture picture) {
+    performScriptButton_->setPicture(picture == PerformPicture::Again
+                                         ? QStringLiteral("PerformScriptAgain")
+                                         : QStringLiteral("PerformScript"));
     if (picture == PerformPicture::Again)
         setNamedState(performScriptButton_, QStringLiteral("&Perform Again"),
                       QStringLiteral("running"));
@@ -185,10 +186,10 @@ void MainForm::showPerformPicture(PerformPicture picture) {
 
 void MainForm::showLightPicture(LightPicture picture) {
     if (picture == LightPicture::Stop) {
-        trafficLightImage_->setIcon(style()->standardIcon(QStyle::SP_MediaStop));
+        trafficLightImage_->setPicture(QStringLiteral("LightStop"));
         setNamedState(trafficLightImage_, QStringLiteral("&Stop"), QStringLiteral("running"));
     } else {
-        trafficLightImage_->setIcon(style()->standardIcon(QStyle::SP_BrowserReload));
+        trafficLightImage_->setPicture(QStringLiteral("LightReset"));
         setNamedState(trafficLightImage_, QStringLiteral("&Reset"), QString());
     }
 }

@@ -14,7 +14,6 @@
 
 #include <QAction>
 #include <QMenu>
-#include <QSplitter>
 #include <QTextEdit>
 #include <QVBoxLayout>
 
@@ -32,12 +31,8 @@ void MainForm::keepWindows() {
          }});
     keeper_ = std::make_unique<WindowKeeper>(
         *settings_, engine_,
-        WindowKeeper::Windows{*this,
-                              renderForm_,
-                              *findChild<QSplitter*>(QStringLiteral("SplitterV")),
-                              *findChild<QSplitter*>(QStringLiteral("SplitterH1")),
-                              *findChild<QSplitter*>(QStringLiteral("SplitterH2")),
-                              {&scriptPanel_->TreeView1View(), outputText_}},
+        WindowKeeper::Windows{
+            *this, renderForm_, *area_, {&scriptPanel_->TreeView1View(), outputText_}},
         [this](const QString& line) { PrintOutput(line); });
 }
 
@@ -59,6 +54,10 @@ QWidget* MainForm::buildOpeningSceneTools(QWidget* parent) {
         FileStartCameraHere_Click(engine_, reporter_, world_.status().SceneScriptTab());
     });
     return tools;
+}
+
+void MainForm::keepHelpForm(QWidget& helpForm) {
+    keeper_->keepHelpForm(helpForm);
 }
 
 void MainForm::RestoreSettings() {

@@ -1,5 +1,6 @@
 #include "shell/qt_shell.h"
 
+#include "controls/twips.h"
 #include "gateway/app_state.h"
 #include "shell/help_and_tools.h"
 #include "shell/help_form.h"
@@ -20,10 +21,6 @@
 namespace vessa {
 
 namespace {
-
-double twipsPerPixelOf(double logicalDpi) {
-    return logicalDpi > 0 ? 1440.0 / logicalDpi : 15.0;
-}
 
 QScreen* primaryScreen() {
     return QGuiApplication::primaryScreen();
@@ -101,11 +98,11 @@ void QtShell::createRenderForm() {
 }
 
 double QtShell::twipsPerPixelX() const {
-    return twipsPerPixelOf(primaryScreen() ? primaryScreen()->logicalDotsPerInchX() : 96);
+    return twipsPerPixel(primaryScreen());
 }
 
 double QtShell::twipsPerPixelY() const {
-    return twipsPerPixelOf(primaryScreen() ? primaryScreen()->logicalDotsPerInchY() : 96);
+    return twipsPerPixel(primaryScreen());
 }
 
 void QtShell::showMainForm() {
@@ -136,6 +133,7 @@ void QtShell::showHelpPage(const QString& page) {
                 return;
             mainForm_->LoadWorld(folder, false);
         });
+        mainForm_->keepHelpForm(*helpForm_);
     }
     helpForm_->show();
     helpForm_->navigate(page);

@@ -63,7 +63,7 @@ RenderForm::RenderForm(QWidget* parent)
         Q_EMIT alwaysOnTopChosen(onTop);
     });
     // Beside the main window, until the user's own place is remembered.
-    const double perPixel = twipsPerPixel(nullptr);
+    const double perPixel = twipsPerPixel(this);
     setGeometry(qRound(9285 / perPixel), 0, qRound(4620 / perPixel), qRound(6570 / perPixel));
     applyAccessibleNames(this);
 }

@@ -1,5 +1,6 @@
 #include "shell/settings_store.h"
 
+#include <QFileInfo>
 #include <QSettings>
 
 namespace vessa {
@@ -28,25 +29,50 @@ QString asRegistryText(const QVariant& value) {
     }
 }
 
-} // namespace
-
-RegKeys::RegKeys()
-    : settings_(std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
-                                            QStringLiteral("Halden Institute"),
-                                            QStringLiteral("Vessa47"))) {
+// Where QSettings keeps the user's INI settings of the program (the folder a test may
+// have set among them). QSettings reads its file as it is made, so the folder is asked of
+// one for a file that nothing writes.
+QString userSettingsPath() {
+    const QSettings folderOnly(QSettings::IniFormat, QSettings::UserScope,
+                               QStringLiteral("Halden Institute"),
+                               QStringLiteral("Vessa47 settings folder"));
+    return QFileInfo(folderOnly.fileName()).absolutePath() + QStringLiteral("/Vessa47.ini");
 }
 
-RegKeys::RegKeys(const QString& iniPath)
-    : settings_(std::make_unique<QSettings>(iniPath, QSettings::IniFormat)) {
+// Why a settings file can't be read safely, or "" when it can (or is not there yet).
+QString refusal(const QString& path) {
+    const QFileInfo file(path);
+    if (!file.exists())
+        return {};
+    if (!file.isFile())
+        return QStringLiteral("the settings file %1 is not a file").arg(path);
+    if (file.size() > kLargestSettingsFile)
+        return QStringLiteral("the settings file %1 is too large (%2 bytes) to be settings; "
+                              "it is left as it is")
+            .arg(path)
+            .arg(file.size());
+    return {};
+}
+
+} // namespace
+
+RegKeys::RegKeys() : RegKeys(userSettingsPath()) {
+}
+
+RegKeys::RegKeys(const QString& iniPath) : path_(iniPath), refused_(refusal(iniPath)) {
+    if (refused_.isEmpty())
+        settings_ = std::make_unique<QSettings>(iniPath, QSettings::IniFormat);
 }
 
 RegKeys::~RegKeys() = default;
 
 QString RegKeys::fileName() const {
-    return settings_->fileName();
+    return path_;
 }
 
 QString RegKeys::problem() const {
+    if (!settings_)
+        return refused_;
     switch (settings_->status()) {
     case QSettings::NoError:
         return {};
@@ -70,6 +96,8 @@ QString RegKeys::storedName(const QString& group, const QString& name) const {
 
 bool RegKeys::SetRegValue(RegistryRoot, const QString& key, const QString& name,
                           const QString& value) {
+    if (!settings_)
+        return false;
     const QString group = groupOf(key);
     const QString stored = storedName(group, name);
     settings_->setValue(group + QLatin1Char('/') + stored,
@@ -79,11 +107,15 @@ bool RegKeys::SetRegValue(RegistryRoot, const QString& key, const QString& name,
 }
 
 QString RegKeys::GetRegValue(RegistryRoot, const QString& key, const QString& name) const {
+    if (!settings_)
+        return {};
     const QString group = groupOf(key);
     return asRegistryText(settings_->value(group + QLatin1Char('/') + storedName(group, name)));
 }
 
 bool RegKeys::DeleteRegKey(RegistryRoot, const QString& key) {
+    if (!settings_)
+        return false;
     settings_->remove(groupOf(key));
     settings_->sync();
     return settings_->status() == QSettings::NoError;

@@ -3,9 +3,13 @@
 #include <QList>
 #include <QPair>
 #include <QString>
+#include <QtGlobal>
 #include <memory>
 
 class QSettings;
+
+// The largest settings file that is read: what the program writes is a few kilobytes.
+constexpr qint64 kLargestSettingsFile = 1 << 20;
 
 namespace vessa {
 
@@ -22,7 +26,9 @@ inline const QString kPreferencesKey =
 // What the program remembers between runs: keys of text values, kept in an INI
 // file in the user's configuration folder (XDG_CONFIG_HOME moves it). Value names
 // ignore case, as registry names do. An empty text is stored as one blank, so a
-// value read back is never empty unless it is missing.
+// value read back is never empty unless it is missing. A file far larger than settings
+// ever are, or one that is not a plain file, is refused unread: the store then holds
+// nothing, takes nothing, and says why.
 class RegKeys {
 public:
     // The user's store; `iniPath` names another file instead (tests).
@@ -43,7 +49,9 @@ public:
 
 private:
     QString storedName(const QString& group, const QString& name) const;
-    std::unique_ptr<QSettings> settings_;
+    QString path_;
+    QString refused_;                     // why the file was not read; "" when it was
+    std::unique_ptr<QSettings> settings_; // none when the file was refused
 };
 
 // (value name, path) of RecentFile1, RecentFile2, ... up to the first empty one.

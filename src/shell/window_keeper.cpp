@@ -2,12 +2,12 @@
 
 #include "base/run_time_error.h"
 #include "gateway/engine_link.h"
+#include "shell/main_form_area.h"
 #include "shell/render_form.h"
 
 #include <QApplication>
 #include <QLabel>
 #include <QScreen>
-#include <QSplitter>
 #include <QWidget>
 
 namespace vessa {
@@ -16,27 +16,7 @@ namespace {
 
 constexpr int kStatsIntervalMs = 1000;
 
-// The share of a divider's first pane.
-double firstShare(const QSplitter& splitter) {
-    const QList<int> sizes = splitter.sizes();
-    const int total = sizes.value(0) + sizes.value(1);
-    return total > 0 ? double(sizes.value(0)) / total : 0.5;
-}
-
-void setFirstShare(QSplitter& splitter, double share) {
-    constexpr int kWhole = 100000;
-    const int first = qRound(share * kWhole);
-    splitter.setSizes({first, kWhole - first});
-}
-
 } // namespace
-
-double twipsPerPixel(const QWidget* widget) {
-    const QScreen* screen =
-        widget && widget->screen() ? widget->screen() : QGuiApplication::primaryScreen();
-    const double dpi = screen ? screen->logicalDotsPerInch() : 96;
-    return dpi > 0 ? 1440.0 / dpi : 15.0;
-}
 
 WindowKeeper::WindowKeeper(RegKeys& keys, EngineLink& engine, Windows windows,
                            std::function<void(const QString&)> note)
@@ -72,9 +52,7 @@ const WindowSettings& WindowKeeper::RestoreSettings() {
         note_(line);
     place(windows_.renderForm, settings_.renderForm);
     place(windows_.mainForm, settings_.mainForm);
-    setFirstShare(windows_.columns, settings_.shares.objectTree);
-    setFirstShare(windows_.output, 1 - settings_.shares.outputText);
-    setFirstShare(windows_.sounds, 1 - settings_.shares.soundTree);
+    windows_.area.setShares(settings_.shares);
     const Preferences& preferences = settings_.preferences;
     if (preferences.gDisplayFPS) {
         StatsTimer.start(kStatsIntervalMs);
@@ -101,20 +79,39 @@ void WindowKeeper::StoreSettings(const QList<QPair<QString, QString>>& recentFil
         settings_.renderForm = placeOf(windows_.renderForm);
     if (states.mainFormNormal)
         settings_.mainForm = placeOf(windows_.mainForm);
-    for (QWidget* window : QApplication::topLevelWidgets())
-        if (window->objectName() == QStringLiteral("HelpForm") && window->isVisible()) {
-            const TwipsRect help = placeOf(*window);
-            settings_.helpFormLeft = help.left;
-            settings_.helpFormTop = help.top;
-        }
-    settings_.shares.objectTree = firstShare(windows_.columns);
-    settings_.shares.outputText = 1 - firstShare(windows_.output);
-    settings_.shares.soundTree = 1 - firstShare(windows_.sounds);
+    if (helpForm_ && helpForm_->isVisible())
+        keepHelpFormCorner();
+    settings_.shares = windows_.area.shares();
     settings_.preferences.gCameraWindowOnTop = windows_.renderForm.Check1Value();
     QStringList notes;
     vessa::StoreSettings(keys_, settings_, states, notes);
     for (const QString& line : notes)
         note_(line);
+}
+
+void WindowKeeper::keepHelpForm(QWidget& helpForm) {
+    helpForm_ = &helpForm;
+    helpForm.installEventFilter(this);
+}
+
+// The corner with the window's frame, as move() takes it.
+void WindowKeeper::keepHelpFormCorner() {
+    const double perPixel = twipsPerPixel(helpForm_);
+    settings_.helpFormLeft = qRound(helpForm_->x() * perPixel);
+    settings_.helpFormTop = qRound(helpForm_->y() * perPixel);
+}
+
+bool WindowKeeper::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == helpForm_ && !helpForm_->isMinimized()) {
+        if (event->type() == QEvent::Hide) {
+            keepHelpFormCorner();
+        } else if (event->type() == QEvent::Show) {
+            const double perPixel = twipsPerPixel(helpForm_);
+            helpForm_->move(qRound(settings_.helpFormLeft / perPixel),
+                            qRound(settings_.helpFormTop / perPixel));
+        }
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void WindowKeeper::StatsTimer_Timer() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "controls/twips.h"
 #include "shell/window_settings.h"
 
 #include <QObject>
@@ -7,17 +8,14 @@
 
 #include <functional>
 
-class QSplitter;
 class QWidget;
 
 namespace vessa {
 
 class EngineLink;
+class MainFormArea;
 class RegKeys;
 class RenderForm;
-
-// Twips per pixel on the screen a widget is on (on the primary screen without one).
-double twipsPerPixel(const QWidget* widget);
 
 // Puts the windows where the settings say when the program starts, and keeps where the
 // user left them when it ends. It also shows the camera window's frame rate, a
@@ -28,9 +26,7 @@ public:
     struct Windows {
         QWidget& mainForm;
         RenderForm& renderForm;
-        QSplitter& columns;        // the scene's column | the rest
-        QSplitter& output;         // the tabs over the output pane
-        QSplitter& sounds;         // the objects over the sounds
+        MainFormArea& area;        // its dividers' shares
         QList<QWidget*> textViews; // the views that take the chosen font
     };
 
@@ -41,13 +37,21 @@ public:
     const WindowSettings& RestoreSettings();
     void StoreSettings(const QList<QPair<QString, QString>>& recentFiles);
 
+    // The help window comes up where it was last, or where the settings say the first
+    // time; where it is when it goes is kept.
+    void keepHelpForm(QWidget& helpForm);
+
     Preferences& preferences() { return settings_.preferences; }
     const WindowSettings& settings() const { return settings_; }
     bool restored() const { return restored_; }
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void StatsTimer_Timer();
     void place(QWidget& window, const TwipsRect& rect) const;
+    void keepHelpFormCorner();
     TwipsRect placeOf(const QWidget& window) const;
     QSize screenTwips() const;
 
@@ -57,6 +61,7 @@ private:
     std::function<void(const QString&)> note_;
     WindowSettings settings_;
     bool restored_ = false;
+    QWidget* helpForm_ = nullptr; // Not owned.
     QTimer StatsTimer;
 };
 

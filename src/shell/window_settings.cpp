@@ -137,8 +137,26 @@ QString recentFileCaption(int index, const QString& path) {
     return QLatin1Char('&') + QString::number(index + 1) + QLatin1Char(' ') + path;
 }
 
-WindowSettings RestoreSettings(const RegKeys& keys, QSize screenTwips, QStringList& notes) {
+WindowSettings firstPlaces(QSize screenTwips) {
+    constexpr int kMargin = 120;
+    constexpr int kNarrowest = 9000;
     WindowSettings settings;
+    TwipsRect& camera = settings.renderForm;
+    TwipsRect& main = settings.mainForm;
+    const int room = screenTwips.width() - camera.width - 3 * kMargin;
+    main.width = std::max(kNarrowest, std::min(room, screenTwips.width() * 4 / 5));
+    main.height = screenTwips.height() * 9 / 10;
+    main.left = kMargin;
+    main.top = (screenTwips.height() - main.height) / 2;
+    camera.left = main.left + main.width + kMargin;
+    camera.top = main.top;
+    settings.renderForm = keptOnScreen(camera, screenTwips);
+    settings.mainForm = keptOnScreen(main, screenTwips);
+    return settings;
+}
+
+WindowSettings RestoreSettings(const RegKeys& keys, QSize screenTwips, QStringList& notes) {
+    WindowSettings settings = firstPlaces(screenTwips);
     const Reader stored(keys, kSettingsKey, notes);
     const QString problem = keys.problem();
     if (!problem.isEmpty()) {

@@ -76,6 +76,11 @@ WindowSettings RestoreSettings(const RegKeys& keys, QSize screenTwips, QStringLi
 bool StoreSettings(RegKeys& keys, const WindowSettings& settings, const WindowsAtExit& states,
                    QStringList& notes);
 
+// Where the windows first stand on a screen of screenTwips: the main window as wide as
+// leaves room for the camera window beside it (four fifths of the screen at most, and
+// at least 9000 twips), nine tenths of the screen high; the camera window at its right.
+WindowSettings firstPlaces(QSize screenTwips);
+
 // The rectangle made to fit the screen, width and height first, then its place.
 TwipsRect keptOnScreen(TwipsRect rect, QSize screenTwips);
 

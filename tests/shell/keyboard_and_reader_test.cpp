@@ -79,7 +79,8 @@ struct Window : MainFormHarness {
         return stops;
     }
 
-    // The stops as the window reads: the scene's column top to bottom, then the other.
+    // The stops as the window reads: the scene's column top to bottom, then the other;
+    // a row left to right.
     QStringList inReadingOrder(const QStringList& names) {
         QList<QWidget*> stops;
         for (QWidget* widget : form->findChildren<QWidget*>())
@@ -89,7 +90,7 @@ struct Window : MainFormHarness {
         const int rightColumn = tabs->mapTo(form.get(), QPoint(0, 0)).x();
         const auto place = [&](QWidget* widget) {
             const QPoint at = widget->mapTo(form.get(), QPoint(0, 0));
-            return std::pair(at.x() >= rightColumn, at.y());
+            return std::tuple(at.x() >= rightColumn, at.y(), at.x());
         };
         std::stable_sort(stops.begin(), stops.end(),
                          [&](QWidget* a, QWidget* b) { return place(a) < place(b); });
@@ -104,7 +105,7 @@ struct Window : MainFormHarness {
 
 TEST(WorldTabs, ThePageFollowsTheTabHoweverItIsChosenWithOneHandbasketCallPerSwitch) {
     Window w;
-    QWidget* openingScene = w.form->findChild<QWidget*>(QStringLiteral("OpeningScenePanel"));
+    QWidget* openingScene = w.form->OpeningSceneFrame();
     QWidget& script = w.form->scriptPanel().TreeView1View();
     QWidget& eventObjects = w.form->scenePanel().ObjectTree2View();
     const QStringList none;
@@ -280,18 +281,14 @@ TEST(Keyboard, FocusStartsOnTheObjectsAndTabReadsTheWindowInOrderBothWays) {
 
     w.press(Qt::Key_Tab, Qt::ControlModifier);
     w.useMainWindow();
-    const QStringList animations = {QStringLiteral("Objects"),
-                                    QStringLiteral("Sounds"),
-                                    QStringLiteral("World tabs"),
-                                    QStringLiteral("Undo Changes to Script"),
-                                    QStringLiteral("Perform"),
-                                    QStringLiteral("Reset the world"),
-                                    QStringLiteral("Trash can"),
-                                    QStringLiteral("Blocks"),
-                                    QStringLiteral("Script"),
-                                    QStringLiteral("Command line"),
-                                    QStringLiteral("Run the command line"),
-                                    QStringLiteral("Output")};
+    const QStringList animations = {
+        QStringLiteral("Objects"),          QStringLiteral("Sounds"),
+        QStringLiteral("World tabs"),       QStringLiteral("Undo Changes to Script"),
+        QStringLiteral("Perform"),          QStringLiteral("Reset the world"),
+        QStringLiteral("Make animation"),   QStringLiteral("Trash can"),
+        QStringLiteral("Blocks"),           QStringLiteral("Script"),
+        QStringLiteral("Command line"),     QStringLiteral("Run the command line"),
+        QStringLiteral("Output")};
     EXPECT_EQ(w.walk(Qt::Key_Tab), animations);
     EXPECT_EQ(w.inReadingOrder(animations), animations);
 }

@@ -231,7 +231,7 @@ TEST(EventsTab, TheEditMenusUndoAndTheUndoButtonTakeBackEventRowsThere) {
 
     h.world.script().AddNewAnimation();
     QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(2).center());
-    ASSERT_TRUE(events.isVisible());
+    ASSERT_TRUE(events.MakeEventButton().isVisible());
     EXPECT_FALSE(undoButton->isEnabled());
     QTest::mouseClick(&events.MakeEventButton(), Qt::LeftButton);
     QTest::mouseClick(&events.MakeEventButton(), Qt::LeftButton);
@@ -244,7 +244,7 @@ TEST(EventsTab, TheEditMenusUndoAndTheUndoButtonTakeBackEventRowsThere) {
 
     // On the animations tab the same menu row undoes the script.
     QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());
-    EXPECT_FALSE(events.isVisible());
+    EXPECT_FALSE(events.MakeEventButton().isVisible());
     undoFromTheEditMenu();
     EXPECT_EQ(h.world.script().TreeView1().RootCount(), 1);
 }

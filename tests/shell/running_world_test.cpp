@@ -185,7 +185,7 @@ TEST(RunningWorld, MistakesAreToldByTheirLineInTheirOwnPartAndMarkedInTheirOwnBo
         w.press("PerformScriptButton");
         EXPECT_TRUE(w.userErrors.last().endsWith(QStringLiteral(" on line %1").arg(line + 1)))
             << w.userErrors.last().toStdString();
-        EXPECT_TRUE(w.codeBox().isVisible());
+        EXPECT_TRUE(w.codeBox().editor().isVisible());
         EXPECT_EQ(w.codeBoxMarked(), QStringLiteral("print(y)"));
         EXPECT_EQ(w.codeBox().editor().textCursor().blockNumber(), line);
         EXPECT_FALSE(w.scriptText()->isVisible());

@@ -1,7 +1,9 @@
 #include "shell/settings_store.h"
 #include "shell/window_settings.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -55,8 +57,8 @@ WindowSettings chosen() {
 TEST(WindowSettings, WhatIsStoredComesBackAndAFreshStoreGivesTheFirstLayout) {
     Store fresh;
     const WindowSettings first = fresh.restore();
-    EXPECT_EQ(first.mainForm, (TwipsRect{0, 0, 9000, 9360}));
-    EXPECT_EQ(first.renderForm, (TwipsRect{9285, 0, 4620, 6570}));
+    EXPECT_EQ(first.mainForm, firstPlaces(kScreen).mainForm);
+    EXPECT_EQ(first.renderForm, firstPlaces(kScreen).renderForm);
     EXPECT_EQ(first.preferences, Preferences());
     EXPECT_TRUE(fresh.notes.isEmpty());
 
@@ -107,7 +109,8 @@ TEST(WindowSettings, DamagedValuesGiveTheirDefaultsWithANoteAndTheRestIsKept) {
     store.set(kPreferencesKey, QStringLiteral("ShowFPS"), QStringLiteral("perhaps"));
     store.set(kPreferencesKey, QStringLiteral("FontSize"), QStringLiteral("100000"));
     const WindowSettings back = store.restore();
-    EXPECT_EQ(back.mainForm, (TwipsRect{0, 150, 9000, 9000}));
+    const TwipsRect first = firstPlaces(kScreen).mainForm;
+    EXPECT_EQ(back.mainForm, (TwipsRect{first.left, 150, first.width, 9000}));
     EXPECT_EQ(back.shares, (LayoutShares{0.2, 0.08, 0.4, 0.25}));
     EXPECT_TRUE(back.preferences.gDisplayFPS);
     EXPECT_EQ(back.preferences.fontSize, 12);
@@ -119,7 +122,7 @@ TEST(WindowSettings, AStoreOfALaterVersionOrNotAStoreGivesDefaultsAndIsNotOverwr
     Store later;
     ASSERT_TRUE(later.store(chosen()));
     later.set(kSettingsKey, QStringLiteral("SettingsVersion"), QStringLiteral("7"));
-    EXPECT_EQ(later.restore().mainForm, (TwipsRect{0, 0, 9000, 9360}));
+    EXPECT_EQ(later.restore().mainForm, firstPlaces(kScreen).mainForm);
     EXPECT_FALSE(later.store(WindowSettings()));
     later.set(kSettingsKey, QStringLiteral("SettingsVersion"), QStringLiteral("1"));
     EXPECT_EQ(later.restore().mainForm, chosen().mainForm);
@@ -131,7 +134,7 @@ TEST(WindowSettings, AStoreOfALaterVersionOrNotAStoreGivesDefaultsAndIsNotOverwr
     file.write(QByteArray("\x00\xff[Settings\n=\n\x01\x02MainFormLeft=-=-\n", 32));
     file.close();
     const WindowSettings back = garbage.restore();
-    EXPECT_EQ(back.mainForm, (TwipsRect{0, 0, 9000, 9360}));
+    EXPECT_EQ(back.mainForm, firstPlaces(kScreen).mainForm);
 }
 
 TEST(WindowSettings, AStoreThatCannotBeWrittenIsToldAndNothingBreaks) {
@@ -144,5 +147,44 @@ TEST(WindowSettings, AStoreThatCannotBeWrittenIsToldAndNothingBreaks) {
     EXPECT_FALSE(store.store(chosen()));
     ASSERT_EQ(store.notes.size(), 1);
     EXPECT_TRUE(store.notes[0].startsWith(QStringLiteral("The windows' places could not be kept")));
-    EXPECT_EQ(store.restore().mainForm, (TwipsRect{0, 0, 9000, 9360}));
+    EXPECT_EQ(store.restore().mainForm, firstPlaces(kScreen).mainForm);
+}
+
+TEST(WindowSettings, OnAFreshStartTheWindowsFillTheScreenSideBySideOnLaptopAndLargeScreens) {
+    // 1024 x 768, 1600 x 1000 and 2560 x 1440 pixels at 96 dots an inch.
+    for (const QSize screen : {QSize(15360, 11520), QSize(24000, 15000), QSize(38400, 21600)}) {
+        const WindowSettings first = firstPlaces(screen);
+        const TwipsRect& main = first.mainForm;
+        const TwipsRect& camera = first.renderForm;
+        SCOPED_TRACE(screen.width());
+        EXPECT_GE(main.width, std::min(9000, screen.width()));
+        EXPECT_GE(main.width, screen.width() / 2) << "the main window takes most of the screen";
+        EXPECT_GE(main.height, screen.height() * 8 / 10);
+        EXPECT_LE(main.left + main.width, screen.width());
+        EXPECT_LE(main.top + main.height, screen.height());
+        EXPECT_EQ(camera, keptOnScreen(camera, screen)) << "the camera window is on the screen";
+        EXPECT_GE(camera.left, main.left + main.width) << "beside the main window, not over it";
+    }
+}
+
+TEST(WindowSettings, AHugeSettingsFileIsRefusedUnreadWithANoteAndLeftAsItIs) {
+    Store huge;
+    QFile file(huge.file);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[Software]\n");
+    ASSERT_TRUE(file.resize(kLargestSettingsFile * 64)); // a sparse file, quick to make
+    file.close();
+    const WindowSettings back = huge.restore();
+    EXPECT_EQ(back.mainForm, firstPlaces(kScreen).mainForm);
+    ASSERT_EQ(huge.notes.size(), 1);
+    EXPECT_TRUE(huge.notes[0].contains(QStringLiteral("too large"))) << huge.notes[0].toStdString();
+    EXPECT_FALSE(huge.store(chosen()));
+    EXPECT_EQ(QFileInfo(huge.file).size(), kLargestSettingsFile * 64);
+
+    // A settings "file" that is a folder is refused the same way.
+    Store folder;
+    ASSERT_TRUE(QDir().mkpath(folder.file));
+    folder.restore();
+    ASSERT_EQ(folder.notes.size(), 1);
+    EXPECT_TRUE(folder.notes[0].contains(QStringLiteral("is not a file")));
 }

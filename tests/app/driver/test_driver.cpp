@@ -41,7 +41,8 @@
 // up at <step>" and the script goes on. A step that opens a dialog of its own
 // leaves the next steps to run while the dialog is up.
 // Whatever the script, it reports on standard error when the main window is
-// shown with its final caption: "driver: main window shown". An error box that
+// shown with its final caption: "driver: main window shown", and when the camera
+// view in it has drawn its first frame: "driver: first frame drawn". An error box that
 // comes up at any time is reported, "driver: ErrorForm: <caption> | <details>"
 // with line ends shown as "/", and closed with its OK button.
 
@@ -60,7 +61,6 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QSplitter>
 #include <QTabBar>
 #include <QTest>
 #include <QTimer>
@@ -80,12 +80,33 @@ QWidget* readyMainWindow() {
 }
 
 class Driver : public QObject {
+    Q_OBJECT
 public:
     Driver() {
         connect(&poll_, &QTimer::timeout, this, &Driver::step);
         poll_.start(10);
         connect(&errorBoxes_, &QTimer::timeout, this, &Driver::closeErrorBox);
         errorBoxes_.start(10);
+        qApp->installEventFilter(this);
+    }
+
+protected:
+    // The camera view is an OpenGL widget; it is caught as it is made, before it draws.
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Polish && !cameraView_ && watched->inherits("QOpenGLWidget")) {
+            cameraView_ = watched;
+            connect(watched, SIGNAL(frameSwapped()), this, SLOT(firstFrame()));
+        }
+        return false;
+    }
+
+private Q_SLOTS:
+    void firstFrame() {
+        if (!cameraView_)
+            return;
+        disconnect(cameraView_, SIGNAL(frameSwapped()), this, SLOT(firstFrame()));
+        std::fprintf(stderr, "driver: first frame drawn\n");
+        std::fflush(stderr);
     }
 
 private:
@@ -490,20 +511,17 @@ if state and not engine.animator.busy():
                                 where[4].toInt());
     }
 
+    // A divider's bar says the share of its upper or left neighbour as its "share".
     void divide(const QString& name, double share) {
-        if (auto* divider = qobject_cast<QSplitter*>(named(name))) {
-            const QList<int> sizes = divider->sizes();
-            const int whole = sizes.value(0) + sizes.value(1);
-            divider->setSizes({qRound(whole * share), whole - qRound(whole * share)});
-        }
+        if (QWidget* divider = named(name); divider && divider->property("share").isValid())
+            divider->setProperty("share", share);
     }
 
     void printWhere(const QString& name) {
         QWidget* widget = named(name);
-        if (auto* divider = qobject_cast<QSplitter*>(widget)) {
-            const QList<int> sizes = divider->sizes();
-            std::fprintf(stderr, "driver: where: %s %.2f\n", qPrintable(name),
-                         double(sizes.value(0)) / std::max(1, sizes.value(0) + sizes.value(1)));
+        if (const QVariant share = widget ? widget->property("share") : QVariant();
+            share.isValid()) {
+            std::fprintf(stderr, "driver: where: %s %.2f\n", qPrintable(name), share.toDouble());
         } else if (widget) {
             const QRect at = widget->geometry();
             std::fprintf(stderr, "driver: where: %s %d %d %d %d\n", qPrintable(name), at.x(),
@@ -547,6 +565,7 @@ if state and not engine.animator.busy():
     QElapsedTimer waiting_; // since the step at the head first waited
     QStringList steps_;
     QWidget* main_ = nullptr;
+    QObject* cameraView_ = nullptr;
 };
 
 class DriverPlugin : public QGenericPlugin {
