@@ -2,6 +2,7 @@
 
 #include "base/run_time_error.h"
 #include "controls/accessible_names.h"
+#include "controls/picture_button.h"
 #include "controls/tree_control.h"
 #include "controls/tree_control_view.h"
 #include "gateway/error_reporter.h"
@@ -16,7 +17,6 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QStringListModel>
-#include <QToolButton>
 
 #include <limits>
 
@@ -45,7 +45,8 @@ CommandLineBar::CommandLineBar(EngineLink& engine, ErrorReporter& reporter,
                                TreeControlView& treeFace, const TreeControl& objects,
                                QWidget* parent)
     : QWidget(parent), reporter_(reporter), runner_(engine, reporter), treeFace_(treeFace),
-      objects_(objects), box_(new QComboBox(this)), go_(new QToolButton(this)),
+      objects_(objects), box_(new QComboBox(this)),
+      go_(new PictureButton(QStringLiteral("Go"), QStringLiteral("GO"), this)),
       choices_(new QCompleter(this)), choiceWords_(new QStringListModel(this)) {
     box_->setObjectName(QStringLiteral("CommandLineBox"));
     box_->setEditable(true);
@@ -62,8 +63,6 @@ CommandLineBar::CommandLineBar(EngineLink& engine, ErrorReporter& reporter,
     box_->installEventFilter(this);
     box_->lineEdit()->installEventFilter(this);
     go_->setObjectName(QStringLiteral("GoButton"));
-    go_->setText(QStringLiteral("GO"));
-    go_->setAutoRaise(true);
     go_->setFocusPolicy(Qt::StrongFocus);
     treeFace_.setParent(this);
     treeFace_.installEventFilter(this);
