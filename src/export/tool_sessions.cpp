@@ -1,5 +1,6 @@
 #include "export/tool_sessions.h"
 
+#include "export/sketch_session.h"
 #include "gateway/app_state.h"
 #include "gateway/engine_link.h"
 #include "gateway/error_reporter.h"
@@ -243,7 +244,9 @@ void ToolSessions::TeddyTimer_Timer() {
     guarded(QStringLiteral("TeddyTimer_Timer()"), [&] {
         const ToolMessage message = readToolMessage(clipboard_.text());
         if (message.kind == ToolMessage::Kind::TeddySaveAndExit) {
-            if (!fromTool(message.path, {tempFolder_, state_.HomeDir + QStringLiteral("Teddy2")},
+            // The sketch tool writes into a folder of its own in the temporary folder.
+            if (!isSketchObjectPath(message.path) &&
+                !fromTool(message.path, {tempFolder_, state_.HomeDir + QStringLiteral("Teddy2")},
                           {}))
                 return;
             if (view_.sceneScriptTab() != 0)

@@ -1,3 +1,4 @@
+#include "export/sketch_session.h"
 #include "export/tool_process.h"
 #include "export/tool_sessions.h"
 #include "support/qt_print.h"
@@ -8,6 +9,7 @@
 #include <QFile>
 #include <QPointer>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -159,7 +161,7 @@ protected:
     ScriptedProgram program;
     FileClipboard clipboard{clipboardPath()};
     RecordingToolView view;
-    QList<QtToolProcess*> tools;          // owned by the sessions; those that started live on
+    QList<QtToolProcess*> tools;         // owned by the sessions; those that started live on
     QList<QPointer<QProcess>> processes; // of each tool, while it is there
     ToolSessions sessions{program.state,
                           program.engine,
@@ -289,7 +291,14 @@ TEST_F(ToolSessionsTest, SketchToolAddsItsObjectAndLeavesItsMessageOnTheClipboar
     EXPECT_TRUE(sessions.TeddyTimer().isActive());
     EXPECT_EQ(view.idle, QList<int>{42});
 
-    const QString made = file(QStringLiteral("Sketch.mdl"));
+    // Where the real sketch tool writes: a folder of its own in the temporary folder.
+    const QString made = newSketchObjectPath();
+    ASSERT_FALSE(made.isEmpty());
+    const auto removeFolder =
+        qScopeGuard([&] { QDir(QFileInfo(made).absolutePath()).removeRecursively(); });
+    QFile object(made);
+    ASSERT_TRUE(object.open(QIODevice::WriteOnly));
+    object.close();
     say(*tools[0], QStringLiteral("TEDDY_SAVE_AND_EXIT ") + made);
     sessions.TeddyTimer_Timer();
     EXPECT_EQ(callsOf(QStringLiteral("loadteddyobject")), QStringList{made});
