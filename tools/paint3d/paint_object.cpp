@@ -152,37 +152,90 @@ PaintPart keepingItsPicture(const PartDescription& part, const ModelDescription&
     return painted;
 }
 
-// The box around a part's surfaces, and where each of its six sides lies
-// on the skin (in box units: a side's texels are these times the scale).
+// A piece of a mesh: triangles joined by shared corners (as one ball, one
+// leg, one eye), laid on the skin by itself so that no other piece shares
+// its texels.
+struct Piece {
+    size_t mesh = 0;
+    std::vector<size_t> triangles; // index of each triangle's first corner in mesh.triangles
+};
+
+// The pieces of a part's meshes: triangles that share a corner, or a
+// corner's place, are of one piece.
+std::vector<Piece> piecesOf(const PartDescription& part) {
+    std::vector<Piece> pieces;
+    for (size_t m = 0; m < part.meshes.size(); ++m) {
+        const MeshDescription& mesh = part.meshes[m];
+        const size_t n = vertexCount(mesh);
+        std::vector<std::uint32_t> root(n);
+        std::iota(root.begin(), root.end(), 0u);
+        const auto find = [&](std::uint32_t v) {
+            while (root[v] != v)
+                v = root[v] = root[root[v]];
+            return v;
+        };
+        const auto join = [&](std::uint32_t a, std::uint32_t b) {
+            root[find(a)] = find(b);
+        };
+        std::map<std::array<float, 3>, std::uint32_t> places;
+        for (std::uint32_t v = 0; v < n; ++v) {
+            const std::array<float, 3> at{mesh.positions[3 * v], mesh.positions[3 * v + 1],
+                                          mesh.positions[3 * v + 2]};
+            const auto [found, added] = places.try_emplace(at, v);
+            if (!added)
+                join(v, found->second);
+        }
+        for (size_t i = 0; i + 2 < mesh.triangles.size(); i += 3) {
+            join(mesh.triangles[i], mesh.triangles[i + 1]);
+            join(mesh.triangles[i], mesh.triangles[i + 2]);
+        }
+        std::map<std::uint32_t, size_t> pieceOfRoot;
+        for (size_t i = 0; i + 2 < mesh.triangles.size(); i += 3) {
+            const auto [found, added] =
+                pieceOfRoot.try_emplace(find(mesh.triangles[i]), pieces.size());
+            if (added)
+                pieces.push_back({m, {}});
+            pieces[found->second].triangles.push_back(i);
+        }
+    }
+    return pieces;
+}
+
+// The box around a piece, and where each of its six sides lies on the
+// skin: side by side, seen from outside, upright (y up; the top seen with
+// the front below). In the box's units until placed on the skin.
 class BoxLayout {
 public:
-    explicit BoxLayout(const PartDescription& part) {
+    BoxLayout(const MeshDescription& mesh, const Piece& piece) {
         low_.fill(std::numeric_limits<double>::max());
-        high_.fill(std::numeric_limits<double>::lowest());
-        for (const MeshDescription& mesh : part.meshes) {
-            for (std::uint32_t v : mesh.triangles) {
-                const Vec3 p = vertexOf(mesh.positions, v);
+        Vec3 high;
+        high.fill(std::numeric_limits<double>::lowest());
+        for (size_t first : piece.triangles) {
+            for (size_t c = 0; c < 3; ++c) {
+                const Vec3 p = vertexOf(mesh.positions, mesh.triangles[first + c]);
                 for (int k = 0; k < 3; ++k) {
                     low_[k] = std::min(low_[k], p[k]);
-                    high_[k] = std::max(high_[k], p[k]);
+                    high[k] = std::max(high[k], p[k]);
                 }
             }
         }
-        for (int k = 0; k < 3; ++k) {
-            if (low_[k] > high_[k])
-                low_[k] = high_[k] = 0.0;
-            size_[k] = std::max(high_[k] - low_[k], 1e-6);
-        }
+        for (int k = 0; k < 3; ++k)
+            size_[k] = std::max(high[k] - low_[k], 1e-6);
     }
 
-    // How far across the layout is: its longer side in box units.
-    double across() const { return std::max(2 * size_[0] + 2 * size_[2], size_[1] + size_[2]); }
+    // Its size on the skin at a scale (texels a unit), with a gutter of
+    // texels around each side.
+    double width(double scale, int gutter) const {
+        return 2 * (size_[0] + size_[2]) * scale + 5 * gutter;
+    }
+    double height(double scale, int gutter) const {
+        return (size_[1] + size_[2]) * scale + 3 * gutter;
+    }
+    // How much room it takes at a scale of one.
+    double area() const { return 2 * (size_[0] + size_[2]) * (size_[1] + size_[2]); }
 
-    void fitTo(int side) {
-        side_ = side;
-        scale_ = (side - 5.0 * kGutterTexels) / across();
-        if (scale_ <= 0.0)
-            scale_ = side / across() / 2.0;
+    void placeAt(double left, double bottom, double scale, int gutter, int side) {
+        left_ = left, bottom_ = bottom, scale_ = scale, gutter_ = gutter, side_ = side;
     }
 
     // Which side of the box a triangle faces most: 0 +x, 1 -x, 2 +y, 3 -y, 4 +z, 5 -z.
@@ -199,51 +252,125 @@ public:
         return 2 * axis + (n[axis] < 0 ? 1 : 0);
     }
 
-    // Where p lies on the skin when seen from the given side, upright (y up,
-    // and the top seen with the front below), in texture coordinates.
+    // Where p lies on the skin when seen from the given side, in texture coordinates.
     std::array<float, 2> place(const Vec3& p, int seenFrom) const {
         const double x = p[0] - low_[0], y = p[1] - low_[1], z = p[2] - low_[2];
         const double X = size_[0], Y = size_[1], Z = size_[2];
         double u = 0, v = 0;
-        double left = 0, bottom = 0; // the side's corner on the skin, box units
-        const double gap = kGutterTexels / scale_;
+        int column = 0, row = 0;     // the side's place among the sides
+        double left = 0, bottom = 0; // the box units before it, across and up
         switch (seenFrom) {
         case 4:
-            u = x, v = y, left = 0;
+            u = x, v = y;
             break; // front
         case 5:
-            u = X - x, v = y, left = X + gap;
+            u = X - x, v = y, left = X, column = 1;
             break; // back
         case 0:
-            u = Z - z, v = y, left = 2 * (X + gap);
+            u = Z - z, v = y, left = 2 * X, column = 2;
             break; // +x
         case 1:
-            u = z, v = y, left = 2 * (X + gap) + Z + gap;
+            u = z, v = y, left = 2 * X + Z, column = 3;
             break; // -x
         case 2:
-            u = x, v = Z - z, bottom = Y + gap;
+            u = x, v = Z - z, bottom = Y, row = 1;
             break; // top
         default:
-            u = x, v = z, left = X + gap, bottom = Y + gap;
+            u = x, v = z, left = X, bottom = Y, column = 1, row = 1;
             break; // bottom
         }
-        const double s = (kGutterTexels + (left + u) * scale_) / side_;
-        const double t = (kGutterTexels + (bottom + v) * scale_) / side_;
-        return {static_cast<float>(s), static_cast<float>(t)};
+        const double s = left_ + gutter_ * (column + 1) + (left + u) * scale_;
+        const double t = bottom_ + gutter_ * (row + 1) + (bottom + v) * scale_;
+        return {static_cast<float>(s / side_), static_cast<float>(t / side_)};
     }
 
 private:
-    Vec3 low_{}, high_{}, size_{};
-    int side_ = 1;
-    double scale_ = 1.0;
+    Vec3 low_{}, size_{};
+    double left_ = 0, bottom_ = 0, scale_ = 1;
+    int gutter_ = 0, side_ = 1;
 };
+
+// Lays the pieces' boxes on a skin of the given side in rows, tallest
+// first, at the largest scale at which all fit. False when even the gutters
+// don't fit (a part of very many tiny pieces).
+bool packBoxes(std::vector<BoxLayout>& boxes, int side, int gutter) {
+    std::vector<size_t> order(boxes.size());
+    std::iota(order.begin(), order.end(), size_t{0});
+    std::sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+        return boxes[a].height(1.0, 0) > boxes[b].height(1.0, 0);
+    });
+    // Lays them at a scale, or says they don't fit.
+    const auto lay = [&](double scale, bool place) {
+        double x = 0, y = 0, rowHeight = 0;
+        for (size_t k : order) {
+            const double w = boxes[k].width(scale, gutter), h = boxes[k].height(scale, gutter);
+            if (x + w > side) {
+                x = 0;
+                y += rowHeight;
+                rowHeight = 0;
+            }
+            if (x + w > side || y + h > side)
+                return false;
+            if (place)
+                boxes[k].placeAt(x, y, scale, gutter, side);
+            x += w;
+            rowHeight = std::max(rowHeight, h);
+        }
+        return true;
+    };
+    double fits = 0.0, fitsNot = 0.0;
+    for (const BoxLayout& box : boxes)
+        fitsNot = std::max(fitsNot, side / std::min(box.width(1.0, 0), box.height(1.0, 0)));
+    if (!lay(fitsNot * 1e-9, false))
+        return false;
+    for (int step = 0; step < 40; ++step) {
+        const double middle = (fits + fitsNot) / 2.0;
+        (lay(middle, false) ? fits : fitsNot) = middle;
+    }
+    return fits > 0.0 && lay(fits, true);
+}
 
 // Paints one triangle's colours onto the skin at its place there, a texel
 // beyond its edges so that no seam shows between neighbours.
 class TriangleBaker {
 public:
     TriangleBaker(Skin& skin, const std::vector<Skin>& pictures)
-        : skin_(skin), pictures_(pictures) {}
+        : skin_(skin), pictures_(pictures),
+          covered_(static_cast<size_t>(skin.width()) * static_cast<size_t>(skin.height())) {}
+
+    // Carries the colours at the pieces' edges outwards into the gutters
+    // between them, a texel a pass, so that a blurred (smaller) copy of the
+    // skin shows no seams of the background there.
+    void spreadIntoGutters(int passes) {
+        const int w = skin_.width(), h = skin_.height();
+        for (int pass = 0; pass < passes; ++pass) {
+            std::vector<std::pair<size_t, Rgba>> spread;
+            for (int y = 0; y < h; ++y) {
+                for (int x = 0; x < w; ++x) {
+                    if (covered_[index(x, y)])
+                        continue;
+                    int r = 0, g = 0, b = 0, n = 0;
+                    for (const auto& [dx, dy] : {std::pair{-1, 0}, {1, 0}, {0, -1}, {0, 1}}) {
+                        const int nx = x + dx, ny = y + dy;
+                        if (nx < 0 || ny < 0 || nx >= w || ny >= h || !covered_[index(nx, ny)])
+                            continue;
+                        const Rgba c = skin_.pixel(nx, ny);
+                        r += c.r, g += c.g, b += c.b, ++n;
+                    }
+                    if (n > 0)
+                        spread.push_back(
+                            {index(x, y),
+                             {static_cast<std::uint8_t>(r / n), static_cast<std::uint8_t>(g / n),
+                              static_cast<std::uint8_t>(b / n), 255}});
+                }
+            }
+            for (const auto& [at, color] : spread) {
+                skin_.setPixel(static_cast<int>(at % static_cast<size_t>(w)),
+                               static_cast<int>(at / static_cast<size_t>(w)), color);
+                covered_[at] = true;
+            }
+        }
+    }
 
     void bake(const MeshDescription& mesh, const PaintMesh& laid,
               const std::array<std::uint32_t, 3>& source,
@@ -290,11 +417,16 @@ public:
                 for (double& weight : w)
                     weight /= sum;
                 skin_.setPixel(x, y, colorAt(mesh, source, w, picture));
+                covered_[index(x, y)] = true;
             }
         }
     }
 
 private:
+    size_t index(int x, int y) const {
+        return static_cast<size_t>(y) * static_cast<size_t>(skin_.width()) + static_cast<size_t>(x);
+    }
+
     const Skin* pictureOf(const MeshDescription& mesh) const {
         const auto index = mesh.look.texture;
         if (index < 0 || static_cast<size_t>(index) >= pictures_.size() ||
@@ -329,55 +461,73 @@ private:
 
     Skin& skin_;
     const std::vector<Skin>& pictures_;
+    std::vector<bool> covered_;
 };
 
-PaintPart laidOnABox(const PartDescription& part, int side, const std::vector<Skin>& pictures) {
+PaintPart laidOnBoxes(const PartDescription& part, int side, const std::vector<Skin>& pictures) {
     PaintPart painted;
-    BoxLayout box(part);
-    box.fitTo(side);
+    std::vector<Piece> pieces = piecesOf(part);
+    std::vector<BoxLayout> boxes;
+    for (const Piece& piece : pieces)
+        boxes.emplace_back(part.meshes[piece.mesh], piece);
+    if (!packBoxes(boxes, side, kGutterTexels) && !packBoxes(boxes, side, 0)) {
+        // Too many pieces to lie apart: the whole of each mesh is one piece.
+        pieces.clear();
+        boxes.clear();
+        for (size_t m = 0; m < part.meshes.size(); ++m) {
+            Piece whole{m, {}};
+            for (size_t i = 0; i + 2 < part.meshes[m].triangles.size(); i += 3)
+                whole.triangles.push_back(i);
+            boxes.emplace_back(part.meshes[m], whole);
+            pieces.push_back(std::move(whole));
+        }
+        packBoxes(boxes, side, 0);
+    }
     Rgba background{200, 200, 200, 255};
     if (!part.meshes.empty() && vertexCount(part.meshes.front()) > 0) {
         background = baseColor(part.meshes.front(), 0);
         background.a = 255;
     }
     painted.skin = Skin(side, side, background);
-    TriangleBaker baker(painted.skin, pictures);
     for (const MeshDescription& mesh : part.meshes) {
         PaintMesh laid;
         laid.look = paintedLook(mesh.look);
+        painted.meshes.push_back(std::move(laid));
+    }
+    TriangleBaker baker(painted.skin, pictures);
+    for (size_t k = 0; k < pieces.size(); ++k) {
+        const MeshDescription& mesh = part.meshes[pieces[k].mesh];
+        PaintMesh& laid = painted.meshes[pieces[k].mesh];
         const std::vector<float> normals = normalsPerVertex(mesh);
         // A vertex on two sides of the box lies in two places on the skin.
         std::map<std::pair<std::uint32_t, int>, std::uint32_t> copies;
-        std::vector<std::array<std::uint32_t, 3>> sources;
-        for (size_t i = 0; i + 2 < mesh.triangles.size(); i += 3) {
-            const std::array<std::uint32_t, 3> v{mesh.triangles[i], mesh.triangles[i + 1],
-                                                 mesh.triangles[i + 2]};
+        for (size_t first : pieces[k].triangles) {
+            const std::array<std::uint32_t, 3> v{mesh.triangles[first], mesh.triangles[first + 1],
+                                                 mesh.triangles[first + 2]};
             const int seen =
                 BoxLayout::sideFaced(vertexOf(mesh.positions, v[0]), vertexOf(mesh.positions, v[1]),
                                      vertexOf(mesh.positions, v[2]));
-            for (std::uint32_t source : v) {
+            std::array<std::uint32_t, 3> placed{};
+            for (int c = 0; c < 3; ++c) {
+                const std::uint32_t source = v[static_cast<size_t>(c)];
                 auto [found, added] = copies.try_emplace(
                     {source, seen}, static_cast<std::uint32_t>(laid.positions.size() / 3));
                 if (added) {
-                    const Vec3 p = vertexOf(mesh.positions, source);
                     laid.positions.insert(laid.positions.end(), mesh.positions.begin() + 3 * source,
                                           mesh.positions.begin() + 3 * source + 3);
                     if (!normals.empty())
                         laid.normals.insert(laid.normals.end(), normals.begin() + 3 * source,
                                             normals.begin() + 3 * source + 3);
-                    const auto st = box.place(p, seen);
+                    const auto st = boxes[k].place(vertexOf(mesh.positions, source), seen);
                     laid.texCoords.insert(laid.texCoords.end(), st.begin(), st.end());
                 }
+                placed[static_cast<size_t>(c)] = found->second;
                 laid.triangles.push_back(found->second);
             }
-            sources.push_back(v);
+            baker.bake(mesh, laid, v, placed);
         }
-        for (size_t k = 0; k < sources.size(); ++k)
-            baker.bake(
-                mesh, laid, sources[k],
-                {laid.triangles[3 * k], laid.triangles[3 * k + 1], laid.triangles[3 * k + 2]});
-        painted.meshes.push_back(std::move(laid));
     }
+    baker.spreadIntoGutters(kGutterTexels * 2);
     return painted;
 }
 
@@ -391,9 +541,14 @@ int powerOfTwoAtLeast(double value) {
 // Each part's skin side: as large as the part is beside the largest one,
 // all of them halved until they fit the budget.
 std::vector<int> skinSides(const ModelDescription& model) {
+    // A part's skin is as large as the room its pieces' boxes take.
     std::vector<double> across;
-    for (const PartDescription& part : model.parts)
-        across.push_back(BoxLayout(part).across());
+    for (const PartDescription& part : model.parts) {
+        double room = 0.0;
+        for (const Piece& piece : piecesOf(part))
+            room += BoxLayout(part.meshes[piece.mesh], piece).area();
+        across.push_back(std::sqrt(room));
+    }
     const double largest = std::max(1e-6, *std::max_element(across.begin(), across.end()));
     std::vector<int> sides;
     for (double a : across)
@@ -424,7 +579,7 @@ PaintObject paintableFrom(const ModelDescription& model) {
     for (size_t k = 0; k < model.parts.size(); ++k) {
         const PartDescription& part = model.parts[k];
         PaintPart painted = wearsOnePicture(part, model) ? keepingItsPicture(part, model)
-                                                         : laidOnABox(part, sides[k], pictures);
+                                                         : laidOnBoxes(part, sides[k], pictures);
         painted.name = part.name.empty() ? "Part" + std::to_string(k) : part.name;
         painted.parent = part.parent;
         painted.position = part.position;

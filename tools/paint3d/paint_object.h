@@ -33,10 +33,13 @@ struct PaintPart {
 // An object made ready for painting: every part wears a skin of its own,
 // and every vertex has a place on it. A part whose meshes already wear one
 // picture, with texture coordinates inside it, keeps them and the picture
-// becomes its skin; any other part is laid onto its skin by a box
-// projection (each triangle onto the side of the part's box it faces most,
-// the six sides side by side on the skin) and its colours and pictures are
-// painted onto the skin, so that it looks as it did. The material's
+// becomes its skin; any other part is laid onto its skin by box
+// projections: each piece of it (triangles joined by their corners: a
+// ball, an ear) has a box of its own, each triangle goes onto the side of
+// its piece's box it faces most, and the boxes' sides lie apart on the
+// skin, so no two places of the surface share a texel (but for hollows
+// inside one piece). Its colours and pictures are painted onto the skin
+// first, so that it looks as it did. The material's
 // diffuse and ambient colour become white: the skin carries the colour.
 struct PaintObject {
     std::string name;
@@ -44,8 +47,8 @@ struct PaintObject {
 };
 
 // At most this many texels over all skins (64 MiB of pixels); a part's
-// skin side is a power of two, as large as the part is compared with the
-// largest part, and no larger than Skin::kLargestSide.
+// skin side is a power of two, as large as its surface's boxes are beside
+// the largest part's, and no larger than Skin::kLargestSide.
 constexpr long long kTexelBudget = 16LL << 20;
 
 PaintObject paintableFrom(const core::ModelDescription& model);

@@ -198,7 +198,7 @@ QWidget* PaintWindow::makeTools() {
     palette_->setIconSize(QSize(24, 24));
     palette_->setGridSize(QSize(30, 30));
     palette_->setMovement(QListView::Static);
-    palette_->setFixedSize(160, 100);
+    palette_->setFixedSize(160, 130);
     for (const PaletteColor& color : kPalette) {
         auto* item = new QListWidgetItem(swatch(QColor(color.rgb)), QString(), palette_);
         item->setData(Qt::AccessibleTextRole, QString::fromUtf8(color.name));
