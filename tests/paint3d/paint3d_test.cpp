@@ -147,6 +147,13 @@ TEST(PaintSession, EachStrokeFillAndPictureIsUndoneOnItsOwnAndAMissIsNothingToUn
     EXPECT_EQ(colorUnder(session.object(), Ray{{0, 0.5, -50}, {0, 0, 1}}), session.brush.color);
     EXPECT_TRUE(session.changedSinceSave());
 
+    const Skin picture(4, 2, {0, 0, 250, 255});
+    ASSERT_TRUE(session.placePicture(front, picture, 40.0));
+    EXPECT_EQ(colorUnder(session.object(), front), (Rgba{0, 0, 250, 255}));
+    EXPECT_EQ(colorUnder(session.object(), fromTheFront(0.3, 0.5)), session.brush.color);
+
+    ASSERT_TRUE(session.undo()); // the picture
+    EXPECT_EQ(colorUnder(session.object(), front), session.brush.color);
     ASSERT_TRUE(session.undo()); // the fill
     EXPECT_EQ(colorUnder(session.object(), front), stroked);
     ASSERT_TRUE(session.undo()); // the stroke, all of it
@@ -189,6 +196,17 @@ TEST(PaintedFile, APaintedObjectSavedBesideItsFileIsReadBackByTheEngineWithItsPa
     EXPECT_FALSE(painted.textures.empty());
     EXPECT_LT(colorDistance(colorUnder(paintableFrom(painted), atTheBunny), kPaint), 12);
     EXPECT_NO_THROW(vessa::core::readModel(first.path, ReaderProcess::shared()));
+}
+
+TEST(PaintedFile, AFolderGoneSinceIsToldAndNothingIsWritten) {
+    QTemporaryDir folder;
+    const QString given = copyOfGalleryObject(folder, QStringLiteral("Cube"));
+    PaintSession session(opened(given));
+    const SavedObject saved =
+        savePainted(session.object(), folder.filePath("Gone/Cube.mdl").toStdString());
+    EXPECT_TRUE(saved.path.empty());
+    EXPECT_NE(saved.failure.find("could not be written to"), std::string::npos) << saved.failure;
+    EXPECT_NE(saved.failure.find("No such file"), std::string::npos) << saved.failure;
 }
 
 TEST(OpenForPainting, AMissingDamagedOrStrangeFileIsRefusedWithWhy) {

@@ -96,28 +96,28 @@ bool hasSurfaces(const PaintObject& object) {
     });
 }
 
-// Writes bytes to a file that must not be there yet; false if it is, or
-// the writing failed (and then nothing is left).
-bool writeNew(const std::string& path, const std::string& bytes, bool& existed) {
+// Writes bytes to a file that must not be there yet: 0, or the error
+// (EEXIST when there is such a file; nothing is left on any error).
+int writeNew(const std::string& path, const std::string& bytes) {
     const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-    existed = fd < 0 && errno == EEXIST;
     if (fd < 0)
-        return false;
+        return errno;
     size_t written = 0;
-    while (written < bytes.size()) {
+    int error = 0;
+    while (written < bytes.size() && error == 0) {
         const ssize_t n = ::write(fd, bytes.data() + written, bytes.size() - written);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            break;
-        written += static_cast<size_t>(n);
+        if (n > 0)
+            written += static_cast<size_t>(n);
+        else if (n < 0 && errno != EINTR)
+            error = errno;
     }
-    const bool whole = written == bytes.size() && ::fsync(fd) == 0;
-    if (::close(fd) != 0 || !whole) {
+    if (error == 0 && ::fsync(fd) != 0)
+        error = errno;
+    if (::close(fd) != 0 && error == 0)
+        error = errno;
+    if (error != 0)
         ::unlink(path.c_str());
-        return false;
-    }
-    return true;
+    return error;
 }
 
 } // namespace
@@ -185,13 +185,13 @@ SavedObject savePainted(const PaintObject& object, const std::string& givenPath)
     for (int n = 1; n <= kMostSaveNames; ++n) {
         const std::filesystem::path target =
             given.parent_path() / (stem + "_painted" + std::to_string(n) + ".mdl");
-        bool existed = false;
-        if (writeNew(target.string(), bytes, existed))
+        const int error = writeNew(target.string(), bytes);
+        if (error == 0)
             return {target.string(), {}};
-        if (!existed)
+        if (error != EEXIST)
             return {{},
                     "The painted object could not be written to " + target.string() + ": " +
-                        std::strerror(errno)};
+                        std::strerror(error)};
     }
     return {{}, "There is no free name for the painted object beside " + givenPath};
 }

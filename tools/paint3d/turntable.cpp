@@ -11,7 +11,7 @@ constexpr double kFieldOfViewDegrees = 35.0;
 constexpr double kRadiansPerPixel = 0.01;
 constexpr double kZoomPerStep = 0.9;
 // The eye's distance in radii: the whole object in view, and the bounds of zooming.
-constexpr double kViewingDistance = 2.2, kNearest = 1.1, kFarthest = 8.0;
+constexpr double kViewingDistance = 3.4, kNearest = 1.2, kFarthest = 10.0;
 
 } // namespace
 
