@@ -18,8 +18,8 @@ using namespace vessa::paint3d;
 
 // The gallery's beach ball, its one part on a 1,024 x 1,024 skin.
 PaintObject ball() {
-    OpenedObject opened =
-        openForPainting(VESSA_HOME_DIR "/Objects/Shapes/Ball.mdl", vessa::core::ReaderProcess::shared());
+    OpenedObject opened = openForPainting(VESSA_HOME_DIR "/Objects/Shapes/Ball.mdl",
+                                          vessa::core::ReaderProcess::shared());
     if (!opened.object)
         throw std::runtime_error(opened.refusal);
     return std::move(*opened.object);
@@ -39,9 +39,9 @@ void BM_BrushStrokeStep(benchmark::State& state) {
     double angle = 0.0;
     long long hits = 0;
     for (auto _ : state) {
-        // Round and round over the ball, three pixels a step, as a drag dabs.
+        // Round and round over the ball, a pixel or so a step, as a drag dabs.
         angle += 0.02;
-        const Ray ray = turntable.rayAt(400 + 150 * std::cos(angle), 300 + 150 * std::sin(angle));
+        const Ray ray = turntable.rayAt(400 + 60 * std::cos(angle), 300 + 60 * std::sin(angle));
         hits += session.continueStroke(ray) ? 1 : 0;
     }
     session.endStroke();
