@@ -12,7 +12,7 @@ packages=(
     pybind11-dev python3.11-dev python3-pytest python3-aiosmtpd
     libgtest-dev libgmock-dev libbenchmark-dev
     libopenal-dev libsndfile1-dev libzip-dev libassimp-dev libcurl4-openssl-dev
-    xvfb xauth libgl1-mesa-dri mesa-utils libegl-dev libegl-mesa0
+    xvfb xauth libgl1-mesa-dri mesa-utils libegl-dev libegl-mesa0 xdotool
     chromium
 )
 # Node and npm: Debian's, unless the machine has them already.
