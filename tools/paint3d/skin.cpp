@@ -41,6 +41,14 @@ float coverage(const Brush& brush, double d) {
     return static_cast<float>(std::clamp(brush.radius + 0.5 - d, 0.0, 1.0));
 }
 
+// src over dst with the given strength (0..1) times src's own alpha.
+Rgba blendOver(Rgba dst, Rgba src, float strength) {
+    const float a = std::clamp(strength, 0.0f, 1.0f) * (src.a / 255.0f);
+    Rgba out = mix(dst, src, a);
+    out.a = std::max(dst.a, static_cast<std::uint8_t>(std::lround(255.0f * a)));
+    return out;
+}
+
 } // namespace
 
 Skin::Skin(int width, int height, Rgba fill)
@@ -84,13 +92,6 @@ Skin resampled(const Skin& skin, int width, int height) {
                             skin.sample((x + 0.5) / scaled.width(), (y + 0.5) / scaled.height()));
     }
     return scaled;
-}
-
-Rgba blendOver(Rgba dst, Rgba src, float strength) {
-    const float a = std::clamp(strength, 0.0f, 1.0f) * (src.a / 255.0f);
-    Rgba out = mix(dst, src, a);
-    out.a = std::max(dst.a, static_cast<std::uint8_t>(std::lround(255.0f * a)));
-    return out;
 }
 
 TexelRect brushRect(const Skin& skin, double s, double t, const Brush& brush) {

@@ -50,9 +50,6 @@ private:
 // The skin scaled to width x height, each texel sampled from the original.
 Skin resampled(const Skin& skin, int width, int height);
 
-// src over dst with the given strength (0..1) times src's own alpha.
-Rgba blendOver(Rgba dst, Rgba src, float strength);
-
 struct Brush {
     double radius = 8.0; // in texels
     Rgba color{200, 30, 30, 255};

@@ -111,7 +111,6 @@ std::optional<SurfaceHit> SurfacePicker::pick(const Ray& ray) const {
             nearestDistance = t;
             SurfaceHit hit;
             hit.part = bound.part;
-            hit.distance = t;
             hit.s = (1 - u - v) * mesh.texCoords[2 * a] + u * mesh.texCoords[2 * b] +
                     v * mesh.texCoords[2 * c];
             hit.t = (1 - u - v) * mesh.texCoords[2 * a + 1] + u * mesh.texCoords[2 * b + 1] +

@@ -20,7 +20,6 @@ struct Ray {
 struct SurfaceHit {
     int part = -1;
     double s = 0.0, t = 0.0; // texture coordinates on the part's skin
-    double distance = 0.0;   // along the ray, in the ray's units
 };
 
 // Each part's place in the object's frame, from its place in its parent's.
