@@ -297,45 +297,49 @@ void PaintWindow::updateButtons() {
     saveAndExit_->setEnabled(painting);
 }
 
-bool PaintWindow::saveAnswering(const QString& prefix) {
+QString PaintWindow::savedAnswer(const QString& prefix) {
     if (!session_)
-        return false;
+        return {};
     const SavedObject saved = savePainted(session_->object(), objectFile_.toStdString());
     if (saved.path.empty()) {
         QMessageBox::warning(this, kTitle, QString::fromStdString(saved.failure));
-        return false;
+        return {};
     }
     session_->markSaved();
-    QApplication::clipboard()->setText(prefix + QString::fromStdString(saved.path));
-    return true;
+    return prefix + QString::fromStdString(saved.path);
 }
 
 void PaintWindow::save() {
-    saveAnswering(kSaveAnswer);
+    const QString answer = savedAnswer(kSaveAnswer);
+    if (!answer.isEmpty())
+        QApplication::clipboard()->setText(answer);
 }
 
 void PaintWindow::saveAndExit() {
-    if (saveAnswering(kSaveAndExitAnswer))
-        answerAndLeave({});
+    const QString answer = savedAnswer(kSaveAndExitAnswer);
+    if (!answer.isEmpty())
+        answerAndLeave(answer);
 }
 
 void PaintWindow::discard() {
     answerAndLeave(kDiscardAnswer);
 }
 
-void PaintWindow::answerAndLeave(const QString& text) {
+void PaintWindow::answerAndLeave(const QString& answer) {
     if (leaving_)
         return;
     leaving_ = true;
     QClipboard* clipboard = QApplication::clipboard();
-    if (!text.isEmpty())
-        clipboard->setText(text);
+    clipboard->setText(answer);
     hide();
-    // Whoever reads the answer clears or replaces the clipboard; then it is safe to go.
-    connect(clipboard, &QClipboard::changed, this, [this](QClipboard::Mode mode) {
-        if (mode == QClipboard::Clipboard)
-            Q_EMIT finished();
-    });
+    // Whoever reads the answer clears or replaces the clipboard; then it is
+    // safe to go. Other programs' comings and goings are told too: only a
+    // clipboard that no longer holds the answer means it was taken.
+    connect(clipboard, &QClipboard::changed, this,
+            [this, clipboard, answer](QClipboard::Mode mode) {
+                if (mode == QClipboard::Clipboard && clipboard->text() != answer)
+                    Q_EMIT finished();
+            });
     QTimer::singleShot(kAnswerKeptMs, this, &PaintWindow::finished);
 }
 

@@ -54,9 +54,9 @@ private:
     void choosePicture();
     void undo();
     void updateButtons();
-    // Saves, and answers the clipboard with prefix + the path; false if nothing was saved.
-    bool saveAnswering(const QString& prefix);
-    void answerAndLeave(const QString& text);
+    // Saves; the answer (prefix and the path written), or "" when nothing was saved.
+    QString savedAnswer(const QString& prefix);
+    void answerAndLeave(const QString& answer);
 
     QString objectFile_;
     std::unique_ptr<PaintSession> session_;
