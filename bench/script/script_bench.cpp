@@ -23,26 +23,13 @@ using vessa::bench::QuietHost;
 
 namespace {
 
-// 500 animations, each with 16 lines and a DoTogether block of 4 more, shown through a
-// Qt item model as in the program.
+// The big script, shown through a Qt item model as in the program.
 struct BigScript {
     QuietHost host;
     ScriptModel script{host};
     TreeItemModel shown{script.TreeView1()};
 
-    BigScript() {
-        TreeControl& tree = script.TreeView1();
-        for (int animation = 1; animation <= 500; ++animation) {
-            TreeNode* root = animation == 1 ? tree.FirstRoot() : script.AddNewAnimation();
-            for (int line = 0; line < 16; ++line)
-                tree.Add(root, Relation::Child, "",
-                         line % 2 ? "Bunny.Move(Forward, 1, Duration=2, Style=abruptly, more...)"
-                                  : "Camera.Turn(Left, 1/4, AsSeenBy=Bunny, more...)");
-            TreeNode* block = tree.Add(root, Relation::Child, "", "Wave : DoTogether");
-            for (int line = 0; line < 4; ++line)
-                tree.Add(block, Relation::Child, "", "Bunny.Head.Roll(Left, 1/8, more...)");
-        }
-    }
+    BigScript() { vessa::bench::fillWithTenThousandLines(script); }
 
     TreeNode* LastLine() { return script.TreeView1().FirstRoot()->LastSibling()->ChildAt(15); }
 };

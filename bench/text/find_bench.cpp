@@ -20,17 +20,8 @@ void BM_FindInTenThousandScriptLines(benchmark::State& state) {
     bench::QuietHost host;
     ScriptModel script(host);
     script.Initialize();
+    bench::fillWithTenThousandLines(script);
     TreeControl& tree = script.TreeView1();
-    for (int animation = 1; animation <= 500; ++animation) {
-        TreeNode* root = animation == 1 ? tree.FirstRoot() : script.AddNewAnimation();
-        for (int line = 0; line < 16; ++line)
-            tree.Add(root, Relation::Child, "",
-                     line % 2 ? "Bunny.Move(Forward, 1, Duration=2, Style=abruptly, more...)"
-                              : "Camera.Turn(Left, 1/4, AsSeenBy=Bunny, more...)");
-        TreeNode* block = tree.Add(root, Relation::Child, "", "Wave : DoTogether");
-        for (int line = 0; line < 4; ++line)
-            tree.Add(block, Relation::Child, "", "Bunny.Head.Roll(Left, 1/8, more...)");
-    }
     TreeNode* last = tree.FirstRoot()->LastSibling()->ChildAt(15);
     tree.SetText(last, "Kangaroo.Move(Forward, 1, more...)");
     TreeControlView view(tree);
