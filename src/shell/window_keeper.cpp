@@ -106,9 +106,17 @@ bool WindowKeeper::eventFilter(QObject* watched, QEvent* event) {
         if (event->type() == QEvent::Hide) {
             keepHelpFormCorner();
         } else if (event->type() == QEvent::Show) {
+            // The remembered corner, moved in as far as the whole window needs to be seen.
             const double perPixel = twipsPerPixel(helpForm_);
-            helpForm_->move(qRound(settings_.helpFormLeft / perPixel),
-                            qRound(settings_.helpFormTop / perPixel));
+            const QRect screen = helpForm_->screen()->availableGeometry();
+            const QSize size = helpForm_->frameGeometry().size();
+            const auto within = [](int at, int first, int room) {
+                return std::max(first, std::min(at, first + room));
+            };
+            helpForm_->move(within(qRound(settings_.helpFormLeft / perPixel), screen.left(),
+                                   screen.width() - size.width()),
+                            within(qRound(settings_.helpFormTop / perPixel), screen.top(),
+                                   screen.height() - size.height()));
         }
     }
     return QObject::eventFilter(watched, event);

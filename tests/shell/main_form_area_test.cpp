@@ -6,6 +6,7 @@
 #include "controls/twips.h"
 #include "shell/main_form_area.h"
 
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTabBar>
 #include <QTest>
@@ -165,7 +166,7 @@ TEST(HelpWindow, ComesBackWhereTheUserLeftIt) {
     Window w;
     QWidget help;
     help.setObjectName(QStringLiteral("HelpForm"));
-    help.resize(300, 200);
+    help.resize(100, 100);
     w.form->keepHelpForm(help);
     help.show();
     const QPoint first = help.pos();
@@ -176,4 +177,18 @@ TEST(HelpWindow, ComesBackWhereTheUserLeftIt) {
     help.hide();
     help.show();
     EXPECT_EQ(help.pos(), first + QPoint(-200, -150));
+}
+
+TEST(HelpWindow, ComesBackWhollyOnTheScreen) {
+    Window w;
+    QWidget help;
+    help.setObjectName(QStringLiteral("HelpForm"));
+    const QRect screen = help.screen()->availableGeometry();
+    help.resize(screen.width() / 2, screen.height() / 2);
+    w.form->keepHelpForm(help);
+    help.show();
+    help.move(screen.right() - 10, screen.bottom() - 10);
+    help.hide();
+    help.show();
+    EXPECT_TRUE(screen.contains(help.frameGeometry())) << "at " << help.x() << ", " << help.y();
 }
