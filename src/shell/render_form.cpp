@@ -42,11 +42,14 @@ RenderForm::RenderForm(QWidget* parent)
     addAction(stop);
     auto* stopHint = new QLabel(QStringLiteral("Esc stops the world"), this);
     stopHint->setObjectName(QStringLiteral("StopHint"));
+    // A hint, not a control: cut short rather than make the window wider than it was set.
+    stopHint->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    stopHint->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    stopHint->setToolTip(stopHint->text());
 
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(check1_);
-    bottom->addStretch();
-    bottom->addWidget(stopHint);
+    bottom->addWidget(stopHint, 1);
     bottom->addWidget(fpsLabel_);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
