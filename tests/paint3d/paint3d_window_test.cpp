@@ -1,6 +1,7 @@
 // The paint tool's window as a user meets it: painting with the mouse, undo
 // from the keyboard, and its answers on the clipboard for Save, Save and
-// Exit, Discard and a closed window; a file it can't paint.
+// Exit, Discard and a closed window (asking first when paint is not saved);
+// a file it can't paint.
 
 #include "paint_support.h"
 
@@ -12,10 +13,12 @@
 #include <QClipboard>
 #include <QFileInfo>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -38,6 +41,33 @@ QPushButton* buttonOf(PaintWindow& window, const char* name) {
     auto* found = window.findChild<QPushButton*>(QLatin1String(name));
     EXPECT_TRUE(found) << name;
     return found;
+}
+
+// Does `action`, clicking `reply` on the first message box it brings up,
+// until `done` (without one, until the box is answered); the title of the
+// box, or "" when none came. A mnemonic clicks its button a moment after
+// the key, so the box may come late.
+QString answering(QMessageBox::StandardButton reply, const std::function<void()>& action,
+                  const std::function<bool()>& done = {}) {
+    QString asked;
+    QTimer watch;
+    watch.setInterval(0);
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box || !box->isVisible())
+            return;
+        watch.stop();
+        asked = box->windowTitle();
+        QTest::mouseClick(box->button(reply), Qt::LeftButton);
+    });
+    watch.start();
+    action();
+    const auto answered = [&] {
+        return !watch.isActive() && !QApplication::activeModalWidget();
+    };
+    EXPECT_TRUE(waitFor(done ? done : answered));
+    watch.stop();
+    return asked;
 }
 
 // The view draws with OpenGL, which Qt's offscreen platform lacks.
@@ -127,20 +157,50 @@ TEST(PaintWindow, SaveAndExitAnswersAndTheToolStaysUntilTheAnswerIsTaken) {
     EXPECT_EQ(finished.count(), 1);
 }
 
-TEST(PaintWindow, DiscardAndClosingTheWindowAnswerDiscardAndSaveNothing) {
+TEST(PaintWindow, DiscardAndClosingTheWindowAskFirstWhenPaintIsNotSaved) {
     if (!canDraw())
         GTEST_SKIP() << "the view needs a display";
+    const QString discarded = QStringLiteral("PAINT3D_DISCARD_AND_EXIT");
     {
         Painting p;
         p.strokeAcrossTheMiddle();
-        QTest::keyClick(&p.window, Qt::Key_D, Qt::AltModifier);
-        EXPECT_TRUE(waitFor([] { return clipboardText() == "PAINT3D_DISCARD_AND_EXIT"; }));
+        // No: the tool stays and tells the program nothing.
+        const QString asked = answering(
+            QMessageBox::No, [&] { QTest::keyClick(&p.window, Qt::Key_D, Qt::AltModifier); });
+        EXPECT_EQ(asked, QStringLiteral("Discard your painting?"));
+        EXPECT_TRUE(p.window.isVisible());
+        EXPECT_EQ(clipboardText(), QStringLiteral("someone else's words"));
+        // Closing the window asks too; Yes throws the paint away.
+        EXPECT_EQ(answering(
+                      QMessageBox::Yes, [&] { p.window.close(); },
+                      [&] { return clipboardText() == discarded; }),
+                  asked);
+        EXPECT_EQ(clipboardText(), discarded);
+        EXPECT_FALSE(p.window.isVisible());
         EXPECT_EQ(QDir(p.folder.path()).entryList(QDir::Files).size(), 1);
     }
     {
+        // Paint that is saved is not lost: Discard answers at once.
         Painting p;
-        p.window.close();
-        EXPECT_EQ(clipboardText(), QStringLiteral("PAINT3D_DISCARD_AND_EXIT"));
+        p.strokeAcrossTheMiddle();
+        QTest::mouseClick(buttonOf(p.window, "PaintSave"), Qt::LeftButton);
+        EXPECT_EQ(
+            answering(
+                QMessageBox::No,
+                [&] { QTest::mouseClick(buttonOf(p.window, "PaintDiscard"), Qt::LeftButton); },
+                [&] { return clipboardText() == discarded; }),
+            QString());
+        EXPECT_EQ(clipboardText(), discarded);
+    }
+    {
+        // Nothing painted: closing the window answers at once.
+        Painting p;
+        EXPECT_EQ(answering(
+                      QMessageBox::No, [&] { p.window.close(); },
+                      [&] { return clipboardText() == discarded; }),
+                  QString());
+        EXPECT_EQ(clipboardText(), discarded);
+        EXPECT_EQ(QDir(p.folder.path()).entryList(QDir::Files).size(), 1);
     }
 }
 

@@ -322,7 +322,19 @@ void PaintWindow::saveAndExit() {
 }
 
 void PaintWindow::discard() {
+    if (userKeepsPainting())
+        return;
     answerAndLeave(kDiscardAnswer);
+}
+
+bool PaintWindow::userKeepsPainting() {
+    if (leaving_ || !session_ || !session_->changedSinceSave())
+        return false;
+    const auto answer = QMessageBox::question(
+        this, QStringLiteral("Discard your painting?"),
+        QStringLiteral("Your painting has not been saved. Discard it and close the paint tool?"),
+        QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+    return answer != QMessageBox::Yes;
 }
 
 void PaintWindow::answerAndLeave(const QString& answer) {
@@ -344,7 +356,11 @@ void PaintWindow::answerAndLeave(const QString& answer) {
 }
 
 void PaintWindow::closeEvent(QCloseEvent* event) {
-    discard();
+    if (userKeepsPainting()) {
+        event->ignore();
+        return;
+    }
+    answerAndLeave(kDiscardAnswer);
     event->accept();
 }
 

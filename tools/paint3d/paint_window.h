@@ -23,7 +23,8 @@ namespace vessa::paint3d {
 // through the clipboard:
 //   "PAINT3D_SAVE <path>"           saved to path, still painting;
 //   "PAINT3D_SAVE_AND_EXIT <path>"  saved to path, and gone;
-//   "PAINT3D_DISCARD_AND_EXIT"      gone, nothing saved (Discard, or the window closed).
+//   "PAINT3D_DISCARD_AND_EXIT"      gone, nothing saved (Discard, or the window closed;
+//                                   with paint not saved yet, only once the user says so).
 // After an answer that leaves, the window hides and the tool stays until
 // another program takes the clipboard (on X11 the text lives only as long
 // as its owner), or a minute has gone; then it emits finished().
@@ -57,6 +58,8 @@ private:
     // Saves; the answer (prefix and the path written), or "" when nothing was saved.
     QString savedAnswer(const QString& prefix);
     void answerAndLeave(const QString& answer);
+    // Paint not saved yet: asks whether to throw it away. true: the user said No.
+    bool userKeepsPainting();
 
     QString objectFile_;
     std::unique_ptr<PaintSession> session_;
