@@ -5,6 +5,7 @@
 
 #include <QComboBox>
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QLineEdit>
 #include <QSignalBlocker>
 
@@ -60,7 +61,8 @@ void FontLists::showFont(const QFont& font) {
     const QSignalBlocker quietNames(names_);
     const QSignalBlocker quietSizes(sizes_);
     const QSignalBlocker quietEffect(effect_);
-    names_->setCurrentIndex(names_->findText(font.family()));
+    // A family the system lacks is shown as the one that stands in for it.
+    names_->setCurrentIndex(names_->findText(QFontInfo(font).family()));
     sizes_->setCurrentText(QString::number(font.pointSizeF()));
     effect_->setCurrentIndex(font.bold() ? 1 : 0);
 }

@@ -17,6 +17,7 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
+#include <QFontInfo>
 #include <QLineEdit>
 #include <QSettings>
 #include <QTabBar>
@@ -81,6 +82,9 @@ TEST(FontLists, ASizeAndBoldReachAllFourViewsAndTheCodeBoxStaysFixedWidth) {
     Window w;
     ASSERT_TRUE(w.sizes->isVisible() && w.names->isVisible() && w.effect->isVisible());
     const QString codeFamily = w.form->codeBox().editor().font().family();
+    // The names list shows the script's family, or the one that stands in for it.
+    EXPECT_EQ(w.names->currentText(),
+              QFontInfo(w.form->scriptPanel().TreeView1View().font()).family());
 
     w.typeSize(QStringLiteral("17"));
     for (const QFont& font : w.fonts())
