@@ -27,6 +27,7 @@
 #include "text/code_editor.h"
 #include "text/command_line_bar.h"
 #include "text/find_form.h"
+#include "text/font_lists.h"
 #include "world/autosave.h"
 #include "world/code_box_run.h"
 #include "world/open_world.h"
@@ -491,6 +492,9 @@ void MainForm::orderTabStops() {
                              trashCan_,
                              &script.ConstructTreeView(),
                              &script.TreeView1View(),
+                             &fontLists_->FontNames(),
+                             &fontLists_->FontSizes(),
+                             &fontLists_->FontEffect(),
                              &codeBox_->editor(),
                              &commandLine_->CommandLineBox(),
                              &script.CommandLineTreeviewView(),

@@ -29,6 +29,7 @@ class EditMenu;
 class ArbitraryCodeBox;
 class CommandLineBar;
 class FindForm;
+class FontLists;
 class ArchiveDialogs;
 class Autosave;
 class CodeBoxRun;
@@ -118,6 +119,9 @@ public:
     // the Edit menu then works on its text rather than on the script's lines.
     ArbitraryCodeBox& codeBox() { return *codeBox_; }
     bool CodeBoxHasFocus() const;
+    // The script tree's font, as the font lists or the settings set it, onto the line
+    // being built, the code box and the event rows.
+    void ApplyScriptFont();
     // The script text: brings its line (from 1) to the top; selects the line and gives
     // the box the focus, answering the position of the line's first character.
     void ScrollErrorText(int line);
@@ -187,6 +191,7 @@ private:
     void connectRun();
     QWidget* buildCodeBox(QWidget* parent);
     void connectCodeBox();
+    void chooseScriptFont(const QFont& font);
     void showWorldInCodeBoxes();
     void showCodeBoxOfWorld();
     void refreshWorldNames();
@@ -246,6 +251,7 @@ private:
     PictureButton* performScriptButton_ = nullptr; // runs the world
     PictureButton* trafficLightImage_ = nullptr;   // stops it and puts its start back
     CodeEditor* scriptText_ = nullptr;             // the world's Python, shown on demand
+    FontLists* fontLists_ = nullptr;               // over the code box
     ArbitraryCodeBox* codeBox_ = nullptr;          // the user's own Python, under the script
     std::unique_ptr<WorldRun> run_;
     std::unique_ptr<CodeBoxRun> codeBoxRun_;

@@ -2,14 +2,20 @@
 // and the script text (the world's Python as a run hands it to the engine). Their keys,
 // the script text's menu, and the marks of errors on their lines. What runs is the
 // CodeBoxRun's and the WorldRun's; the code box's text is the world's.
+#include "controls/list_control_view.h"
+#include "controls/tree_control_view.h"
+#include "events/event_panel.h"
 #include "script/script_panel.h"
 #include "script/vocabulary.h"
 #include "shell/main_form.h"
 #include "shell/render_form.h"
+#include "shell/window_keeper.h"
 #include "text/arbitrary_code_box.h"
 #include "text/box_keys.h"
 #include "text/code_editor.h"
+#include "text/font_lists.h"
 #include "text/python_highlighter.h"
+#include "text/script_font.h"
 #include "world/code_box_run.h"
 #include "world/open_world.h"
 
@@ -65,8 +71,9 @@ private:
 } // namespace
 
 // The code box, hidden until the world or the user asks for it; the window places it
-// under the script tree, with the divider between them.
+// under the script tree, with the divider between them, and the font lists over it.
 QWidget* MainForm::buildCodeBox(QWidget* parent) {
+    fontLists_ = new FontLists([this] { return scriptPanel_->TreeView1View().font(); }, parent);
     codeBox_ = new ArbitraryCodeBox(parent);
     codeBox_->editor().hide();
     return codeBox_;
@@ -106,6 +113,26 @@ void MainForm::connectCodeBox() {
     world_.script().requests().registerHandler(
         ScriptRequest::Kind::BlankCommand,
         [this](const ScriptRequest& request) { mnuBlankRightB_Click(request.Number); });
+    connect(fontLists_, &FontLists::fontChosen, this, &MainForm::chooseScriptFont);
+    ApplyScriptFont();
+}
+
+// The chosen font is the user's for next time as well.
+void MainForm::chooseScriptFont(const QFont& font) {
+    scriptPanel_->TreeView1View().setFont(font);
+    Preferences& preferences = keeper_->preferences();
+    preferences.fontName = font.family();
+    preferences.fontSize = qRound(font.pointSizeF());
+    preferences.fontBold = font.bold();
+    ApplyScriptFont();
+}
+
+void MainForm::ApplyScriptFont() {
+    const QFont font = scriptPanel_->TreeView1View().font();
+    scriptPanel_->CommandLineTreeviewView().setFont(font);
+    codeBox_->editor().setFont(script_font::forCodeBox(font, codeBox_->editor().font()));
+    eventPanel_->ListView1View().setFont(font);
+    fontLists_->showFont(font);
 }
 
 // "Add Python Code Box" after a warning, and "Remove Python Code Box", which hides the

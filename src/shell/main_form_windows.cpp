@@ -62,6 +62,7 @@ void MainForm::keepHelpForm(QWidget& helpForm) {
 
 void MainForm::RestoreSettings() {
     const WindowSettings& settings = keeper_->RestoreSettings();
+    ApplyScriptFont();
     openingSceneOptions_->restore(settings.preferences.gUseHardwareAcceleration,
                                   settings.preferences.accelerationChosen);
     recentFiles_->restore(settings.recentFiles);

@@ -33,7 +33,7 @@ CodeEditor::CodeEditor(QWidget* parent)
     font.setStyleHint(QFont::TypeWriter);
     setFont(font);
     setLineWrapMode(QPlainTextEdit::NoWrap);
-    setTabStopDistance(fontMetrics().horizontalAdvance(QString(kIndentWidth, u' ')));
+    fitTabStops();
     connect(this, &QPlainTextEdit::blockCountChanged, this, [this] { fitMargin(); });
     connect(this, &QPlainTextEdit::updateRequest, this, [this](const QRect& rect, int dy) {
         if (dy != 0)
@@ -61,6 +61,19 @@ int CodeEditor::marginWidth() const {
 
 void CodeEditor::fitMargin() {
     setViewportMargins(marginWidth(), 0, 0, 0);
+}
+
+void CodeEditor::fitTabStops() {
+    setTabStopDistance(fontMetrics().horizontalAdvance(QString(kIndentWidth, u' ')));
+}
+
+// A new size of the font widens the indents and the numbers with it.
+void CodeEditor::changeEvent(QEvent* event) {
+    QPlainTextEdit::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        fitTabStops();
+        fitMargin();
+    }
 }
 
 void CodeEditor::resizeEvent(QResizeEvent* event) {

@@ -38,6 +38,7 @@ public:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
     bool canInsertFromMimeData(const QMimeData* source) const override;
     void insertFromMimeData(const QMimeData* source) override;
 
@@ -45,6 +46,7 @@ private:
     friend class LineNumberMargin;
     void paintMargin(QPaintEvent* event);
     void fitMargin();
+    void fitTabStops();
     void indentSelection(bool unindent);
     void newLine();
     void showMark();
