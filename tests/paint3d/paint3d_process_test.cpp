@@ -113,11 +113,3 @@ TEST_F(PaintProcess, DiscardAnswersAndTheToolGoesOnceTheAnswerIsTaken) {
 }
 
 } // namespace
-
-int main(int argc, char** argv) {
-    const bool display = !qEnvironmentVariableIsEmpty("DISPLAY");
-    qputenv("QT_QPA_PLATFORM", display ? "xcb" : "offscreen");
-    QApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -266,14 +266,3 @@ TEST(PaintWindow, TheFillToolChosenByKeyFillsThePartInTheMiddleWithSpace) {
 }
 
 } // namespace
-
-int main(int argc, char** argv) {
-    // On a display when there is one (ctest runs under xvfb-run): the view
-    // draws with OpenGL, and the clipboard is the X server's.
-    const bool display = !qEnvironmentVariableIsEmpty("DISPLAY");
-    qputenv("QT_QPA_PLATFORM", display ? "xcb" : "offscreen");
-    QApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    QApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}
