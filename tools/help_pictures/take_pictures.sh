@@ -3,7 +3,7 @@
 # display, driven by the test driver plugin: the first example world on each tab.
 #   tools/help_pictures/take_pictures.sh [BUILD_FOLDER]
 # Needs a build with the example worlds and the test driver (build/tests/plugins), and
-# xvfb-run. The pictures are committed: run this again when the window changes.
+# xvfb-run (its server kept with -noreset). The pictures are committed: run this again when the window changes.
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 build=$(cd "${1:-$here/../../build}" && pwd)
