@@ -2,6 +2,12 @@
 
 #include "text/python_tokens.h"
 
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTimer>
+
+#include <utility>
+
 namespace vessa {
 
 namespace {
@@ -25,7 +31,11 @@ QSet<QString> lowerCased(const QStringList& names) {
 
 } // namespace
 
-PythonHighlighter::PythonHighlighter(QTextDocument* document) : QSyntaxHighlighter(document) {
+PythonHighlighter::PythonHighlighter(QTextDocument* document)
+    : QSyntaxHighlighter(static_cast<QObject*>(document)) {
+    // Told of each edit before the colouring that follows it, to know where it ends.
+    connect(document, &QTextDocument::contentsChange, this, &PythonHighlighter::noteEdit);
+    setDocument(document);
     // Dark colours that keep their contrast on a white page.
     looks_[int(Look::Keyword)] = look(QColor(0, 0, 160), true);
     looks_[int(Look::String)] = look(QColor(160, 32, 0));
@@ -47,7 +57,40 @@ void PythonHighlighter::setWorldNames(const QStringList& commands, const QString
     commands_ = std::move(newCommands);
     objects_ = std::move(newObjects);
     recolouring_ = true;
+    editEnd_ = INT_MAX;
     rehighlight();
+    recolouring_ = false;
+}
+
+void PythonHighlighter::noteEdit(int from, int removed, int added) {
+    // The last line the edit touched, found as the colouring finds it.
+    const QTextBlock last = document()->findBlock(from + added + (removed > 0 ? 1 : 0));
+    editEnd_ = last.isValid() ? last.position() + last.length() : INT_MAX;
+    linesAfterEdit_ = 0;
+}
+
+bool PythonHighlighter::putOff(int stateAfter) {
+    const QTextBlock line = currentBlock();
+    if (line.position() < editEnd_ || ++linesAfterEdit_ <= kLinesPerTurn ||
+        currentBlockState() == stateAfter)
+        return false;
+    // The line keeps the end it had, so the colouring stops after it for this turn.
+    later_.append(QTextCursor(line));
+    if (later_.size() == 1)
+        QTimer::singleShot(0, this, &PythonHighlighter::colourPutOffLines);
+    return true;
+}
+
+void PythonHighlighter::colourPutOffLines() {
+    // The cursors followed any edits made meanwhile to the lines they stand on.
+    const QList<QTextCursor> lines = std::exchange(later_, {});
+    recolouring_ = true;
+    for (const QTextCursor& at : lines) {
+        const QTextBlock line = at.block();
+        editEnd_ = line.position() + line.length();
+        linesAfterEdit_ = 0;
+        rehighlightBlock(line);
+    }
     recolouring_ = false;
 }
 
@@ -82,7 +125,8 @@ void PythonHighlighter::highlightBlock(const QString& text) {
         }
         }
     }
-    setCurrentBlockState(after);
+    if (!putOff(after))
+        setCurrentBlockState(after);
 }
 
 } // namespace vessa

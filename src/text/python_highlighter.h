@@ -1,9 +1,13 @@
 #pragma once
 
+#include <QList>
 #include <QSet>
 #include <QStringList>
 #include <QSyntaxHighlighter>
 #include <QTextCharFormat>
+#include <QTextCursor>
+
+#include <climits>
 
 namespace vessa {
 
@@ -11,6 +15,8 @@ namespace vessa {
 // lines too), comments, numbers, and the names the world knows: its commands and its
 // objects. Each line is coloured from the state the line before ended in, so an edit
 // colours its own line again, and the lines after it only while their start changes.
+// Those lines (all the rest, when a key opens a string in three quotes) are coloured a
+// share per turn of the event loop, so that no key waits for a whole long text.
 class PythonHighlighter : public QSyntaxHighlighter {
     Q_OBJECT
 public:
@@ -25,6 +31,12 @@ public:
     // stays as it was, though the document tells of a change.
     bool recolouring() const { return recolouring_; }
 
+    // Whether lines after an edit still wait for their share of a later turn.
+    bool colouringLater() const { return !later_.isEmpty(); }
+
+    // How many lines after an edit are coloured in one turn of the event loop.
+    static constexpr int kLinesPerTurn = 1000;
+
     enum class Look { Keyword, String, Comment, Number, Command, Object };
     const QTextCharFormat& format(Look look) const;
 
@@ -32,10 +44,19 @@ protected:
     void highlightBlock(const QString& text) override;
 
 private:
+    void noteEdit(int from, int removed, int added);
+    bool putOff(int stateAfter);
+    void colourPutOffLines();
+
     QSet<QString> commands_; // lower case
     QSet<QString> objects_;  // lower case
     QTextCharFormat looks_[6];
     bool recolouring_ = false;
+    // Where the text the last edit changed ends: lines after it are coloured only because
+    // the line before them ended differently, and only kLinesPerTurn of them at once.
+    int editEnd_ = INT_MAX;
+    int linesAfterEdit_ = 0;
+    QList<QTextCursor> later_; // the lines whose ends are not yet told to the next line
 };
 
 } // namespace vessa

@@ -267,6 +267,53 @@ TEST(CodeBox, ColoursFollowTrickyPythonAndTheWorldsNames) {
     EXPECT_EQ(colourAt(w.editor, 2, 0), look(PythonHighlighter::Look::String)); // opens one
 }
 
+// The colours of every line, as (start, length, colour) triples.
+QList<QList<int>> coloursOf(const QTextDocument& document) {
+    QList<QList<int>> lines;
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        QList<int> line;
+        for (const QTextLayout::FormatRange& range : block.layout()->formats())
+            line << range.start << range.length << int(range.format.foreground().color().rgb());
+        lines << line;
+    }
+    return lines;
+}
+
+TEST(CodeBox, AKeyThatRecoloursALongTextLeavesLinesForLaterTurnsThatEndAsIfAtOnce) {
+    BoxInWindow w;
+    const PythonHighlighter& colours = w.editor.highlighter();
+    const QColor string = colours.format(PythonHighlighter::Look::String).foreground().color();
+    const int lines = 4 * PythonHighlighter::kLinesPerTurn;
+    w.box->showText(QStringLiteral("x = 1  # one\n").repeated(lines));
+    // The third quote opens a string in three quotes over every line after it.
+    w.editor.moveCursor(QTextCursor::Start);
+    w.type(QStringLiteral("\"\"\""));
+    EXPECT_TRUE(colours.colouringLater());
+    EXPECT_EQ(colourAt(w.editor, PythonHighlighter::kLinesPerTurn / 2, 4), string);
+    EXPECT_NE(colourAt(w.editor, lines - 2, 4), string);
+    // Edits while lines wait: one closes the string far down, one above it opens another.
+    const auto endOfLine = [&](int line, const QString& text) {
+        QTextCursor at(w.editor.document()->findBlockByNumber(line));
+        at.movePosition(QTextCursor::EndOfBlock);
+        w.editor.setTextCursor(at);
+        w.type(text);
+    };
+    endOfLine(3 * PythonHighlighter::kLinesPerTurn, QStringLiteral("\"\"\""));
+    endOfLine(2 * PythonHighlighter::kLinesPerTurn + 7, QStringLiteral(" '''"));
+    for (int turn = 0; turn < 100 && colours.colouringLater(); ++turn)
+        QApplication::processEvents();
+    EXPECT_FALSE(colours.colouringLater());
+
+    // Every line as a highlighter colours the same text in one go.
+    QTextDocument fresh;
+    fresh.setPlainText(w.editor.toPlainText());
+    PythonHighlighter once(&fresh);
+    once.rehighlight();
+    EXPECT_EQ(coloursOf(*w.editor.document()), coloursOf(fresh));
+    EXPECT_EQ(colourAt(w.editor, lines - 2, 4), // code again after the closing quotes
+              colours.format(PythonHighlighter::Look::Number).foreground().color());
+}
+
 TEST(CodeBox, TheMarkOfAnErrorsLineStaysThroughColouringAndGoesWithAnEdit) {
     BoxInWindow w;
     w.box->showText(QStringLiteral("a = 1\nprint(b)\nc = 3\n"));
