@@ -21,10 +21,6 @@ bool isDigit(QChar c) {
     return c >= u'0' && c <= u'9';
 }
 
-bool isNameCharacter(QChar c) {
-    return c == u' ' || isDigit(c) || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z');
-}
-
 // Digits, with one "/" or "." among them: "1/2", "0.25", "3". A "/" needs a number on
 // either side.
 bool isNumber(const QString& text) {
@@ -146,9 +142,8 @@ EditorAnswer TextInputBox::oneShot(const QString& text, const QString& label) {
 }
 
 EditorAnswer TextInputBox::name(const QString& text, const QString& label) {
-    for (QChar c : text)
-        if (!isNameCharacter(c))
-            return {false, withNameMessage(label, kUseLetters, kAlreadyUsed)};
+    if (!IsAllowedName(text))
+        return {false, withNameMessage(label, kUseLetters, kAlreadyUsed)};
     TreeNode* block = node_.Get();
     if (!block)
         return {};

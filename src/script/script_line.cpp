@@ -6,6 +6,8 @@
 
 #include <QVarLengthArray>
 
+#include <algorithm>
+
 namespace vessa {
 
 using text::InStr;
@@ -267,6 +269,13 @@ BlockKind blockKindOf(const QString& line) {
         together = together || rest.startsWith(u"Together", Qt::CaseInsensitive);
     }
     return together ? BlockKind::Together : BlockKind::None;
+}
+
+bool IsAllowedName(QStringView name) {
+    return std::all_of(name.begin(), name.end(), [](QChar c) {
+        return c == u' ' || (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'Z') ||
+               (c >= u'a' && c <= u'z');
+    });
 }
 
 bool IsBlock(const QString& line) {

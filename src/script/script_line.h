@@ -96,6 +96,10 @@ QString AnimationName(const QString& text);
 bool IsSoundLine(const QString& text);
 bool IsBareSoundLine(const QString& text);
 
+// Whether a name for an animation or a block holds only letters A to Z, digits and
+// blanks (an underscore is not taken either).
+bool IsAllowedName(QStringView name);
+
 // The text forms that are made from a name.
 QString AnimationText(const QString& name);                        // "Walk = DoInOrder"
 QString LabelledBlock(const QString& label, const QString& block); // "Walk : DoTogether"

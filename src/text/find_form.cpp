@@ -185,8 +185,9 @@ void FindForm::tellRefused(const QStringList& lines) {
     auto* box = new QMessageBox(
         QMessageBox::Warning, ReplaceTitle,
         tr("These lines were left as they were: with the change they would no longer be lines "
-           "of the script, or they name an animation or a block, which are renamed by "
-           "clicking their names.\n\n") +
+           "of the script, or an animation or a block would change more than its name, or "
+           "get a name already used or one that is not only letters, numbers and "
+           "blanks.\n\n") +
             lines.mid(0, 10).join(u'\n') +
             (lines.size() > 10 ? QStringLiteral("\n...") : QString()),
         QMessageBox::Ok, this);

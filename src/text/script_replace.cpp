@@ -2,6 +2,7 @@
 
 #include "base/run_time_error.h"
 #include "controls/tree_control.h"
+#include "script/basic_text.h"
 #include "script/script_line.h"
 #include "script/script_model.h"
 #include "text/script_find.h"
@@ -35,37 +36,54 @@ bool parses(const QString& line) {
 
 } // namespace
 
-QString ScriptReplace::replacedLine(const TreeNode* node, const QString& target,
-                                    const QString& with, const FindOptions& options,
-                                    bool& refused) {
-    refused = false;
-    const QString& line = node->Text();
-    const QString shown = lineAsShown(line);
-    int count = 0;
-    const QString replaced = replaceText(shown, target, with, options, count);
-    if (count == 0)
-        return line;
-    if (node->Tag() == PythonLineTag)
-        return replaced;
-    const QString result = withMarkerOf(line, replaced);
-    refused = !node->Parent() || IsBlock(line) || IsBlock(result) || !parses(result);
-    return result;
-}
-
 bool ScriptReplace::replaceIn(TreeNode* node, const QString& target, const QString& with,
                               const FindOptions& options, ScriptReplaceResult& result) {
-    bool refused = false;
-    const QString line = replacedLine(node, target, with, options, refused);
-    if (refused) {
-        result.Refused << line;
+    const QString& line = node->Text();
+    int count = 0;
+    const QString replaced = replaceText(lineAsShown(line), target, with, options, count);
+    if (count == 0)
         return false;
+    if (node->Tag() == PythonLineTag) {
+        change(node, replaced);
+    } else if (!node->Parent() || IsBlock(line)) {
+        if (!renames(node, replaced)) {
+            result.Refused << replaced;
+            return false;
+        }
+    } else {
+        const QString changed = withMarkerOf(line, replaced);
+        if (IsBlock(changed) || !parses(changed)) {
+            result.Refused << changed;
+            return false;
+        }
+        change(node, changed);
     }
-    if (line == node->Text())
-        return false;
-    model_.UndoLog(UndoOperation::Changed, node);
-    model_.TreeView1().SetText(node, line);
     ++result.Lines;
     return true;
+}
+
+bool ScriptReplace::renames(TreeNode* node, const QString& replaced) {
+    const QString& line = node->Text();
+    // What follows the name: " = DoInOrder" of an animation, " : DoTogether" of a block,
+    // the whole of a block without a name.
+    const int labelEnd = text::InStr(line, u" : ");
+    const QString rest = !node->Parent() ? line.mid(AnimationName(line).size())
+                         : labelEnd > 0  ? line.mid(labelEnd - 1)
+                                         : line;
+    if (rest.isEmpty() || rest == line || !replaced.endsWith(rest))
+        return false;
+    const QString name = replaced.chopped(rest.size());
+    if (name.trimmed().isEmpty() || !IsAllowedName(name))
+        return false;
+    if (!node->Parent())
+        return model_.RenameAnimation(node, name);
+    change(node, replaced);
+    return true;
+}
+
+void ScriptReplace::change(TreeNode* node, const QString& text) {
+    model_.UndoLog(UndoOperation::Changed, node);
+    model_.TreeView1().SetText(node, text);
 }
 
 ScriptReplaceResult ScriptReplace::ReplaceInSelected(const QString& target, const QString& with,

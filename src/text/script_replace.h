@@ -18,10 +18,11 @@ struct ScriptReplaceResult {
 };
 
 // Replace over the script's lines as they are shown (without the "more..." marker,
-// which each line keeps). A command line must still parse after the replace and a
-// Python line may hold anything; animations and blocks are renamed by their own editor
-// and are left alone. Each change is recorded in the script's undo log, and a
-// replace of all is one step of undo.
+// which each line keeps). Each kind of line keeps what makes it that kind: a command
+// line must still parse, a Python line may hold anything, and an animation or a block
+// may change only its name, to a name allowed and, for an animation, not yet used; an
+// animation's events follow its new name. Each change is recorded in the script's undo
+// log, and a replace of all is one step of undo.
 class ScriptReplace {
 public:
     explicit ScriptReplace(ScriptModel& model) : model_(model) {}
@@ -33,15 +34,13 @@ public:
     ScriptReplaceResult ReplaceAll(const QString& target, const QString& with,
                                    const FindOptions& options);
 
-    // The text node would have with target replaced; the same text when it does not
-    // hold target. refused is set when the new text is no line the script can read.
-    static QString replacedLine(const TreeNode* node, const QString& target, const QString& with,
-                                const FindOptions& options, bool& refused);
-
 private:
     // Replaces in node, recording the change; answers whether it changed.
     bool replaceIn(TreeNode* node, const QString& target, const QString& with,
                    const FindOptions& options, ScriptReplaceResult& result);
+    // The new text of an animation's root or a block, when only its name changed.
+    bool renames(TreeNode* node, const QString& replaced);
+    void change(TreeNode* node, const QString& text);
 
     ScriptModel& model_; // Not owned.
 };

@@ -33,7 +33,7 @@ TEST(TextSearch, CaseAndWholeWordsAreChoices) {
     EXPECT_EQ(replaced, 1);
 }
 
-// Two animations: Action1 with two lines and a block of one, Walk with one line.
+// Two animations: Action1 with two lines and a block of one, Action2 with one line.
 struct Script : ::testing::Test {
     FakeScriptHost host;
     ScriptModel model{host};
@@ -155,18 +155,46 @@ TEST_F(Script, ReplaceAllChangesEveryLineAndOneUndoTakesItAllBack) {
     EXPECT_EQ(tree.RootCount(), 1);
 }
 
-TEST_F(Script, AReplaceThatBreaksALineOrNamesAnAnimationIsRefused) {
+TEST_F(Script, AReplaceThatBreaksALineOrTheKindOfALineIsRefused) {
     ScriptReplace replace(model);
     // "Move(" would become "Hop(": no command of that name.
     ScriptReplaceResult result = replace.ReplaceAll("Move", "Hop", {true, true});
     EXPECT_EQ(result.Lines, 0);
     EXPECT_EQ(result.Refused.size(), 3);
     EXPECT_EQ(move->Text(), "Camera.Move(Forward, 1, more...)");
-    // The block "Hop" keeps its name: its own editor renames it.
+    // A block stays a block of its kind, and a name stays a name.
+    result = replace.ReplaceAll("Together", "InOrder", AnyCase);
+    EXPECT_EQ(result.Refused, QStringList{"Hop : DoInOrder"});
+    result = replace.ReplaceAll("Hop", "Hop_2", AnyCase);
+    EXPECT_EQ(result.Refused, QStringList{"Hop_2 : DoTogether"});
+    result = replace.ReplaceAll("Hop", "", AnyCase);
+    EXPECT_EQ(result.Refused, QStringList{" : DoTogether"});
+    // An animation can't take a name another one has.
+    result = replace.ReplaceAll("Action2", "action1", AnyCase);
+    EXPECT_EQ(result.Refused, QStringList{"action1 = DoInOrder"});
+    EXPECT_EQ(walk->Text(), "Action2 = DoInOrder");
+    EXPECT_TRUE(model.TreeUndoRecords().Text().count(u'\n') == 1); // only Action2's making
+}
+
+TEST_F(Script, ReplaceRenamesAnimationsWithTheirEventsAndBlocksAsOneUndoStep) {
+    ScriptReplace replace(model);
+    host.eventRowsOfRenamedAnimation = 2;
+    ScriptReplaceResult result = replace.ReplaceAll("Action2", "Stroll About", AnyCase);
+    EXPECT_EQ(result.Lines, 1);
+    EXPECT_EQ(walk->Text(), "Stroll About = DoInOrder");
+    EXPECT_EQ(walk->Key(), "stroll about");
+    EXPECT_EQ(host.animationRenames, QStringList{"Action2 -> Stroll About"});
+    EXPECT_TRUE(model.AnimationNames().Text().contains("Stroll About"));
     result = replace.ReplaceAll("Hop", "Skip", AnyCase);
-    EXPECT_EQ(result.Refused, QStringList{"Skip : DoTogether"});
+    EXPECT_EQ(result.Lines, 1);
+    EXPECT_EQ(block->Text(), "Skip : DoTogether");
+
+    model.UndoFromLog();
     EXPECT_EQ(block->Text(), "Hop : DoTogether");
-    EXPECT_TRUE(model.TreeUndoRecords().Text().count(u'\n') == 1); // only Walk's making
+    model.UndoFromLog();
+    EXPECT_EQ(walk->Text(), "Action2 = DoInOrder");
+    EXPECT_FALSE(model.AnimationNames().Text().contains("Stroll"));
+    EXPECT_EQ(host.eventUndos, 2); // the rows renamed with it came back too
 }
 
 TEST_F(Script, ReplaceChangesTheSelectedLineOnlyAndAPythonLineTakesAnyText) {
