@@ -65,12 +65,16 @@ const Control kControls[] = {
     {"ListView1", Events},
     {"TreeView1", Script},
     {"SplitterH3", Script},
+    {"FontNamesLabel", Script},
     {"FontNames", Script},
+    {"FontSizesLabel", Script},
     {"FontSizes", Script},
+    {"FontEffectLabel", Script},
     {"FontEffect", Script},
     {"LineLabel", Script},
     {"ArbitraryCodeBox", Script},
     {"ScriptText", Script},
+    {"CommandLineBoxLabel", Script},
     {"CommandLineTreeview", Script},
     {"CommandLineBox", Script},
     {"GoButton", Script},
@@ -248,7 +252,14 @@ private:
         if (lineShown || shows("GoButton")) {
             const int rowTop = bottom - kPictureRow;
             const int goWidth = shows("GoButton") ? kPictureRow + buttonGap_ : 0;
-            const QRect line = box(area.left(), rowTop, area.width() - goWidth, kPictureRow);
+            const int labelWidth =
+                shows("CommandLineBoxLabel")
+                    ? std::min(hint("CommandLineBoxLabel", {0, 0}).width(), area.width() / 4)
+                    : 0;
+            put("CommandLineBoxLabel", box(area.left(), rowTop, labelWidth, kPictureRow));
+            const int lineLeft = area.left() + (labelWidth > 0 ? labelWidth + buttonGap_ : 0);
+            const QRect line =
+                box(lineLeft, rowTop, area.right() + 1 - lineLeft - goWidth, kPictureRow);
             put("CommandLineTreeview", line);
             put("CommandLineBox", line);
             put("GoButton", box(area.right() + 1 - kPictureRow, rowTop, kPictureRow, kPictureRow));
@@ -280,8 +291,11 @@ private:
         const int toolsRow = std::max(
             {hint("FontNames", {0, 0}).height(), hint("FontSizes", {0, 0}).height(), kPictureRow});
         const bool toolsFit = code.height() >= toolsRow + gap_ + kPictureRow;
-        const int tools =
-            toolsFit ? flow({"FontNames", "FontSizes", "FontEffect", "LineLabel"}, code) : 0;
+        const int tools = toolsFit
+                              ? flow({"FontNamesLabel", "FontNames", "FontSizesLabel", "FontSizes",
+                                      "FontEffectLabel", "FontEffect", "LineLabel"},
+                                     code)
+                              : 0;
         const int codeTop = code.top() + (tools > 0 ? tools + gap_ : 0);
         put("ArbitraryCodeBox",
             box(code.left(), codeTop, code.width(), code.bottom() + 1 - codeTop));

@@ -2,6 +2,7 @@
 
 #include "base/run_time_error.h"
 #include "controls/accessible_names.h"
+#include "controls/control_label.h"
 #include "controls/picture_button.h"
 #include "controls/tree_control.h"
 #include "controls/tree_control_view.h"
@@ -14,6 +15,7 @@
 #include <QCompleter>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QStringListModel>
@@ -67,9 +69,11 @@ CommandLineBar::CommandLineBar(EngineLink& engine, ErrorReporter& reporter,
     treeFace_.setParent(this);
     treeFace_.installEventFilter(this);
     treeFace_.hide();
+    auto* label = labelFor(box_, tr("Command:"));
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(label);
     layout->addWidget(box_, 1);
     layout->addWidget(&treeFace_, 1);
     layout->addWidget(go_);
@@ -190,6 +194,14 @@ void CommandLineBar::showHelp(const QString& title, const QString& text) {
 }
 
 bool CommandLineBar::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride) {
+        // F5 and F12 belong to the line ahead of the window's shortcuts for them.
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_F5 || key == Qt::Key_F12) {
+            event->accept();
+            return true;
+        }
+    }
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     const auto* key = static_cast<QKeyEvent*>(event);

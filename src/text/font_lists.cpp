@@ -1,5 +1,6 @@
 #include "text/font_lists.h"
 
+#include "controls/control_label.h"
 #include "text/box_keys.h"
 #include "text/script_font.h"
 
@@ -15,10 +16,12 @@ namespace vessa {
 
 namespace {
 
-QComboBox* makeList(const char* name, const QStringList& entries, QWidget* parent) {
+QComboBox* makeList(const char* name, const QString& label, const QStringList& entries,
+                    QWidget* parent) {
     auto* list = new QComboBox(parent);
     list->setObjectName(QString::fromLatin1(name));
     list->addItems(entries);
+    labelFor(list, label);
     return list;
 }
 
@@ -26,9 +29,9 @@ QComboBox* makeList(const char* name, const QStringList& entries, QWidget* paren
 
 FontLists::FontLists(std::function<QFont()> current, QWidget* parent)
     : QObject(parent), current_(std::move(current)),
-      names_(makeList("FontNames", QFontDatabase::families(), parent)),
-      sizes_(makeList("FontSizes", script_font::sizes(), parent)),
-      effect_(makeList("FontEffect", script_font::effects(), parent)) {
+      names_(makeList("FontNames", tr("Font:"), QFontDatabase::families(), parent)),
+      sizes_(makeList("FontSizes", tr("Size:"), script_font::sizes(), parent)),
+      effect_(makeList("FontEffect", tr("Effect:"), script_font::effects(), parent)) {
     sizes_->setEditable(true);
     sizes_->setInsertPolicy(QComboBox::NoInsert);
     sizes_->setCompleter(nullptr); // the size is what the user typed
@@ -53,6 +56,11 @@ FontLists::FontLists(std::function<QFont()> current, QWidget* parent)
         keys->add(Qt::Key_Return, typed);
         keys->add(Qt::Key_Enter, typed);
     }
+    // Leaving the list takes a size typed without Enter, unless it is the size already.
+    connect(sizes_->lineEdit(), &QLineEdit::editingFinished, this, [this, typed] {
+        if (sizes_->currentText() != QString::number(current_().pointSizeF()))
+            typed();
+    });
     connect(effect_, &QComboBox::activated, this,
             [this, offer](int index) { offer(script_font::withEffect(current_(), index)); });
 }

@@ -13,7 +13,9 @@ namespace vessa {
 // The three lists over the code box that choose the script's font: the families the
 // system has, the sizes (another may be typed, then Enter), and "Normal Text" or "Bold
 // Text". Each choice is made on the font `current` gives and offered as fontChosen; a
-// choice that can't be applied is dropped, and nothing changes.
+// choice that can't be applied is dropped, and nothing changes. A size typed is taken
+// with Enter or when the focus leaves the list. Each list has a label beside it, which
+// also names it to a screen reader (whose name of a list is its value).
 class FontLists : public QObject {
     Q_OBJECT
 public:

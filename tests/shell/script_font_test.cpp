@@ -15,9 +15,11 @@
 #include "support/window_wait.h"
 
 #include <QAbstractItemView>
+#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
 #include <QFontInfo>
+#include <QLabel>
 #include <QLineEdit>
 #include <QSettings>
 #include <QTabBar>
@@ -74,6 +76,13 @@ struct Window : MainFormHarness {
         QTest::keyClick(typing, Qt::Key_Return);
     }
 };
+
+// What a screen reader says names control: the text of the label that labels it.
+QString labelOf(QWidget* control) {
+    const auto labels =
+        QAccessible::queryAccessibleInterface(control)->relations(QAccessible::Label);
+    return labels.isEmpty() ? QString() : labels.first().first->text(QAccessible::Name);
+}
 
 } // namespace
 
@@ -140,9 +149,44 @@ TEST(FontLists, TabReachesTheNamedListsBetweenTheScriptAndTheCodeBox) {
         reached << (now && now->parentWidget() == w.sizes ? w.sizes : now);
     }
     EXPECT_EQ(reached, (QList<QWidget*>{w.names, w.sizes, w.effect, &w.form->codeBox().editor()}));
-    EXPECT_EQ(w.names->accessibleName(), QStringLiteral("Script font"));
-    EXPECT_EQ(w.sizes->accessibleName(), QStringLiteral("Script font size"));
-    EXPECT_EQ(w.effect->accessibleName(), QStringLiteral("Script font effect"));
+    // A reader names a list by its label (the list's own name is its value).
+    EXPECT_EQ(labelOf(w.names), QStringLiteral("Font:"));
+    EXPECT_EQ(labelOf(w.sizes), QStringLiteral("Size:"));
+    EXPECT_EQ(labelOf(w.effect), QStringLiteral("Effect:"));
+}
+
+TEST(FontLists, ASizeTypedIsTakenWhenTheFocusLeavesTheList) {
+    CodeBoxShown preferences;
+    Window w;
+    QTest::mouseClick(w.sizes->lineEdit(), Qt::LeftButton);
+    QWidget* typing = QApplication::focusWidget();
+    QTest::keyClick(typing, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(typing, QStringLiteral("19"));
+    QTest::keyClick(typing, Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), w.effect);
+    for (const QFont& font : w.fonts())
+        EXPECT_EQ(font.pointSize(), 19);
+}
+
+TEST(CommandLine, ItsLabelNamesTheBoxAndF12ReachesTheLineInTheWindow) {
+    CodeBoxShown preferences;
+    Window w;
+    auto* box = w.form->findChild<QComboBox*>(QStringLiteral("CommandLineBox"));
+    auto* label = w.form->findChild<QLabel*>(QStringLiteral("CommandLineBoxLabel"));
+    ASSERT_TRUE(box && label && label->isVisible());
+    EXPECT_LT(label->geometry().right(), box->geometry().left());
+    box->setFocus();
+    box->setEditText(QStringLiteral("x = 1")); // what the reader would say as its name
+    EXPECT_EQ(labelOf(box), QStringLiteral("Command:"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_F12);
+    // The window's own F12 (the world's Python) does not take the key from the line.
+    QWidget* tree = &w.form->scriptPanel().CommandLineTreeviewView();
+    ASSERT_EQ(QApplication::focusWidget(), tree);
+    EXPECT_TRUE(box->isHidden());
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(tree)->text(QAccessible::Name),
+              QStringLiteral("Line being built"));
+    QTest::keyClick(tree, Qt::Key_F12);
+    EXPECT_TRUE(box->isVisible());
 }
 
 TEST(FontLists, TheChosenFontComesBackAfterARestart) {
