@@ -254,9 +254,11 @@ private:
             const int goWidth = shows("GoButton") ? kPictureRow + buttonGap_ : 0;
             const int labelWidth =
                 shows("CommandLineBoxLabel")
-                    ? std::min(hint("CommandLineBoxLabel", {0, 0}).width(), area.width() / 4)
+                    ? std::min(std::max(hint("CommandLineBoxLabel", {0, 0}).width(), kPictureRow),
+                               area.width() / 4)
                     : 0;
-            put("CommandLineBoxLabel", box(area.left(), rowTop, labelWidth, kPictureRow));
+            if (labelWidth > 0)
+                put("CommandLineBoxLabel", box(area.left(), rowTop, labelWidth, kPictureRow));
             const int lineLeft = area.left() + (labelWidth > 0 ? labelWidth + buttonGap_ : 0);
             const QRect line =
                 box(lineLeft, rowTop, area.right() + 1 - lineLeft - goWidth, kPictureRow);
