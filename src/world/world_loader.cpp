@@ -87,8 +87,7 @@ bool WorldLoader::load(const QString& folder, const QString& name) {
         const QString path = fileInFolder(folder, file);
         if (const DiskProblem problem = checkReadable(path);
             !problem.isEmpty() && (file == world_files::Scene || QFileInfo::exists(path)))
-            return refuse(folder,
-                          QFileInfo(path).fileName() + QStringLiteral(": ") + problem.reason,
+            return refuse(folder, QFileInfo(path).fileName() + QStringLiteral(": ") + problem.reason,
                           readAdvice(problem));
     }
     const ScriptFileRead script = readTreeScript(fileInFolder(folder, world_files::TreeScript));
