@@ -109,7 +109,7 @@ MailSettingsForm::MailSettingsForm(const MailServer& server, QWidget* parent)
     form->addRow(QStringLiteral("S&ecurity:"), security_);
     form->addRow(QStringLiteral("&User name:"), user_);
     form->addRow(QStringLiteral("Pass&word:"), password_);
-    caFile_->setPlaceholderText(QStringLiteral("The ones this computer trusts"));
+    caFile_->setPlaceholderText(QStringLiteral("This computer's own"));
     auto* browse =
         named(new QPushButton(QStringLiteral("&Browse..."), this), "MailServerCertificateBrowse");
     connect(browse, &QPushButton::clicked, this, [this] {
@@ -122,7 +122,9 @@ MailSettingsForm::MailSettingsForm(const MailServer& server, QWidget* parent)
     auto* certificate = new QHBoxLayout;
     certificate->addWidget(caFile_);
     certificate->addWidget(browse);
-    form->addRow(QStringLiteral("&Trusted certificate:"), certificate);
+    auto* certificateLabel = new QLabel(QStringLiteral("&Trusted certificate:"), this);
+    certificateLabel->setBuddy(caFile_);
+    form->addRow(certificateLabel, certificate);
     QDialogButtonBox* buttons = okAndCancel(this);
     connect(buttons, &QDialogButtonBox::accepted, this, [this] {
         if (host_->text().trimmed().isEmpty()) {
@@ -134,7 +136,7 @@ MailSettingsForm::MailSettingsForm(const MailServer& server, QWidget* parent)
     });
     form->addRow(buttons);
     applyAccessibleNames(this);
-    resize(420, sizeHint().height());
+    resize(460, sizeHint().height());
 }
 
 MailServer MailSettingsForm::server() const {
