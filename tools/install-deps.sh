@@ -9,7 +9,7 @@ packages=(
     cmake ninja-build g++ pkg-config clang-format
     qt6-base-dev qt6-base-dev-tools libqt6opengl6-dev libgl-dev libglu1-mesa-dev
     libopenscenegraph-dev openscenegraph fonts-dejavu-core
-    pybind11-dev python3.11-dev python3-pytest python3-aiosmtpd
+    pybind11-dev python3.11-dev python3-pytest python3-aiosmtpd openssl
     libgtest-dev libgmock-dev libbenchmark-dev
     libopenal-dev libsndfile1-dev libzip-dev libassimp-dev libcurl4-openssl-dev
     xvfb xauth libgl1-mesa-dri mesa-utils libegl-dev libegl-mesa0 xdotool

@@ -123,6 +123,9 @@ const QHash<QString, QString>& table() {
         {QStringLiteral("MailServerSecurity"), QStringLiteral("Security")},
         {QStringLiteral("MailServerUser"), QStringLiteral("User name")},
         {QStringLiteral("MailServerPassword"), QStringLiteral("Password")},
+        {QStringLiteral("MailServerCertificate"), QStringLiteral("Trusted certificate")},
+        {QStringLiteral("MailServerCertificateBrowse"),
+         QStringLiteral("Choose a trusted certificate")},
         // Help window, and the window about the program
         {QStringLiteral("WebBrowser1"), QStringLiteral("Help page")},
         {QStringLiteral("NameList"), QStringLiteral("Who made Vessa47")},

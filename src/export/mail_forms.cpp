@@ -4,7 +4,9 @@
 
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QFileDialog>
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -86,7 +88,8 @@ MailSettingsForm::MailSettingsForm(const MailServer& server, QWidget* parent)
       port_(named(new QSpinBox(this), "MailServerPort")),
       security_(named(new QComboBox(this), "MailServerSecurity")),
       user_(named(new QLineEdit(server.user, this), "MailServerUser")),
-      password_(named(new QLineEdit(server.password, this), "MailServerPassword")) {
+      password_(named(new QLineEdit(server.password, this), "MailServerPassword")),
+      caFile_(named(new QLineEdit(server.caFile, this), "MailServerCertificate")) {
     setObjectName(QStringLiteral("MailSettingsForm"));
     setWindowTitle(QStringLiteral("Vessa47 - Mail Settings"));
     port_->setRange(1, 65535);
@@ -106,6 +109,22 @@ MailSettingsForm::MailSettingsForm(const MailServer& server, QWidget* parent)
     form->addRow(QStringLiteral("S&ecurity:"), security_);
     form->addRow(QStringLiteral("&User name:"), user_);
     form->addRow(QStringLiteral("Pass&word:"), password_);
+    caFile_->setPlaceholderText(QStringLiteral("This computer's own"));
+    auto* browse =
+        named(new QPushButton(QStringLiteral("&Browse..."), this), "MailServerCertificateBrowse");
+    connect(browse, &QPushButton::clicked, this, [this] {
+        const QString file = QFileDialog::getOpenFileName(
+            this, QStringLiteral("Trusted Certificate"), caFile_->text(),
+            QStringLiteral("Certificates (*.pem *.crt *.cer);;All Files (*)"));
+        if (!file.isEmpty())
+            caFile_->setText(file);
+    });
+    auto* certificate = new QHBoxLayout;
+    certificate->addWidget(caFile_);
+    certificate->addWidget(browse);
+    auto* certificateLabel = new QLabel(QStringLiteral("&Trusted certificate:"), this);
+    certificateLabel->setBuddy(caFile_);
+    form->addRow(certificateLabel, certificate);
     QDialogButtonBox* buttons = okAndCancel(this);
     connect(buttons, &QDialogButtonBox::accepted, this, [this] {
         if (host_->text().trimmed().isEmpty()) {
@@ -117,13 +136,16 @@ MailSettingsForm::MailSettingsForm(const MailServer& server, QWidget* parent)
     });
     form->addRow(buttons);
     applyAccessibleNames(this);
-    resize(420, sizeHint().height());
+    resize(460, sizeHint().height());
 }
 
 MailServer MailSettingsForm::server() const {
-    return {host_->text().trimmed(), port_->value(),
-            static_cast<MailServer::Security>(security_->currentIndex()), user_->text(),
-            password_->text()};
+    return {host_->text().trimmed(),
+            port_->value(),
+            static_cast<MailServer::Security>(security_->currentIndex()),
+            user_->text(),
+            password_->text(),
+            caFile_->text().trimmed()};
 }
 
 } // namespace vessa

@@ -30,7 +30,8 @@ private:
     QPlainTextEdit* myMessage_;
 };
 
-// The mail server, its port, security and account, set once by the user.
+// The mail server, its port, security, account and the certificate it is trusted by, set
+// once by the user.
 class MailSettingsForm : public QDialog {
     Q_OBJECT
 public:
@@ -43,6 +44,7 @@ private:
     QComboBox* security_;
     QLineEdit* user_;
     QLineEdit* password_;
+    QLineEdit* caFile_;
 };
 
 } // namespace vessa

@@ -16,11 +16,15 @@ struct MailServer {
     Security security = Security::StartTls;
     QString user; // empty: the server takes mail without a login
     QString password;
+    // The certificate (or certificates) that a server signed by a school's own authority
+    // is trusted by; empty: the ones this computer trusts.
+    QString caFile;
 
     bool complete() const { return !host.isEmpty() && port > 0 && port < 65536; }
 };
 
 // The server as the user set it in userFile, else as a teacher preset it in presetFile.
+// A certificate file named without a folder is found beside the file that names it.
 MailServer loadMailServer(const QString& userFile, const QString& presetFile);
 bool saveMailServer(const MailServer& server, const QString& userFile);
 

@@ -1,5 +1,6 @@
 #include "world/world_archive.h"
 
+#include "export/web_export.h"
 #include "gateway/app_state.h"
 #include "gateway/engine_link.h"
 #include "gateway/error_reporter.h"
@@ -13,6 +14,13 @@
 #include <QFileInfo>
 
 namespace vessa {
+
+namespace {
+
+const QString kSaveForPluginFailure =
+    QStringLiteral("WebSaveForm:OkButton:Click - Error calling python saveforplugin.");
+
+} // namespace
 
 QString WorldArchive::scratchFolder() {
     QString temp = qEnvironmentVariable("TEMP");
@@ -74,14 +82,35 @@ QString WorldArchive::packOpenWorld() {
     WorldContext& context = files_.context();
     const QString folder = context.world.status().worldSaveFile();
     const QString leaf = QFileInfo(folder).fileName();
+    // The page goes with the archive, as a web page of the world would be written, so
+    // that a friend without Vessa47 can see the world too.
+    WebPageRequest request;
+    request.worldFolder = folder;
+    request.pageFile = QDir(folder).filePath(leaf + QStringLiteral(".html"));
+    request.position = QStringLiteral("center");
     const QString archive = QDir(folder).filePath(leaf + QStringLiteral(".ves"));
-    const ArchiveOutcome packed = view_.runWithProgress(
-        QStringLiteral("Packing ") + leaf + QStringLiteral("..."),
-        [&](const ArchiveProgress& progress) {
-            return packWorldArchive(folder, archive, context.state.VersionText, progress);
-        });
+    ArchiveOutcome packed;
+    try {
+        packed = view_.runWithProgress(
+            QStringLiteral("Packing ") + leaf + QStringLiteral("..."),
+            [&](const ArchiveProgress& progress) {
+                const WebExportResult written =
+                    WebExport(context.engine, context.state.HomeDir + QStringLiteral("WebPlayer"))
+                        .run(request, [&](double fraction, const QString&) {
+                            return progress(qint64(fraction * 1000), 1000);
+                        });
+                if (written.outcome == WebExportResult::Cancelled)
+                    return ArchiveOutcome{ArchiveOutcome::Kind::Cancelled, {}, {}};
+                if (written.outcome == WebExportResult::Failed)
+                    return ArchiveOutcome{ArchiveOutcome::Kind::Refused, written.message, {}};
+                return ArchiveOutcome{};
+            });
+    } catch (const RunTimeError& e) {
+        context.reporter.reportAtTop(ReportForm::C, kSaveForPluginFailure, e);
+        return {};
+    }
     if (packed.kind == ArchiveOutcome::Kind::Refused)
-        context.view.showMessage(QStringLiteral("Send To A Friend"), packed.message);
+        context.reporter.CheckInterpreterResult(packed.message, kSaveForPluginFailure);
     return packed.done() ? archive : QString();
 }
 

@@ -9,6 +9,9 @@
 #include "world/world_files_view.h"
 #include "world/world_folder.h"
 
+#include <QDir>
+#include <QFileInfo>
+
 namespace vessa {
 
 WorldFiles::WorldFiles(WorldContext context, RecoveryStore& recovery)
@@ -124,6 +127,15 @@ void WorldFiles::FileSaveAsMenuButton_Click() {
                 continue;
             if (answer == WorldFilesView::Answer::Cancel)
                 return;
+        }
+        // A new name in the dialog is a new folder for the world.
+        if (!QFileInfo(folder).isDir() && !QDir().mkpath(folder)) {
+            context_.view.showMessage(
+                QStringLiteral("Vessa - Error"),
+                QStringLiteral("Error - I was unable to create the directory you specified.  Do "
+                               "you have permission to create directories there?  Your world has "
+                               "NOT been saved."));
+            return;
         }
         result_ = SaveWorld(folder);
         return;

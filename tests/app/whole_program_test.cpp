@@ -1,6 +1,7 @@
+#include "app/program_run.h"
+
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -12,47 +13,9 @@
 // Starts the built program as a user would, headless, with a home folder and
 // settings of its own, driven by the test driver plugin.
 
+using namespace vessa::testing;
+
 namespace {
-
-struct ProgramRun {
-    bool finished = false;
-    int exitCode = -1;
-    QString errors; // standard error, where the driver reports
-};
-
-// With settings kept in configFolder.
-ProgramRun runProgram(const QString& program, const QString& script, const QString& configFolder) {
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    env.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("vessatestdriver"));
-    env.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(VESSA_TEST_PLUGIN_DIR));
-    env.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
-    env.insert(QStringLiteral("XDG_CONFIG_HOME"), configFolder);
-    // Work kept for recovery goes there too, away from the user's own.
-    env.insert(QStringLiteral("XDG_DATA_HOME"), configFolder + QStringLiteral("/data"));
-    env.insert(QStringLiteral("VESSA47_DRIVER_SCRIPT"), script);
-    // The program finds its home and its engine beside itself.
-    env.remove(QStringLiteral("VESSA47_HOME"));
-    env.remove(QStringLiteral("PYTHONPATH"));
-    QProcess process;
-    process.setProcessEnvironment(env);
-    process.start(program, {});
-    ProgramRun run;
-    if (!process.waitForStarted(10000))
-        return run;
-    run.finished = process.waitForFinished(60000);
-    if (!run.finished)
-        process.kill();
-    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    run.errors = QString::fromLocal8Bit(process.readAllStandardError());
-    return run;
-}
-
-// With settings of its own, which go when it ends.
-ProgramRun runProgram(const QString& program, const QString& script) {
-    QTemporaryDir config;
-    return runProgram(program, script, config.path());
-}
 
 // Where the engine had an object, each time the driver read it: place, then turn.
 struct Placement {

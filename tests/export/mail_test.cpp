@@ -1,17 +1,12 @@
 #include "export/friend_mail.h"
 #include "export/mail_sender.h"
 
+#include "support/smtp_server.h"
+
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
-#include <QProcess>
-#include <QRegularExpression>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
-
-#include <map>
 
 // A world goes to friends as a real mail: the form's fields become the client's command
 // line, and the client's mail reaches a real SMTP server on this machine with every
@@ -20,129 +15,7 @@
 namespace {
 
 using namespace vessa;
-
-int freePort() {
-    QTcpServer probe;
-    probe.listen(QHostAddress::LocalHost, 0);
-    return probe.serverPort();
-}
-
-// Debian's aiosmtpd on the loopback address, keeping what it receives in a maildir; with
-// a size limit it refuses bigger mail.
-class SmtpServer {
-public:
-    explicit SmtpServer(const QString& maildir, int sizeLimit = 0) : port_(freePort()) {
-        QStringList arguments{QStringLiteral("-m"),
-                              QStringLiteral("aiosmtpd"),
-                              QStringLiteral("-n"),
-                              QStringLiteral("-l"),
-                              QStringLiteral("127.0.0.1:%1").arg(port_),
-                              QStringLiteral("-c"),
-                              QStringLiteral("aiosmtpd.handlers.Mailbox")};
-        if (sizeLimit > 0)
-            arguments << QStringLiteral("-s") << QString::number(sizeLimit);
-        server_.start(QStringLiteral("/usr/bin/python3"), arguments << maildir);
-        // Ready once it takes connections.
-        for (int attempt = 0; attempt < 300; ++attempt) {
-            QTcpSocket probe;
-            probe.connectToHost(QHostAddress::LocalHost, quint16(port_));
-            if (probe.waitForConnected(100)) {
-                ready_ = true;
-                return;
-            }
-            server_.waitForFinished(100);
-        }
-    }
-    ~SmtpServer() {
-        server_.kill();
-        server_.waitForFinished();
-    }
-    bool ready() const { return ready_; }
-    MailServer address() const {
-        MailServer server;
-        server.host = QStringLiteral("127.0.0.1");
-        server.port = port_;
-        server.security = MailServer::Security::None;
-        return server;
-    }
-
-private:
-    int port_;
-    QProcess server_;
-    bool ready_ = false;
-};
-
-// One received mail: its headers by lower-case name, and its parts' decoded bytes by
-// file name ("" for the text).
-struct Received {
-    std::map<QByteArray, QByteArray> headers;
-    std::map<QString, QByteArray> parts;
-};
-
-std::map<QByteArray, QByteArray> headersOf(const QByteArray& block) {
-    std::map<QByteArray, QByteArray> headers;
-    QByteArray last;
-    for (const QByteArray& line : block.split('\n')) {
-        if ((line.startsWith(' ') || line.startsWith('\t')) && !last.isEmpty()) {
-            headers[last] += line.trimmed();
-            continue;
-        }
-        const qsizetype colon = line.indexOf(':');
-        if (colon > 0)
-            headers[last = line.left(colon).toLower()] = line.mid(colon + 1).trimmed();
-    }
-    return headers;
-}
-
-Received parse(QByteArray message) {
-    message.replace("\r\n", "\n");
-    Received received;
-    const qsizetype end = message.indexOf("\n\n");
-    received.headers = headersOf(message.left(end));
-    const QRegularExpression boundaryOf(QStringLiteral("boundary=\"?([^\";]+)\"?"));
-    const QByteArray boundary =
-        "--" +
-        boundaryOf.match(QString::fromUtf8(received.headers["content-type"])).captured(1).toUtf8();
-    const QList<QByteArray> parts = message.mid(end + 2).split('\n');
-    QByteArray part;
-    const auto finish = [&] {
-        const qsizetype split = part.indexOf("\n\n");
-        if (split < 0)
-            return;
-        const auto headers = headersOf(part.left(split));
-        const QRegularExpression fileName(QStringLiteral("filename=\"([^\"]+)\""));
-        const auto disposition = headers.find("content-disposition");
-        const QString name =
-            disposition == headers.end()
-                ? QString()
-                : fileName.match(QString::fromUtf8(disposition->second)).captured(1);
-        received.parts[name] = QByteArray::fromBase64(part.mid(split + 2));
-    };
-    bool inPart = false;
-    for (const QByteArray& line : parts) {
-        if (line.startsWith(boundary)) {
-            if (inPart)
-                finish();
-            part.clear();
-            inPart = !line.startsWith(boundary + "--");
-            continue;
-        }
-        if (inPart)
-            part += line + '\n';
-    }
-    return received;
-}
-
-QList<Received> receivedIn(const QString& maildir) {
-    QList<Received> mails;
-    QDirIterator it(maildir + QStringLiteral("/new"), QDir::Files);
-    while (it.hasNext()) {
-        QFile file(it.next());
-        file.open(QIODevice::ReadOnly);
-        mails << parse(file.readAll());
-    }
-    return mails;
-}
+using namespace vessa::testing;
 
 TEST(FriendMail, TheFormsFieldsBecomeTheClientsCommandLine) {
     FriendMail mail{QStringLiteral("Bunny World"), QStringLiteral("Ann \"A\" Lee"),
@@ -228,7 +101,7 @@ TEST_F(MailTest, TheMailArrivesWithEveryAddressTheTextAndBothFiles) {
 TEST_F(MailTest, AServerThatRefusesOrIsNotThereIsToldToTheUser) {
     const QString maildir = scratch_.filePath(QStringLiteral("maildir"));
     {
-        SmtpServer refusing(maildir, 1000);
+        SmtpServer refusing(maildir, {.sizeLimit = 1000});
         ASSERT_TRUE(refusing.ready());
         const MailOutcome outcome = sendMail(refusing.address(), mailFromForm());
         EXPECT_FALSE(outcome.sent);
@@ -244,6 +117,60 @@ TEST_F(MailTest, AServerThatRefusesOrIsNotThereIsToldToTheUser) {
     EXPECT_FALSE(outcome.sent);
     EXPECT_TRUE(outcome.message.contains(QStringLiteral("could not be reached")))
         << outcome.message.toStdString();
+}
+
+// Over STARTTLS and over TLS from the first byte, the mail goes only to a server whose
+// certificate this computer trusts, here through the certificate file of the settings.
+TEST_F(MailTest, OverTlsOnlyAServerWithATrustedCertificateGetsTheMail) {
+    Certificate school;
+    Certificate stranger;
+    ASSERT_TRUE(makeCertificate(scratch_.path(), QStringLiteral("school"), &school));
+    ASSERT_TRUE(makeCertificate(scratch_.path(), QStringLiteral("stranger"), &stranger));
+    for (const MailServer::Security security :
+         {MailServer::Security::StartTls, MailServer::Security::Tls}) {
+        SCOPED_TRACE(int(security));
+        const QString maildir = scratch_.filePath(QStringLiteral("maildir%1").arg(int(security)));
+        SmtpServer server(maildir, {.security = security, .certificate = school});
+        ASSERT_TRUE(server.ready());
+        MailServer trusting = server.address();
+        for (const QString& caFile : {QString(), stranger.certificate}) {
+            trusting.caFile = caFile;
+            const MailOutcome refused = sendMail(trusting, mailFromForm());
+            EXPECT_FALSE(refused.sent);
+            EXPECT_TRUE(refused.message.contains(
+                QStringLiteral("this computer does not trust its certificate")))
+                << refused.message.toStdString();
+            EXPECT_TRUE(refused.message.contains(QStringLiteral("Nothing was sent.")));
+        }
+        EXPECT_TRUE(receivedIn(maildir).isEmpty());
+
+        trusting.caFile = scratch_.filePath(QStringLiteral("missing.pem"));
+        EXPECT_TRUE(sendMail(trusting, mailFromForm())
+                        .message.startsWith(QStringLiteral("The certificate file")));
+
+        trusting.caFile = school.certificate;
+        const MailOutcome outcome = sendMail(trusting, mailFromForm());
+        ASSERT_TRUE(outcome.sent) << outcome.message.toStdString();
+        const QList<Received> mails = receivedIn(maildir);
+        ASSERT_EQ(mails.size(), 1);
+        EXPECT_EQ(mails.first().parts.at(QStringLiteral("Bunny World.ves")),
+                  read(world_ + QStringLiteral("/Bunny World.ves")));
+    }
+}
+
+// A server that does not offer STARTTLS gets nothing in the clear when the settings ask
+// for it.
+TEST_F(MailTest, StartTlsRefusesAServerThatOffersItNot) {
+    const QString maildir = scratch_.filePath(QStringLiteral("maildir"));
+    SmtpServer plain(maildir);
+    ASSERT_TRUE(plain.ready());
+    MailServer insisting = plain.address();
+    insisting.security = MailServer::Security::StartTls;
+    const MailOutcome outcome = sendMail(insisting, mailFromForm());
+    EXPECT_FALSE(outcome.sent);
+    EXPECT_TRUE(outcome.message.contains(QStringLiteral("offers no secure connection")))
+        << outcome.message.toStdString();
+    EXPECT_TRUE(receivedIn(maildir).isEmpty());
 }
 
 TEST_F(MailTest, TheUsersServerComesBeforeTheTeachersPreset) {
@@ -262,6 +189,16 @@ TEST_F(MailTest, TheUsersServerComesBeforeTheTeachersPreset) {
     ASSERT_TRUE(saveMailServer(mine, own));
     EXPECT_EQ(loadMailServer(own, preset).host, mine.host);
     EXPECT_EQ(loadMailServer(own, preset).user, QStringLiteral("ann"));
+
+    // The teacher names the school's certificate as it lies beside the preset.
+    const QString classroom = scratch_.filePath(QStringLiteral("SendToAFriend"));
+    QDir().mkpath(classroom);
+    write(classroom + QStringLiteral("/mail_server.ini"),
+          "[MailServer]\nHost=smtp.school.example\nSecurity=tls\nPort=465\nCaFile=school.pem\n");
+    const MailServer preset2 = loadMailServer(scratch_.filePath(QStringLiteral("none.ini")),
+                                              classroom + QStringLiteral("/mail_server.ini"));
+    EXPECT_EQ(preset2.caFile, classroom + QStringLiteral("/school.pem"));
+    EXPECT_EQ(preset2.security, MailServer::Security::Tls);
 }
 
 } // namespace

@@ -224,6 +224,30 @@ TEST(WorldFiles, SaveAsIntoAnotherWorldAsksFirstAndNoChoosesAgain) {
     EXPECT_EQ(bytesOf(other.folder + QStringLiteral("/world_script.tv")), otherScript);
 }
 
+// A name typed in the dialog that is no folder yet becomes the world's folder; one that
+// can't be made is told, and nothing is saved.
+TEST(WorldFiles, SaveAsUnderANewNameMakesTheFolder) {
+    WorldOnEngine w;
+    buildWorld(w);
+    QTemporaryDir worlds;
+    const QString fresh = worlds.filePath(QStringLiteral("Garden"));
+    w.view.folders = {fresh};
+    w.files.FileSaveAsMenuButton_Click();
+    EXPECT_EQ(w.files.result(), kYesSave);
+    EXPECT_TRUE(QFile::exists(fresh + QStringLiteral("/world_script.tv")));
+    EXPECT_TRUE(w.view.messages.isEmpty());
+
+    const QString underAFile = fresh + QStringLiteral("/world_script.tv/Inside");
+    w.view.folders = {underAFile};
+    w.files.FileSaveAsMenuButton_Click();
+    EXPECT_EQ(w.files.result(), kNoSave);
+    ASSERT_EQ(w.view.messages.size(), 1);
+    EXPECT_EQ(w.view.messages.first().title, QStringLiteral("Vessa - Error"));
+    EXPECT_TRUE(w.view.messages.first().text.startsWith(
+        QStringLiteral("Error - I was unable to create the directory you specified.")));
+    EXPECT_EQ(w.world.status().worldSaveFile(), fresh);
+}
+
 TEST(WorldFiles, ASaveFromAScriptTabWritesTheSceneAsItStoodBeforeTheRun) {
     WorldOnEngine w;
     buildWorld(w);

@@ -30,7 +30,10 @@
 //   "choose:TEXT" click the entry TEXT of the menu that is open ("Save As...")
 //   "until:NAME,TEXT" go on once the button NAME reads TEXT ("Reset")
 //   "folder:PATH" answer the world folder dialog with PATH, typed into its name box
-//   "answer:TEXT" click the button TEXT of the message box that asks
+//   "answer:TEXT" click the button TEXT of the message box that asks, after printing
+//                 the box: "driver: box: <title> | <text> | <informative text>"
+//   "dialog:NAME" go on once the dialog NAME is in front
+//   "press:NAME"  click the button NAME of the dialog in front
 //   "text:NAME"   print the text of the text box NAME, its line ends shown as "/":
 //                 "driver: text: NAME <text>"
 //   "position:NAME" print where the engine has the object NAME once nothing moves:
@@ -45,6 +48,9 @@
 // view in it has drawn its first frame: "driver: first frame drawn". An error box that
 // comes up at any time is reported, "driver: ErrorForm: <caption> | <details>"
 // with line ends shown as "/", and closed with its OK button.
+// Loaded into the mail client (which the program starts with its own environment), the
+// driver prints each message box the client shows, as "answer" does, and closes it with
+// Escape.
 
 #include <Python.h>
 
@@ -70,6 +76,35 @@
 #include <cstdio>
 
 namespace {
+
+QString oneLine(QString text) {
+    return text.replace(QStringLiteral("\r\n"), QStringLiteral("/"))
+        .replace(QLatin1Char('\n'), QLatin1Char('/'));
+}
+
+void printBox(const QMessageBox* box) {
+    std::fprintf(stderr, "driver: box: %s | %s | %s\n", qPrintable(box->windowTitle()),
+                 qPrintable(oneLine(box->text())), qPrintable(oneLine(box->informativeText())));
+    std::fflush(stderr);
+}
+
+// Closes every message box of the mail client once it is printed.
+class ClientBoxes : public QObject {
+public:
+    ClientBoxes() {
+        connect(&poll_, &QTimer::timeout, this, [] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (!box || !box->isVisible())
+                return;
+            printBox(box);
+            QTest::keyClick(box, Qt::Key_Escape);
+        });
+        poll_.start(10);
+    }
+
+private:
+    QTimer poll_;
+};
 
 QWidget* readyMainWindow() {
     for (QWidget* w : QApplication::topLevelWidgets())
@@ -116,10 +151,6 @@ private:
             return;
         const auto* caption = box->findChild<QLabel*>(QStringLiteral("ErrorTypeLabel"));
         const auto* details = box->findChild<QPlainTextEdit*>(QStringLiteral("ErrorLabel"));
-        const auto oneLine = [](QString text) {
-            return text.replace(QStringLiteral("\r\n"), QStringLiteral("/"))
-                .replace(QLatin1Char('\n'), QLatin1Char('/'));
-        };
         std::fprintf(stderr, "driver: ErrorForm: %s | %s\n",
                      qPrintable(caption ? oneLine(caption->text()) : QString()),
                      qPrintable(details ? oneLine(details->toPlainText()) : QString()));
@@ -207,6 +238,11 @@ private:
         }
         if (kind == QStringLiteral("answer"))
             return answerButton(argument) != nullptr;
+        if (kind == QStringLiteral("dialog"))
+            return QApplication::activeModalWidget() &&
+                   QApplication::activeModalWidget()->objectName() == argument;
+        if (kind == QStringLiteral("press"))
+            return dialogButton(argument) != nullptr;
         if (kind == QStringLiteral("position"))
             return !enginePosition(argument).isEmpty();
         return true;
@@ -244,8 +280,13 @@ private:
             return;
         else if (kind == QStringLiteral("folder"))
             answerFolderDialog(argument);
-        else if (kind == QStringLiteral("answer"))
+        else if (kind == QStringLiteral("answer")) {
+            printBox(qobject_cast<QMessageBox*>(QApplication::activeModalWidget()));
             QTest::mouseClick(answerButton(argument), Qt::LeftButton);
+        } else if (kind == QStringLiteral("dialog"))
+            return;
+        else if (kind == QStringLiteral("press"))
+            QTest::mouseClick(dialogButton(argument), Qt::LeftButton);
         else if (kind == QStringLiteral("position"))
             printPosition(argument);
         else if (kind == QStringLiteral("reader"))
@@ -365,6 +406,11 @@ private:
         QTest::keyClick(name, Qt::Key_Return);
     }
 
+    static QAbstractButton* dialogButton(const QString& name) {
+        QWidget* dialog = QApplication::activeModalWidget();
+        auto* button = dialog ? dialog->findChild<QAbstractButton*>(name) : nullptr;
+        return button && button->isVisible() && button->isEnabled() ? button : nullptr;
+    }
     static QAbstractButton* answerButton(const QString& text) {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (!box)
@@ -572,7 +618,12 @@ class DriverPlugin : public QGenericPlugin {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "test_driver.json")
 public:
-    QObject* create(const QString&, const QString&) override { return new Driver; }
+    QObject* create(const QString&, const QString&) override {
+        if (QFileInfo(QCoreApplication::applicationFilePath()).fileName() ==
+            QStringLiteral("VessaClient"))
+            return new ClientBoxes;
+        return new Driver;
+    }
 };
 
 } // namespace
