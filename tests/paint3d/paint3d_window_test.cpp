@@ -7,6 +7,7 @@
 
 #include "paint_window.h"
 #include "reading/reader_process.h"
+#include "support/moved_view.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -124,6 +125,20 @@ TEST(PaintWindow, SaveAnswersWithANewFileEachTimeAndTheToolGoesOn) {
     ASSERT_TRUE(second.startsWith(QStringLiteral("PAINT3D_SAVE "))) << second.toStdString();
     EXPECT_NE(second, first);
     EXPECT_TRUE(QFileInfo::exists(path));
+}
+
+TEST(PaintWindow, ThePaintedObjectIsDrawnAsBeforeInAnotherWindow) {
+    if (!canDraw())
+        GTEST_SKIP() << "the view needs a display";
+    QWidget other; // outlives the window put into it
+    Painting p;
+    const QImage unpainted = p.window.view()->grabFramebuffer();
+    p.strokeAcrossTheMiddle();
+    const QImage before = p.window.view()->grabFramebuffer();
+    ASSERT_GT(vessa::testing::pixelsApart(unpainted, before), 20) << "the stroke shows";
+
+    const QImage after = vessa::testing::frameInAnotherWindow(p.window, *p.window.view(), other);
+    EXPECT_LT(vessa::testing::pixelsApart(before, after), before.width() * before.height() / 100);
 }
 
 TEST(PaintWindow, AStrokeOfTheMouseIsUndoneWithCtrlZ) {
