@@ -219,6 +219,47 @@ TEST(PaintWindow, DiscardAndClosingTheWindowAskFirstWhenPaintIsNotSaved) {
     }
 }
 
+TEST(PaintWindow, PaintUndoneBackToTheLastSaveIsNotAskedAboutAndPastItIs) {
+    if (!canDraw())
+        GTEST_SKIP() << "the view needs a display";
+    const QString discarded = QStringLiteral("PAINT3D_DISCARD_AND_EXIT");
+    const auto undoUntil = [](Painting& p, const std::function<bool()>& done) {
+        QTest::keyClick(&p.window, Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_TRUE(waitFor(done));
+    };
+    const auto clickDiscard = [](Painting& p) {
+        return [&p] {
+            QTest::mouseClick(buttonOf(p.window, "PaintDiscard"), Qt::LeftButton);
+        };
+    };
+    {
+        // Every stroke undone: the object is as it came, and Discard answers at once.
+        Painting p;
+        PaintSession& session = *p.window.session();
+        p.strokeAcrossTheMiddle();
+        undoUntil(p, [&] { return !session.canUndo(); });
+        EXPECT_EQ(answering(QMessageBox::No, clickDiscard(p),
+                            [&] { return clipboardText() == discarded; }),
+                  QString());
+    }
+    {
+        // Saved between two strokes: undoing the second is back at the save,
+        // undoing the first too is paint that was saved and is gone now.
+        Painting p;
+        PaintSession& session = *p.window.session();
+        p.strokeAcrossTheMiddle();
+        QTest::mouseClick(buttonOf(p.window, "PaintSave"), Qt::LeftButton);
+        p.strokeAcrossTheMiddle();
+        EXPECT_TRUE(session.changedSinceSave());
+        undoUntil(p, [&] { return !session.changedSinceSave(); });
+        undoUntil(p, [&] { return !session.canUndo(); });
+        EXPECT_TRUE(session.changedSinceSave());
+        EXPECT_EQ(answering(QMessageBox::No, clickDiscard(p)),
+                  QStringLiteral("Discard your painting?"));
+        EXPECT_TRUE(p.window.isVisible());
+    }
+}
+
 TEST(PaintWindow, AFileThatCantBePaintedIsToldInTheWindowAndDiscardStillAnswers) {
     QTemporaryDir folder;
     QFile hostile(folder.filePath(QStringLiteral("Trap.mdl")));
