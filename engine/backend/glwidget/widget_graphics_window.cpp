@@ -19,9 +19,14 @@ WidgetGraphicsWindow::WidgetGraphicsWindow(QOpenGLWidget& widget, osgViewer::Vie
                            viewer.getCamera()->getGraphicsContext())) {
 }
 
+// The viewer closes its window again as it dies, with OpenGL calls while the
+// window is open: it is closed first, in the widget's context while there is
+// one, else only forgetting its objects, which no context holds.
 WidgetGraphicsWindow::~WidgetGraphicsWindow() {
     if (widget_.context())
         close();
+    else
+        window_->close(false);
 }
 
 void WidgetGraphicsWindow::contextMade() {

@@ -28,8 +28,8 @@ class WidgetGraphicsWindow : public QObject {
 public:
     // The viewer is one that embeddedViewer() made.
     WidgetGraphicsWindow(QOpenGLWidget& widget, osgViewer::Viewer& viewer);
-    // Closes the window in the widget's context while there is one; call it before the
-    // QOpenGLWidget's own destructor runs (a member of the widget's class does).
+    // Closes the window; it must run before the QOpenGLWidget's own destructor
+    // (a member of the widget's class does).
     ~WidgetGraphicsWindow() override;
 
     // From the widget's initializeGL, with the new context current.
