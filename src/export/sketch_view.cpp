@@ -4,7 +4,6 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QOpenGLContext>
 #include <QPainter>
 #include <QSurfaceFormat>
 
@@ -59,17 +58,13 @@ private:
 };
 
 SketchView::SketchView(QWidget* parent)
-    : QOpenGLWidget(parent), viewer_(new osgViewer::Viewer), turned_(new osg::MatrixTransform),
-      strokeLayer_(new StrokeLayer(*this)) {
+    : QOpenGLWidget(parent), viewer_(core::embeddedViewer()), window_(*this, *viewer_),
+      turned_(new osg::MatrixTransform), strokeLayer_(new StrokeLayer(*this)) {
     setObjectName(QStringLiteral("SketchView"));
     setFormat(viewFormat());
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::CrossCursor);
-    viewer_->setThreadingModel(osgViewer::ViewerBase::SingleThreaded);
-    viewer_->setKeyEventSetsDone(0);
-    viewer_->setQuitEventSetsDone(false);
     viewer_->setLightingMode(osg::View::HEADLIGHT);
-    window_ = viewer_->setUpViewerAsEmbeddedInWindow(0, 0, 1, 1);
     osg::Camera* camera = viewer_->getCamera();
     camera->setClearColor(osg::Vec4(static_cast<float>(kPaper.redF()),
                                     static_cast<float>(kPaper.greenF()),
@@ -77,21 +72,6 @@ SketchView::SketchView(QWidget* parent)
     camera->setComputeNearFarMode(osg::CullSettings::DO_NOT_COMPUTE_NEAR_FAR);
     camera->setViewMatrix(osg::Matrixd::identity());
     viewer_->setSceneData(turned_.get());
-}
-
-// A viewer that dies holding its window closes it with OpenGL calls, which need the
-// context current.
-SketchView::~SketchView() {
-    if (contextMade_ && context())
-        disconnect(context(), nullptr, this, nullptr);
-    if (contextMade_ && !released_) {
-        makeCurrent();
-        window_->close(true);
-        doneCurrent();
-    } else if (!released_) {
-        window_->close(false);
-    }
-    viewer_->getCamera()->setGraphicsContext(nullptr);
 }
 
 void SketchView::showObject(osg::ref_ptr<osg::Node> object, bool keepTurn) {
@@ -135,37 +115,21 @@ bool SketchView::objectAt(QPointF point) const {
 }
 
 void SketchView::initializeGL() {
-    // A second call means Qt made the context anew for another window.
-    if (contextMade_) {
-        window_->getState()->reset();
-        window_->getState()->initializeExtensionProcs();
-    }
-    contextMade_ = true;
-    connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, [this] {
-        if (released_)
-            return;
-        makeCurrent();
-        window_->close(true);
-        released_ = true;
-        doneCurrent();
-    });
+    window_.contextMade();
 }
 
 void SketchView::resizeGL(int, int) {
+    window_.resized();
     placeCamera();
 }
 
 void SketchView::resizeEvent(QResizeEvent* event) {
-    const double ratio = devicePixelRatioF();
-    window_->resized(0, 0, static_cast<int>(width() * ratio), static_cast<int>(height() * ratio));
     strokeLayer_->setGeometry(rect());
     QOpenGLWidget::resizeEvent(event);
 }
 
 void SketchView::paintGL() {
-    if (released_)
-        return;
-    window_->setDefaultFboId(defaultFramebufferObject());
+    window_.beginFrame();
     placeCamera();
     viewer_->frame();
 }

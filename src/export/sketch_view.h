@@ -1,6 +1,7 @@
 #pragma once
 
 #include "export/sketch_outline.h"
+#include "glwidget/widget_graphics_window.h"
 
 #include <QOpenGLWidget>
 #include <QPolygonF>
@@ -24,7 +25,6 @@ class SketchView : public QOpenGLWidget {
     Q_OBJECT
 public:
     explicit SketchView(QWidget* parent = nullptr);
-    ~SketchView() override;
 
     // The object shown, or none; a new one starts unturned, the same one in another
     // colour stays as it was turned.
@@ -55,7 +55,7 @@ private:
     QPointF inside(QPointF point) const;
 
     osg::ref_ptr<osgViewer::Viewer> viewer_;
-    osg::ref_ptr<osgViewer::GraphicsWindowEmbedded> window_;
+    core::WidgetGraphicsWindow window_;
     osg::ref_ptr<osg::MatrixTransform> turned_;
     osg::ref_ptr<osg::Node> object_;
     osg::Quat turn_;
@@ -63,8 +63,6 @@ private:
     QPolygonF stroke_;
     Drag drag_ = Drag::None;
     QPointF dragFrom_;
-    bool contextMade_ = false;
-    bool released_ = false;
 
     friend class StrokeLayer;
 };

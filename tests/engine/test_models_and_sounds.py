@@ -34,12 +34,16 @@ def store_a_bunny(engine, path):
     engine.PollForTreeDifferences()
 
 
-def test_a_file_that_is_no_model_adds_nothing_and_says_why(world, tmp_path):
+@pytest.mark.parametrize("adding", ["addobject", "loadteddyobject"])
+def test_a_file_that_is_no_model_adds_nothing_and_says_why(world, tmp_path, adding):
+    # The sketch tool's object is added as any other, and refused as any other.
+    add = getattr(world, adding)
     (tmp_path / "Broken.mdl").write_bytes(b"not a model")
-    failure = world.addobject(str(tmp_path / "Broken.mdl"))
+    failure = add(str(tmp_path / "Broken.mdl"))
     assert failure and "Broken.mdl" in failure
     assert world.PollForTreeDifferences() == []
-    assert world.addobject(str(tmp_path / "Missing.obj"))
+    assert add(str(tmp_path / "Missing.obj")) == world.addobject(str(tmp_path / "Missing.obj"))
+    assert add(str(tmp_path / "Missing.obj"))
 
 
 def test_a_stored_object_comes_back_with_its_parts(world, tmp_path, core_only):

@@ -190,6 +190,86 @@ TEST(LighterShape, KeepsBothFacesOfAThinPlateFacingTheirOwnWays) {
     EXPECT_EQ(lighter.triangles, 4);
 }
 
+// A square plate whose picture is two pieces of the picture side by side: its
+// left half wears u from 0 to 0.3 and its right half u from 0.7 to 1, with the
+// vertices of the seam between them twice, once for each piece; v runs up.
+osg::ref_ptr<osg::Geode> plateOfTwoPictureHalves(int quadsAcross) {
+    auto* points = new osg::Vec3Array;
+    auto* coords = new osg::Vec2Array;
+    auto* faces = new osg::DrawElementsUInt(GL_TRIANGLES);
+    const int half = quadsAcross / 2;
+    for (const auto& [firstColumn, uAtSeamSide] : {std::pair{0, 0.0f}, std::pair{half, 0.7f}}) {
+        const auto first = static_cast<unsigned int>(points->size());
+        for (int row = 0; row <= quadsAcross; ++row) {
+            for (int column = 0; column <= half; ++column) {
+                const float x = static_cast<float>(firstColumn + column) / quadsAcross;
+                const float y = static_cast<float>(row) / quadsAcross;
+                points->push_back({x, y, 0});
+                coords->push_back({uAtSeamSide + 0.6f * (x - (firstColumn ? 0.5f : 0.0f)), y});
+            }
+        }
+        const auto at = [&](int row, int column) {
+            return first + static_cast<unsigned int>(row * (half + 1) + column);
+        };
+        for (int row = 0; row < quadsAcross; ++row) {
+            for (int column = 0; column < half; ++column) {
+                for (unsigned int corner :
+                     {at(row, column), at(row, column + 1), at(row + 1, column + 1),
+                      at(row, column), at(row + 1, column + 1), at(row + 1, column)})
+                    faces->push_back(corner);
+            }
+        }
+    }
+    auto* geometry = new osg::Geometry;
+    geometry->setVertexArray(points);
+    auto* normals = new osg::Vec3Array;
+    normals->assign(points->size(), osg::Vec3(0, 0, 1));
+    geometry->setNormalArray(normals, osg::Array::BIND_PER_VERTEX);
+    geometry->setTexCoordArray(0, coords, osg::Array::BIND_PER_VERTEX);
+    geometry->addPrimitiveSet(faces);
+    osg::ref_ptr<osg::Geode> plate = new osg::Geode;
+    plate->addDrawable(geometry);
+    return plate;
+}
+
+// The plate's picture place at a point of it, on the given side of the seam.
+osg::Vec2 platePicturePlace(const osg::Vec3& at, bool right) {
+    return right ? osg::Vec2(0.7f + 0.6f * (at.x() - 0.5f), at.y())
+                 : osg::Vec2(0.6f * at.x(), at.y());
+}
+
+// The picture stays where it was on a lighter copy: a cell that holds both
+// sides of a seam keeps a vertex for each, so no triangle of the copy reaches
+// from one piece of the picture into the other, and in the middle of each
+// triangle the copy shows what the plate shows there.
+TEST(LighterShape, KeepsThePicturesPlacesOnBothSidesOfASeam) {
+    const osg::ref_ptr<osg::Geode> plate = plateOfTwoPictureHalves(40);
+    const LighterShape lighter = lighterShape(plate.get(), 10);
+    EXPECT_LT(lighter.triangles, triangles(plate.get()) / 4);
+    const osg::Geometry* light = lighter.shape->asGeode()->getDrawable(0)->asGeometry();
+    const auto& points = *static_cast<const osg::Vec3Array*>(light->getVertexArray());
+    const auto* coords = dynamic_cast<const osg::Vec2Array*>(light->getTexCoordArray(0));
+    ASSERT_NE(coords, nullptr);
+    ASSERT_EQ(coords->size(), points.size());
+    const auto& faces = *light->getPrimitiveSet(0);
+    ASSERT_EQ(faces.getNumIndices(), static_cast<unsigned int>(lighter.triangles) * 3);
+    float worst = 0;
+    for (unsigned int t = 0; t < faces.getNumIndices(); t += 3) {
+        osg::Vec3 middle;
+        osg::Vec2 shown;
+        for (unsigned int k = 0; k < 3; ++k) {
+            middle += points[faces.index(t + k)] / 3.0f;
+            shown += (*coords)[faces.index(t + k)] / 3.0f;
+        }
+        const float left = (shown - platePicturePlace(middle, false)).length();
+        const float right = (shown - platePicturePlace(middle, true)).length();
+        worst = std::max(worst, middle.x() < 0.499f   ? left
+                                : middle.x() > 0.501f ? right
+                                                      : std::min(left, right));
+    }
+    EXPECT_LT(worst, 1e-4f);
+}
+
 TEST_F(ModelLibraryTest, A3dsFileStandingOnZStandsUpOnYItsPiecesTurningAboutTheirMiddles) {
     osg::ref_ptr<osg::Group> mast = new osg::Group;
     for (const char* name : {"Pole", "Foot"}) {

@@ -8,6 +8,7 @@
 
 #include "reading/description.h"
 #include "reading/reader_process.h"
+#include "support/moved_view.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -113,6 +114,20 @@ TEST_F(SketchWindowTest, AStrokeMakesAnObjectThatSaveAndExitWritesAndAnnounces) 
     // A second click does not answer twice.
     QTest::mouseClick(w.control("SketchSaveButton"), Qt::LeftButton);
     EXPECT_EQ(finished.count(), 1);
+}
+
+TEST_F(SketchWindowTest, TheObjectIsDrawnAsBeforeInAnotherWindow) {
+    QWidget other; // outlives the window put into it
+    Window w;
+    draw(w.view, circle({250, 200}, 90));
+    ASSERT_TRUE(w.view.showsObject());
+    const QImage before = w.view.grabFramebuffer();
+    const QColor paper = before.pixelColor(5, 5);
+    ASSERT_NE(before.pixelColor(250, 200), paper) << "the object stands where it was drawn";
+
+    const QImage after = vessa::testing::frameInAnotherWindow(w.window, w.view, other);
+    EXPECT_NE(after.pixelColor(250, 200), paper);
+    EXPECT_LT(vessa::testing::pixelsApart(before, after), before.width() * before.height() / 100);
 }
 
 TEST_F(SketchWindowTest, ClosingTheWindowOrDiscardAnnouncesThatNothingWasMade) {

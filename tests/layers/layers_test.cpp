@@ -12,18 +12,21 @@
 // folder must take its place here before it can be included at all. One subsystem reads
 // the models of the one beside it: the event rows name the script's animations and
 // follow its edits, and the text boxes search and complete its lines; its windows, the
-// panels, stay out of reach.
+// panels, stay out of reach. Beneath them all lies one folder of the engine's backend
+// that holds no engine, only how an OpenSceneGraph viewer lives in a Qt widget: the
+// front end's views draw as the camera view does.
 
 namespace {
 
 int layerOf(const QString& folder) {
     static const QHash<QString, int> layers = {
-        {QStringLiteral("base"), 0},        {QStringLiteral("controls"), 1},
-        {QStringLiteral("gateway"), 2},     {QStringLiteral("script"), 3},
-        {QStringLiteral("scene"), 3},       {QStringLiteral("events"), 3},
-        {QStringLiteral("export"), 3},      {QStringLiteral("text"), 3},
-        {QStringLiteral("world"), 4},       {QStringLiteral("shell"), 5},
-        {QStringLiteral("commandline"), 5}, {QStringLiteral("app"), 6},
+        {QStringLiteral("glwidget"), 0}, {QStringLiteral("base"), 0},
+        {QStringLiteral("controls"), 1}, {QStringLiteral("gateway"), 2},
+        {QStringLiteral("script"), 3},   {QStringLiteral("scene"), 3},
+        {QStringLiteral("events"), 3},   {QStringLiteral("export"), 3},
+        {QStringLiteral("text"), 3},     {QStringLiteral("world"), 4},
+        {QStringLiteral("shell"), 5},    {QStringLiteral("commandline"), 5},
+        {QStringLiteral("app"), 6},
     };
     return layers.value(folder, -1);
 }

@@ -7,6 +7,7 @@
 
 #include "paint_window.h"
 #include "reading/reader_process.h"
+#include "support/moved_view.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -126,6 +127,20 @@ TEST(PaintWindow, SaveAnswersWithANewFileEachTimeAndTheToolGoesOn) {
     EXPECT_TRUE(QFileInfo::exists(path));
 }
 
+TEST(PaintWindow, ThePaintedObjectIsDrawnAsBeforeInAnotherWindow) {
+    if (!canDraw())
+        GTEST_SKIP() << "the view needs a display";
+    QWidget other; // outlives the window put into it
+    Painting p;
+    const QImage unpainted = p.window.view()->grabFramebuffer();
+    p.strokeAcrossTheMiddle();
+    const QImage before = p.window.view()->grabFramebuffer();
+    ASSERT_GT(vessa::testing::pixelsApart(unpainted, before), 20) << "the stroke shows";
+
+    const QImage after = vessa::testing::frameInAnotherWindow(p.window, *p.window.view(), other);
+    EXPECT_LT(vessa::testing::pixelsApart(before, after), before.width() * before.height() / 100);
+}
+
 TEST(PaintWindow, AStrokeOfTheMouseIsUndoneWithCtrlZ) {
     if (!canDraw())
         GTEST_SKIP() << "the view needs a display";
@@ -201,6 +216,47 @@ TEST(PaintWindow, DiscardAndClosingTheWindowAskFirstWhenPaintIsNotSaved) {
                   QString());
         EXPECT_EQ(clipboardText(), discarded);
         EXPECT_EQ(QDir(p.folder.path()).entryList(QDir::Files).size(), 1);
+    }
+}
+
+TEST(PaintWindow, PaintUndoneBackToTheLastSaveIsNotAskedAboutAndPastItIs) {
+    if (!canDraw())
+        GTEST_SKIP() << "the view needs a display";
+    const QString discarded = QStringLiteral("PAINT3D_DISCARD_AND_EXIT");
+    const auto undoUntil = [](Painting& p, const std::function<bool()>& done) {
+        QTest::keyClick(&p.window, Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_TRUE(waitFor(done));
+    };
+    const auto clickDiscard = [](Painting& p) {
+        return [&p] {
+            QTest::mouseClick(buttonOf(p.window, "PaintDiscard"), Qt::LeftButton);
+        };
+    };
+    {
+        // Every stroke undone: the object is as it came, and Discard answers at once.
+        Painting p;
+        PaintSession& session = *p.window.session();
+        p.strokeAcrossTheMiddle();
+        undoUntil(p, [&] { return !session.canUndo(); });
+        EXPECT_EQ(answering(QMessageBox::No, clickDiscard(p),
+                            [&] { return clipboardText() == discarded; }),
+                  QString());
+    }
+    {
+        // Saved between two strokes: undoing the second is back at the save,
+        // undoing the first too is paint that was saved and is gone now.
+        Painting p;
+        PaintSession& session = *p.window.session();
+        p.strokeAcrossTheMiddle();
+        QTest::mouseClick(buttonOf(p.window, "PaintSave"), Qt::LeftButton);
+        p.strokeAcrossTheMiddle();
+        EXPECT_TRUE(session.changedSinceSave());
+        undoUntil(p, [&] { return !session.changedSinceSave(); });
+        undoUntil(p, [&] { return !session.canUndo(); });
+        EXPECT_TRUE(session.changedSinceSave());
+        EXPECT_EQ(answering(QMessageBox::No, clickDiscard(p)),
+                  QStringLiteral("Discard your painting?"));
+        EXPECT_TRUE(p.window.isVisible());
     }
 }
 

@@ -10,7 +10,7 @@ PaintSession::PaintSession(PaintObject object) : object_(std::move(object)), pic
 }
 
 void PaintSession::beginEdit() {
-    edits_.emplace_back();
+    edits_.push_back({++editsBegun_, {}, 0});
     keptInEdit_.clear();
 }
 
@@ -46,13 +46,13 @@ void PaintSession::keep(int part, const TexelRect& rect) {
     // The oldest edits go first; the one being made stays.
     while (undoBytes_ > kUndoBytes && edits_.size() > 1) {
         undoBytes_ -= edits_.front().bytes;
+        forgottenEdit_ = edits_.front().number;
         edits_.pop_front();
     }
 }
 
 void PaintSession::changed(int part) {
     changedSkins_.insert(part);
-    changedSinceSave_ = true;
 }
 
 bool PaintSession::beginStroke(const Ray& ray) {

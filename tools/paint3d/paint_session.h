@@ -17,7 +17,9 @@ namespace vessa::paint3d {
 // Every change is one edit (a whole stroke, one fill, one picture) whose
 // undo keeps the squares of texels it touched as they were before it.
 // The session also tells which skins changed since it was last asked, for
-// a view to show, and whether anything changed since the last save.
+// a view to show, and whether the skins differ from what was last saved:
+// each edit has a number of its own, and the skins are as saved while the
+// last edit still applied is the one that was last when they were saved.
 class PaintSession {
 public:
     static constexpr int kTileSide = 64;
@@ -43,8 +45,8 @@ public:
 
     bool undo();
     bool canUndo() const { return !edits_.empty(); }
-    bool changedSinceSave() const { return changedSinceSave_; }
-    void markSaved() { changedSinceSave_ = false; }
+    bool changedSinceSave() const { return lastEdit() != savedAtEdit_; }
+    void markSaved() { savedAtEdit_ = lastEdit(); }
     // The parts whose skins changed since the last call.
     std::set<int> takeChangedSkins();
 
@@ -55,6 +57,7 @@ private:
         std::vector<std::uint8_t> texels;
     };
     struct Edit {
+        std::uint64_t number;
         std::vector<KeptTile> tiles;
         size_t bytes = 0;
     };
@@ -63,6 +66,10 @@ private:
     // Keeps the tiles of the rectangle that this edit has not kept yet.
     void keep(int part, const TexelRect& rect);
     void changed(int part);
+    // The number of the last edit that the skins show; 0 for none.
+    std::uint64_t lastEdit() const {
+        return edits_.empty() ? forgottenEdit_ : edits_.back().number;
+    }
     Skin& skinOf(int part) { return object_.parts[static_cast<size_t>(part)].skin; }
 
     PaintObject object_;
@@ -71,7 +78,11 @@ private:
     size_t undoBytes_ = 0;
     std::unordered_set<std::uint64_t> keptInEdit_;
     bool stroking_ = false;
-    bool changedSinceSave_ = false;
+    std::uint64_t editsBegun_ = 0;
+    // The last edit forgotten to keep the undo small: the skins show it when
+    // all that is left is undone.
+    std::uint64_t forgottenEdit_ = 0;
+    std::uint64_t savedAtEdit_ = 0;
     std::set<int> changedSkins_;
 };
 

@@ -31,31 +31,19 @@ QSurfaceFormat viewFormat() {
 PaintView::PaintView(PaintSession& session, QWidget* parent)
     : QOpenGLWidget(parent), session_(session),
       turntable_(session.picker().centre(), session.picker().radius()),
-      viewer_(new osgViewer::Viewer), place_(new osg::MatrixTransform) {
+      viewer_(vessa::core::embeddedViewer()), window_(*this, *viewer_),
+      place_(new osg::MatrixTransform) {
     setObjectName(QStringLiteral("PaintView"));
     setAccessibleDescription(QStringLiteral(
         "Drag to paint; right-drag or the arrow keys turn the object; Space paints in the middle"));
     setFormat(viewFormat());
     setFocusPolicy(Qt::StrongFocus);
     setMinimumSize(320, 240);
-    viewer_->setThreadingModel(osgViewer::ViewerBase::SingleThreaded);
-    viewer_->setKeyEventSetsDone(0);
-    viewer_->setQuitEventSetsDone(false);
-    window_ = viewer_->setUpViewerAsEmbeddedInWindow(0, 0, width(), height());
     osg::Camera* camera = viewer_->getCamera();
     camera->setClearColor(osg::Vec4(0.82f, 0.85f, 0.9f, 1.0f));
     camera->setComputeNearFarMode(osg::CullSettings::DO_NOT_COMPUTE_NEAR_FAR);
     place_->addChild(graphOf(session_.object(), &skins_));
     viewer_->setSceneData(place_.get());
-}
-
-PaintView::~PaintView() {
-    if (contextMade_) {
-        makeCurrent();
-        window_->close(true);
-        doneCurrent();
-    }
-    viewer_->getCamera()->setGraphicsContext(nullptr);
 }
 
 double PaintView::pictureAcross() const {
@@ -69,19 +57,12 @@ void PaintView::showSkins() {
 }
 
 void PaintView::initializeGL() {
-    if (contextMade_) {
-        window_->getState()->reset();
-        window_->getState()->initializeExtensionProcs();
-    }
-    contextMade_ = true;
+    window_.contextMade();
 }
 
-void PaintView::resizeGL(int width, int height) {
-    const double ratio = devicePixelRatioF();
-    const int w = static_cast<int>(width * ratio), h = static_cast<int>(height * ratio);
-    window_->resized(0, 0, w, h);
-    window_->getEventQueue()->windowResize(0, 0, w, h);
-    viewer_->getCamera()->setViewport(0, 0, w, h);
+void PaintView::resizeGL(int, int) {
+    const QSize pixels = window_.resized();
+    viewer_->getCamera()->setViewport(0, 0, pixels.width(), pixels.height());
 }
 
 void PaintView::paintGL() {
@@ -89,7 +70,7 @@ void PaintView::paintGL() {
     place_->setMatrix(turntable_.objectPlace());
     viewer_->getCamera()->setViewMatrix(turntable_.viewMatrix());
     viewer_->getCamera()->setProjectionMatrix(turntable_.projection());
-    window_->setDefaultFboId(defaultFramebufferObject());
+    window_.beginFrame();
     viewer_->frame();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "glwidget/widget_graphics_window.h"
 #include "paint_session.h"
 #include "turntable.h"
 
@@ -26,7 +27,6 @@ class PaintView : public QOpenGLWidget {
     Q_OBJECT
 public:
     PaintView(PaintSession& session, QWidget* parent);
-    ~PaintView() override;
 
     void setTool(PaintTool tool) { tool_ = tool; }
     PaintTool tool() const { return tool_; }
@@ -60,13 +60,12 @@ private:
     PaintSession& session_;
     Turntable turntable_;
     osg::ref_ptr<osgViewer::Viewer> viewer_;
-    osg::ref_ptr<osgViewer::GraphicsWindowEmbedded> window_;
+    vessa::core::WidgetGraphicsWindow window_;
     osg::ref_ptr<osg::MatrixTransform> place_;
     std::vector<osg::ref_ptr<osg::Image>> skins_;
     PaintTool tool_ = PaintTool::Brush;
     Skin picture_;
     std::optional<QPointF> stroking_, turning_;
-    bool contextMade_ = false;
 };
 
 } // namespace vessa::paint3d

@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <map>
+#include <numeric>
 #include <vector>
 
 namespace vessa::core {
@@ -41,6 +43,62 @@ int facing(const osg::Vec3& normal) {
     return 2 * axis + (normal[axis] < 0.0f ? 1 : 0);
 }
 
+// The pieces of a geometry's pictures: vertices joined by its triangles, and
+// vertices at one place with one place in every picture, are of one piece. A
+// seam in a picture parts two pieces: its vertices stand there twice, once for
+// each side, at two places of the picture. Without pictures all is one piece.
+std::vector<unsigned int> picturePieces(const osg::Geometry& geometry, const osg::Vec3Array& points,
+                                        const std::vector<unsigned int>& corners) {
+    std::vector<const osg::Vec2Array*> pictures;
+    for (unsigned int unit = 0; unit < geometry.getNumTexCoordArrays(); ++unit) {
+        const auto* coords = dynamic_cast<const osg::Vec2Array*>(geometry.getTexCoordArray(unit));
+        if (coords && coords->getBinding() == osg::Array::BIND_PER_VERTEX &&
+            coords->size() == points.size())
+            pictures.push_back(coords);
+    }
+    std::vector<unsigned int> piece(points.size(), 0);
+    if (pictures.empty())
+        return piece;
+    std::iota(piece.begin(), piece.end(), 0u);
+    const auto root = [&](unsigned int v) {
+        while (piece[v] != v)
+            v = piece[v] = piece[piece[v]];
+        return v;
+    };
+    const auto join = [&](unsigned int a, unsigned int b) {
+        piece[root(a)] = root(b);
+    };
+    for (size_t t = 0; t + 2 < corners.size(); t += 3) {
+        join(corners[t], corners[t + 1]);
+        join(corners[t], corners[t + 2]);
+    }
+    // Vertices alike in place and pictures, found next to each other once sorted.
+    const auto alike = [&](unsigned int a, unsigned int b, auto compare) {
+        for (int k = 0; k < 3; ++k) {
+            if (points[a][k] != points[b][k])
+                return compare(points[a][k], points[b][k]);
+        }
+        for (const osg::Vec2Array* coords : pictures) {
+            for (int k = 0; k < 2; ++k) {
+                if ((*coords)[a][k] != (*coords)[b][k])
+                    return compare((*coords)[a][k], (*coords)[b][k]);
+            }
+        }
+        return compare(0.0f, 0.0f);
+    };
+    std::vector<unsigned int> order(points.size());
+    std::iota(order.begin(), order.end(), 0u);
+    std::sort(order.begin(), order.end(),
+              [&](unsigned int a, unsigned int b) { return alike(a, b, std::less<float>()); });
+    for (size_t k = 1; k < order.size(); ++k) {
+        if (alike(order[k - 1], order[k], std::equal_to<float>()))
+            join(order[k - 1], order[k]);
+    }
+    for (unsigned int v = 0; v < piece.size(); ++v)
+        piece[v] = root(v);
+    return piece;
+}
+
 class Gatherer : public osg::NodeVisitor {
 public:
     Gatherer(const osg::BoundingBox& bounds, int cellsAcross)
@@ -68,17 +126,21 @@ private:
         if (normals && (normals->getBinding() != osg::Array::BIND_PER_VERTEX ||
                         normals->size() != points->size()))
             normals = nullptr;
+        const std::vector<unsigned int> pieces =
+            picturePieces(geometry, *points, triangles.corners);
         // The first vertex met in a cell stands for all of them that face
-        // the same way: the faces of a box, the two sides of a thin plate,
-        // stay apart.
-        std::map<std::array<int, 4>, unsigned int> cells;
+        // the same way and are of the same piece of the pictures: the faces
+        // of a box, the two sides of a thin plate, the two sides of a seam
+        // in a picture, stay apart.
+        std::map<std::array<int, 5>, unsigned int> cells;
         std::vector<unsigned int> kept;
         std::vector<unsigned int> standIn(points->size());
         for (unsigned int i = 0; i < points->size(); ++i) {
             const osg::Vec3 at = ((*points)[i] - origin_) / cell_;
-            const std::array<int, 4> key = {
+            const std::array<int, 5> key = {
                 static_cast<int>(std::floor(at.x())), static_cast<int>(std::floor(at.y())),
-                static_cast<int>(std::floor(at.z())), normals ? facing((*normals)[i]) : 0};
+                static_cast<int>(std::floor(at.z())), normals ? facing((*normals)[i]) : 0,
+                static_cast<int>(pieces[i])};
             auto [found, made] = cells.try_emplace(key, static_cast<unsigned int>(kept.size()));
             if (made)
                 kept.push_back(i);

@@ -29,7 +29,8 @@ QSurfaceFormat viewFormat(bool highQuality) {
 } // namespace
 
 ViewWidget::ViewWidget(SceneGraph& scene, InputQueue& input, bool highQuality, QWidget* parent)
-    : QOpenGLWidget(parent), view_(std::make_unique<WorldView>(scene)), input_(input) {
+    : QOpenGLWidget(parent), view_(std::make_unique<WorldView>(scene)),
+      window_(*this, view_->viewer()), input_(input) {
     setObjectName(QStringLiteral("ImageNavigator"));
     setAccessibleName(QStringLiteral("Camera view"));
     setAccessibleDescription(QStringLiteral("The arrow keys and Page Up and Page Down move the "
@@ -40,14 +41,6 @@ ViewWidget::ViewWidget(SceneGraph& scene, InputQueue& input, bool highQuality, Q
     setMouseTracking(false);
     view_->setHighQuality(highQuality);
     clock_.start();
-}
-
-ViewWidget::~ViewWidget() {
-    if (contextMade_) {
-        makeCurrent();
-        view_->releaseGL();
-        doneCurrent();
-    }
 }
 
 double ViewWidget::seconds() const {
@@ -66,16 +59,12 @@ double ViewWidget::framesPerSecond() {
 }
 
 void ViewWidget::initializeGL() {
-    // A second call means Qt made the context anew for another window; the
-    // shared contexts keep OpenSceneGraph's objects, not its record of state.
-    if (contextMade_)
-        view_->contextRecreated();
-    contextMade_ = true;
+    window_.contextMade();
 }
 
-void ViewWidget::resizeGL(int width, int height) {
-    const double ratio = devicePixelRatioF();
-    view_->setSize(static_cast<int>(width * ratio), static_cast<int>(height * ratio));
+void ViewWidget::resizeGL(int, int) {
+    const QSize pixels = window_.resized();
+    view_->setSize(pixels.width(), pixels.height());
 }
 
 void ViewWidget::paintGL() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "glwidget/widget_graphics_window.h"
 #include "input/input_event.h"
 #include "view/frame_rate.h"
 #include "view/world_view.h"
@@ -22,7 +23,6 @@ class ViewWidget : public QOpenGLWidget {
     Q_OBJECT
 public:
     ViewWidget(SceneGraph& scene, InputQueue& input, bool highQuality, QWidget* parent);
-    ~ViewWidget() override;
 
     // Asks for one frame, however many changes come before it is drawn.
     void sceneChanged();
@@ -50,12 +50,12 @@ private:
     double seconds() const;
 
     std::unique_ptr<WorldView> view_;
+    WidgetGraphicsWindow window_; // after the view, whose viewer outlives it
     InputQueue& input_;
     FrameRate frames_;
     QElapsedTimer clock_;
     unsigned long long framesDrawn_ = 0;
     bool frameAsked_ = false;
-    bool contextMade_ = false;
 };
 
 } // namespace vessa::core

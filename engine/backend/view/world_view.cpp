@@ -1,5 +1,6 @@
 #include "view/world_view.h"
 
+#include "glwidget/widget_graphics_window.h"
 #include "scene/engine_frame.h"
 #include "scene/scene_graph.h"
 
@@ -181,12 +182,10 @@ osg::Matrixd flattenedFrom(const osg::Vec4d& light, double h) {
 } // namespace
 
 WorldView::WorldView(SceneGraph& scene)
-    : scene_(scene), viewer_(new osgViewer::Viewer), root_(new osg::Group), world_(new osg::Group) {
-    viewer_->setThreadingModel(osgViewer::ViewerBase::SingleThreaded);
-    viewer_->setKeyEventSetsDone(0);
-    viewer_->setQuitEventSetsDone(false);
+    : scene_(scene), viewer_(embeddedViewer()), root_(new osg::Group), world_(new osg::Group) {
     viewer_->setLightingMode(osg::View::NO_LIGHT);
-    window_ = viewer_->setUpViewerAsEmbeddedInWindow(0, 0, width_, height_);
+    window_ =
+        static_cast<osgViewer::GraphicsWindowEmbedded*>(viewer_->getCamera()->getGraphicsContext());
     osg::Camera* camera = viewer_->getCamera();
     camera->setClearColor(kSkyHorizon);
     camera->setClearMask(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
@@ -204,8 +203,9 @@ WorldView::WorldView(SceneGraph& scene)
 }
 
 // A viewer that dies holding its window closes it with OpenGL calls, which
-// need a current context; the widget calls releaseGL() while it has one,
-// and a view that never had one only forgets its objects.
+// need a current context: the widget on screen closes the window while it
+// has one, a picture drawn offscreen calls releaseGL(), and a view that never
+// had one only forgets its objects.
 WorldView::~WorldView() {
     if (!released_)
         window_->close(false);
@@ -277,12 +277,6 @@ void WorldView::draw(unsigned int fbo) {
     if (shadows_)
         placeShadows();
     viewer_->frame();
-}
-
-void WorldView::contextRecreated() {
-    osg::State* state = window_->getState();
-    state->reset();
-    state->initializeExtensionProcs();
 }
 
 void WorldView::releaseGL() {

@@ -43,11 +43,10 @@ public:
 
     // Draws one frame into the framebuffer fbo of the current context.
     void draw(unsigned int fbo);
-    // The context was made anew (the host moved to another window): forget
-    // what OpenGL state the viewer thought was set.
-    void contextRecreated();
     // Frees the viewer's OpenGL objects; the context must be current.
     void releaseGL();
+    // The viewer, for a widget that draws the view on screen.
+    osgViewer::Viewer& viewer() { return *viewer_; }
 
     // The camera node the view looks through: the first in the world.
     std::optional<int> cameraNode() const;

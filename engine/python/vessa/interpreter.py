@@ -435,9 +435,9 @@ class Interpreter:
         self._queue.write("output", message + "\n")
 
     def loadteddyobject(self, path):
-        """The object the sketch tool made."""
-        self.addobject(path)
-        return None
+        """The object the sketch tool made; the failure text when it can't
+        be added, as addobject answers."""
+        return self.addobject(path)
 
     def replaceobject(self, name, path):
         """The object name drawn anew from the file the paint tool saved."""
