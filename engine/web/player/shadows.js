@@ -36,7 +36,7 @@ export class PlanarShadows {
         this.flatten = new THREE.Matrix4();
         this.material = new THREE.MeshBasicMaterial({
             color: 0x000000, transparent: true, opacity: DARKNESS, depthWrite: false,
-            side: THREE.DoubleSide, polygonOffset: true, polygonOffsetFactor: -1,
+            side: THREE.DoubleSide, forceSinglePass: true, polygonOffset: true, polygonOffsetFactor: -1,
             polygonOffsetUnits: -1, stencilWrite: true, stencilRef: WORLD_DRAWN,
             stencilFunc: THREE.EqualStencilFunc, stencilZPass: THREE.IncrementStencilOp });
     }
