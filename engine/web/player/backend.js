@@ -250,8 +250,11 @@ export class WebBackend {
         for (const mesh of meshesOf(made.shape)) {
             mesh.material.wireframe = String(styles.filling).toLowerCase() === "lines";
             mesh.userData.textured = styles.texture;
-            mesh.material.map = styles.texture ? mesh.userData.picture ?? null : null;
-            mesh.material.needsUpdate = true;
+            const map = styles.texture ? mesh.userData.picture ?? null : null;
+            if (mesh.material.map !== map) {
+                mesh.material.map = map;
+                mesh.material.needsUpdate = true;
+            }
         }
         this.recolor(id);
     }
