@@ -32,6 +32,9 @@ const SHININESS = 24;
 const SPECULAR = 0.15;
 const DEFAULT_EYE = [0, 1.5, -8];
 
+// How the export writes a model's picture into the page's files.
+const PICTURE_PREFIX = "data:image/png;base64,";
+
 // A shape whose lowest point is deeper than this is in the ground.
 const SUNK = 0.01;
 
@@ -219,12 +222,14 @@ export class WebBackend {
     }
 
     // The model's pictures, decoded once for all its parts. One that the
-    // browser can't decode is left out: its meshes keep their colours.
+    // browser can't decode is left out: its meshes keep their colours. Only
+    // pictures held in the page's own files are read, never an address.
     picturesOf(file) {
         if (!this.pictures.has(file)) {
-            const urls = this.models[file]?.pictures ?? [];
-            this.pictures.set(file, urls.map((url) => typeof url === "string"
-                ? new THREE.TextureLoader().loadAsync(url).catch(() => null) : null));
+            const urls = this.models[file]?.pictures;
+            this.pictures.set(file, (Array.isArray(urls) ? urls : []).map((url) =>
+                typeof url === "string" && url.startsWith(PICTURE_PREFIX)
+                    ? new THREE.TextureLoader().loadAsync(url).catch(() => null) : null));
         }
         return this.pictures.get(file);
     }
