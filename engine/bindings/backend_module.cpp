@@ -87,7 +87,8 @@ py::dict toDict(const vessa::core::Model& model) {
 
 // What each part of a model file is made of, for drawing it elsewhere:
 // per part a list of meshes in the file's right-handed axes.
-py::list meshesOf(const vessa::core::ModelDescription& model) {
+// A model's parts as meshes to be drawn elsewhere, and its pictures.
+py::dict describedForDrawing(const vessa::core::ModelDescription& model) {
     py::list parts;
     for (const auto& part : model.parts) {
         py::list meshes;
@@ -96,16 +97,44 @@ py::list meshesOf(const vessa::core::ModelDescription& model) {
             d["positions"] = mesh.positions;
             d["normals"] = mesh.normals;
             d["colors"] = mesh.colors;
+            d["texcoords"] = mesh.texCoords;
             d["triangles"] = mesh.triangles;
             d["diffuse"] = mesh.look.hasMaterial ? std::vector<float>(mesh.look.diffuse.begin(),
                                                                       mesh.look.diffuse.begin() + 3)
                                                  : std::vector<float>{1.0f, 1.0f, 1.0f};
             d["blended"] = mesh.look.blended;
+            // The rest of the material, where the file gives one; vertex
+            // colours stand for its ambient colour as for its diffuse.
+            const auto rgb = [](const std::array<float, 4>& c) {
+                return std::vector<float>(c.begin(), c.begin() + 3);
+            };
+            const bool own = mesh.look.hasMaterial;
+            d["ambient"] = own && !mesh.look.litVertexColors ? py::cast(rgb(mesh.look.ambient))
+                                                             : py::object(py::none());
+            d["specular"] = own ? py::cast(rgb(mesh.look.specular)) : py::object(py::none());
+            d["emission"] = own ? py::cast(rgb(mesh.look.emission)) : py::object(py::none());
+            d["shininess"] =
+                own ? py::object(py::float_(mesh.look.shininess)) : py::object(py::none());
+            d["picture"] = mesh.look.texture >= 0 && !mesh.texCoords.empty()
+                               ? py::object(py::int_(mesh.look.texture))
+                               : py::object(py::none());
             meshes.append(d);
         }
         parts.append(meshes);
     }
-    return parts;
+    py::list pictures;
+    for (const auto& texture : model.textures) {
+        py::dict d;
+        d["width"] = texture.width;
+        d["height"] = texture.height;
+        d["rgba"] =
+            py::bytes(reinterpret_cast<const char*>(texture.rgba.data()), texture.rgba.size());
+        pictures.append(d);
+    }
+    py::dict described;
+    described["parts"] = parts;
+    described["pictures"] = pictures;
+    return described;
 }
 
 py::dict toDict(const vessa::core::InputEvent& event) {
@@ -245,7 +274,7 @@ PYBIND11_MODULE(_backend, m) {
         .def(
             "describe_model",
             [](const Backend&, const std::string& path) {
-                return meshesOf(
+                return describedForDrawing(
                     vessa::core::readDescription(path, vessa::core::ReaderProcess::shared()));
             },
             "path"_a)

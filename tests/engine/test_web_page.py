@@ -1,9 +1,12 @@
 """SaveForPlugin: the page that plays a saved world, and the shapes of its
 models that a browser can't read from their files."""
 
+import base64
 import json
 import os
 import shutil
+import struct
+import zlib
 
 import pytest
 
@@ -137,3 +140,50 @@ def test_the_pages_backend_gives_the_engine_its_own_kind_of_values(monkeypatch):
     assert event["ray"] == ((0.0, 0.0, -8.0), (0.0, 0.0, 1.0))
     with pytest.raises(ValueError, match="did not come with the page"):
         backend.load_model("/world/Lamp.mdl")
+
+
+def _bmp(rows):
+    """A 24-bit picture file; rows of (r, g, b) pixels, the top row first."""
+    width = len(rows[0])
+    pad = b"\0" * (-3 * width % 4)
+    body = b"".join(b"".join(bytes((b, g, r)) for r, g, b in row) + pad for row in reversed(rows))
+    header = struct.pack("<2sIHHI", b"BM", 54 + len(body), 0, 0, 54)
+    info = struct.pack("<IiiHHIIiiII", 40, width, len(rows), 1, 24, 0, len(body), 2835, 2835, 0, 0)
+    return header + info + body
+
+
+def _png_rows(url):
+    """The rows of pixels, top first, of an 8-bit RGBA PNG without filters."""
+    png = base64.b64decode(url.split(",", 1)[1])
+    at, data, width = 8, b"", 0
+    while at < len(png):
+        (length,), kind = struct.unpack(">I", png[at:at + 4]), png[at + 4:at + 8]
+        chunk = png[at + 8:at + 8 + length]
+        if kind == b"IHDR":
+            width = struct.unpack(">I", chunk[:4])[0]
+        elif kind == b"IDAT":
+            data += chunk
+        at += 12 + length
+    raw, stride = zlib.decompress(data), 1 + 4 * width
+    return [[tuple(raw[i:i + 3]) for i in range(row + 1, row + stride, 4)]
+            for row in range(0, len(raw), stride)]
+
+
+def test_a_models_pictures_go_beside_the_page_the_right_way_up(saved, backend_kind):
+    interp, world, site = saved
+    if backend_kind == "python" or not interp.GetModelFileKinds():
+        pytest.skip("the pure-Python backend reads no model files")
+    (world / "Tile.obj").write_text("mtllib Tile.mtl\nv 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\n"
+                                    "vt 0 0\nvt 1 0\nvt 1 1\nvt 0 1\nusemtl skin\n"
+                                    "f 1/1 2/2 3/3 4/4\n")
+    (world / "Tile.mtl").write_text("newmtl skin\nmap_Kd Tile.bmp\n")
+    top, bottom = [(255, 0, 0), (0, 255, 0)], [(0, 0, 255), (255, 255, 0)]
+    (world / "Tile.bmp").write_bytes(_bmp([top, bottom]))
+    assert interp.addobject(str(world / "Tile.obj")) is None
+    assert interp.SaveScene(str(world)) is None
+    assert interp.SaveForPlugin(str(world), str(site / "p.html"), 320, 240, "Left", 1,
+                                PLAYER) is None
+    tile = json.loads((site / "p.models.json").read_text(encoding="utf-8"))["Tile.obj"]
+    (mesh,) = tile["meshes"][0]
+    assert mesh["picture"] == 0 and len(mesh["texcoords"]) == 2 * len(mesh["positions"]) // 3
+    assert _png_rows(tile["pictures"][0]) == [top, bottom]

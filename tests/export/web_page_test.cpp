@@ -4,14 +4,17 @@
 #include "world/script_run.h"
 #include "world/standalone_script.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSet>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -194,6 +197,14 @@ public:
         engine_.call(QStringLiteral("AdvanceClock"), {seconds});
         EXPECT_TRUE(engine_.call(QStringLiteral("Loop")).isNull());
     }
+    // The world through its camera, drawn offscreen on the chosen path.
+    QImage picture(const QString& folder, int width, int height, bool highQuality) {
+        engine_.call(QStringLiteral("SetAcceleration"), {highQuality ? 1 : 0});
+        EXPECT_TRUE(
+            engine_.call(QStringLiteral("SaveThumbnail"), {folder, width, height}).isNull());
+        return QImage(QDir(folder).filePath(QStringLiteral("world_thumbnail.bmp")))
+            .convertToFormat(QImage::Format_RGB32);
+    }
 
 private:
     EngineLink engine_;
@@ -279,4 +290,260 @@ TEST(WebPage, OneWorldDoesTheSameOnTheDesktopAndInThePage) {
                            .toDouble() -
                        2.0),
               1.9);
+}
+
+// -- what the page draws, beside what the desktop draws -----------------------
+
+namespace {
+
+constexpr int kViewWidth = 320; // the page's view as the export sizes it
+constexpr int kViewHeight = 240;
+
+// The page's view, drawn on the high-quality or the light path, once its
+// pictures are decoded; a null picture when the page did not play. The page
+// asks nothing of any other address.
+QImage pageView(const WebServer& server, const QString& page, const QString& into, bool high) {
+    const QJsonObject seen = browse({QStringLiteral("look"), server.url(page), into,
+                                     high ? QStringLiteral("high") : QStringLiteral("low")});
+    EXPECT_TRUE(seen[QStringLiteral("failure")].isNull())
+        << seen[QStringLiteral("failure")].toString().toStdString();
+    EXPECT_GT(seen[QStringLiteral("frames")].toInt(), 2);
+    EXPECT_TRUE(seen[QStringLiteral("elsewhere")].toArray().isEmpty())
+        << QJsonDocument(seen[QStringLiteral("elsewhere")].toArray()).toJson().toStdString();
+    return QImage(into).convertToFormat(QImage::Format_RGB32);
+}
+
+using PixelTest = bool (*)(QRgb);
+
+QList<QPoint> pixelsWhere(const QImage& image, PixelTest test) {
+    QList<QPoint> found;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (test(image.pixel(x, y)))
+                found.append({x, y});
+        }
+    }
+    return found;
+}
+
+// How much two sets of pixels overlap: 1 the same pixels, 0 none in common.
+double overlap(const QList<QPoint>& a, const QList<QPoint>& b) {
+    QSet<quint64> inA;
+    for (const QPoint& p : a)
+        inA.insert(quint64(p.x()) << 32 | quint64(p.y()));
+    qsizetype both = 0;
+    for (const QPoint& p : b)
+        both += inA.contains(quint64(p.x()) << 32 | quint64(p.y()));
+    const qsizetype either = a.size() + b.size() - both;
+    return either == 0 ? 1.0 : double(both) / double(either);
+}
+
+bool reddish(QRgb c) {
+    return qRed(c) > qGreen(c) + 50 && qRed(c) > qBlue(c) + 50;
+}
+bool yellowish(QRgb c) {
+    return qRed(c) > qBlue(c) + 60 && qGreen(c) > qBlue(c) + 60 &&
+           std::abs(qRed(c) - qGreen(c)) < 50;
+}
+bool greyish(QRgb c) {
+    return qMin(qRed(c), qMin(qGreen(c), qBlue(c))) > 60 &&
+           qMax(qRed(c), qMax(qGreen(c), qBlue(c))) - qMin(qRed(c), qMin(qGreen(c), qBlue(c))) < 30;
+}
+bool magentaish(QRgb c) {
+    return qRed(c) > qGreen(c) + 60 && qBlue(c) > qGreen(c) + 60;
+}
+
+// The pixels that the high-quality path draws clearly darker than the light one.
+QList<QPoint> darkened(const QImage& light, const QImage& high) {
+    QList<QPoint> found;
+    for (int y = 0; y < light.height(); ++y) {
+        for (int x = 0; x < light.width(); ++x) {
+            if (qGray(high.pixel(x, y)) < qGray(light.pixel(x, y)) * 0.85)
+                found.append({x, y});
+        }
+    }
+    return found;
+}
+
+// Each channel's average difference, 0 to 255, over a disc of the view.
+double meanDifference(const QImage& a, const QImage& b, QPoint centre, int radius) {
+    double sum = 0;
+    int count = 0;
+    for (int y = centre.y() - radius; y <= centre.y() + radius; ++y) {
+        for (int x = centre.x() - radius; x <= centre.x() + radius; ++x) {
+            if ((QPoint(x, y) - centre).manhattanLength() > radius)
+                continue;
+            const QRgb p = a.pixel(x, y), q = b.pixel(x, y);
+            sum += std::abs(qRed(p) - qRed(q)) + std::abs(qGreen(p) - qGreen(q)) +
+                   std::abs(qBlue(p) - qBlue(q));
+            ++count;
+        }
+    }
+    return sum / (3.0 * count);
+}
+
+// A cube two meters a side standing on the ground, its sides showing a
+// picture, in a material of its own colour (r g b).
+void writeTexturedCube(const World& world, const QByteArray& picture, const QByteArray& color) {
+    world.write(QStringLiteral("Crate.obj"),
+                "mtllib Crate.mtl\n"
+                "v -1 0 -1\nv 1 0 -1\nv 1 2 -1\nv -1 2 -1\nv -1 0 1\nv 1 0 1\nv 1 2 1\nv -1 2 1\n"
+                "vt 0 0\nvt 1 0\nvt 1 1\nvt 0 1\nusemtl skin\n"
+                "f 1/1 4/4 3/3 2/2\nf 5/1 6/2 7/3 8/4\nf 1/1 5/2 8/3 4/4\n"
+                "f 2/1 3/4 7/3 6/2\nf 4/1 8/2 7/3 3/4\nf 1/1 2/2 6/3 5/4\n");
+    world.write(QStringLiteral("Crate.mtl"), "newmtl skin\nKd " + color + "\nmap_Kd Crate.png\n");
+    world.write(QStringLiteral("Crate.png"), picture);
+}
+
+QByteArray yellowOverMagenta() {
+    QImage picture(64, 64, QImage::Format_RGB32);
+    picture.fill(QColor(255, 230, 0));
+    for (int y = 32; y < 64; ++y) {
+        for (int x = 0; x < 64; ++x)
+            picture.setPixel(x, y, qRgb(230, 0, 230));
+    }
+    QByteArray png;
+    QBuffer out(&png);
+    out.open(QIODevice::WriteOnly);
+    picture.save(&out, "PNG");
+    return png;
+}
+
+const QByteArray kCrate = "Object(kind='model', name='Crate', parent='Scene', firstclass=True, "
+                          "position=(0.0, 0.0, 0.0), model='Crate.obj#0')\n";
+
+} // namespace
+
+TEST(WebPageDrawing, TextsStandAsSolidLettersWhereTheDesktopDrawsThem) {
+    if (!browserAtHand())
+        GTEST_SKIP() << "no Chromium or puppeteer-core (tools/install-deps.sh installs them)";
+    // Red letters facing the camera; beside them a text of no words, in magenta.
+    World world(QStringLiteral("Sign"),
+                "Object(kind='model', name='Sign', parent='Scene', firstclass=True, "
+                "position=(0.0, 1.0, 0.0), orientation=(0, 0, 1, 0), color=(1.0, 0.0, 0.0), "
+                "model='text:HELLO')\n"
+                "Object(kind='model', name='Blank', parent='Scene', firstclass=True, "
+                "position=(0.0, 2.5, 0.0), color=(1.0, 0.0, 1.0), model='text:')\n");
+    QTemporaryDir site;
+    exportPage(world.folder, site.path());
+    WebServer server(site.path());
+    ASSERT_TRUE(server.serving());
+
+    const QImage page = pageView(server, QStringLiteral("Sign.html"),
+                                 site.filePath(QStringLiteral("page.png")), false);
+    const QImage desktop =
+        DesktopRun(world.folder).picture(world.folder, kViewWidth, kViewHeight, false);
+    const QList<QPoint> letters = pixelsWhere(page, reddish);
+    // Letters most of a meter high, eight meters away, stand in the view
+    // where the desktop draws its own; the text of no words draws nothing.
+    EXPECT_GT(letters.size(), 500);
+    EXPECT_GT(overlap(letters, pixelsWhere(desktop, reddish)), 0.7);
+    EXPECT_TRUE(pixelsWhere(page, magentaish).isEmpty());
+}
+
+TEST(WebPageDrawing, AModelsPictureIsOnItsSidesAndABrokenOneLeavesItsColour) {
+    if (!browserAtHand())
+        GTEST_SKIP() << "no Chromium or puppeteer-core (tools/install-deps.sh installs them)";
+    World world(QStringLiteral("Crate"), kCrate);
+    writeTexturedCube(world, yellowOverMagenta(), "1 1 1");
+    QTemporaryDir site;
+    exportPage(world.folder, site.path());
+    WebServer server(site.path());
+    ASSERT_TRUE(server.serving());
+
+    // The picture the right way up, where the desktop puts it.
+    const QImage page = pageView(server, QStringLiteral("Crate.html"),
+                                 site.filePath(QStringLiteral("page.png")), false);
+    const QImage desktop =
+        DesktopRun(world.folder).picture(world.folder, kViewWidth, kViewHeight, false);
+    EXPECT_GT(pixelsWhere(page, yellowish).size(), 1000);
+    EXPECT_GT(overlap(pixelsWhere(page, yellowish), pixelsWhere(desktop, yellowish)), 0.7);
+    EXPECT_GT(overlap(pixelsWhere(page, magentaish), pixelsWhere(desktop, magentaish)), 0.7);
+
+    // A picture the browser can't decode, and one named by an address, which
+    // is not fetched: the page plays on, the cube in its material's white
+    // where the picture was.
+    QFile shapes(site.filePath(QStringLiteral("Crate.models.json")));
+    ASSERT_TRUE(shapes.open(QIODevice::ReadOnly));
+    const QString exported = QString::fromUtf8(shapes.readAll());
+    shapes.close();
+    static const QRegularExpression picture(QStringLiteral(R"("data:image/png;base64,[^"]*")"));
+    ASSERT_TRUE(picture.match(exported).hasMatch());
+    const QList<QPoint> cube = pixelsWhere(page, yellowish) + pixelsWhere(page, magentaish);
+    for (const QString& instead : {QStringLiteral(R"("data:image/png;base64,iVBORw0KGgoAAAA")"),
+                                   QStringLiteral(R"("http://192.0.2.1/Crate.png")")}) {
+        ASSERT_TRUE(shapes.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        shapes.write(QString(exported).replace(picture, instead).toUtf8());
+        shapes.close();
+        const QImage broken = pageView(server, QStringLiteral("Crate.html"),
+                                       site.filePath(QStringLiteral("broken.png")), false);
+        EXPECT_TRUE(pixelsWhere(broken, yellowish).isEmpty()) << instead.toStdString();
+        EXPECT_TRUE(pixelsWhere(broken, magentaish).isEmpty()) << instead.toStdString();
+        EXPECT_GT(overlap(cube, pixelsWhere(broken, greyish)), 0.8) << instead.toStdString();
+    }
+}
+
+TEST(WebPageDrawing, APictureFileThatIsNotOneLeavesTheModelColoured) {
+    if (!browserAtHand())
+        GTEST_SKIP() << "no Chromium or puppeteer-core (tools/install-deps.sh installs them)";
+    World world(QStringLiteral("Crate"), kCrate);
+    writeTexturedCube(world, QByteArray("\x89PNG\r\n\x1a\n") + QByteArray(500, '\x7f'),
+                      "0.2 0.3 1.0");
+    QTemporaryDir site;
+    exportPage(world.folder, site.path());
+    WebServer server(site.path());
+    ASSERT_TRUE(server.serving());
+    const QImage page = pageView(server, QStringLiteral("Crate.html"),
+                                 site.filePath(QStringLiteral("page.png")), false);
+    EXPECT_GT(pixelsWhere(page, [](QRgb c) { return qBlue(c) > qRed(c) + 80; }).size(), 1000);
+}
+
+TEST(WebPageDrawing, ShadowsAndLightAsOnTheDesktop) {
+    if (!browserAtHand())
+        GTEST_SKIP() << "no Chromium or puppeteer-core (tools/install-deps.sh installs them)";
+    // A box standing on the ground and a ball floating beside it, under the world's light.
+    World world(QStringLiteral("Shade"),
+                kBox + "Object(kind='model', name='Ball', parent='Scene', firstclass=True, "
+                       "position=(-2.0, 1.5, 0.0), color=(0.9, 0.8, 0.2), model='Ball.mdl#0')\n");
+    QFile::copy(QStringLiteral(VESSA_HOME_DIR "/Objects/Shapes/Ball.mdl"),
+                QDir(world.folder).filePath(QStringLiteral("Ball.mdl")));
+    QTemporaryDir site;
+    exportPage(world.folder, site.path());
+    WebServer server(site.path());
+    ASSERT_TRUE(server.serving());
+    const QImage pageLight = pageView(server, QStringLiteral("Shade.html"),
+                                      site.filePath(QStringLiteral("light.png")), false);
+    const QImage pageHigh = pageView(server, QStringLiteral("Shade.html"),
+                                     site.filePath(QStringLiteral("high.png")), true);
+    DesktopRun desktop(world.folder);
+    const QImage desktopLight = desktop.picture(world.folder, kViewWidth, kViewHeight, false);
+    const QImage desktopHigh = desktop.picture(world.folder, kViewWidth, kViewHeight, true);
+
+    // The objects' shadows darken the same stretch of ground, only on the
+    // high-quality path.
+    const QList<QPoint> shade = darkened(pageLight, pageHigh);
+    EXPECT_GT(shade.size(), 300);
+    EXPECT_GT(overlap(shade, darkened(desktopLight, desktopHigh)), 0.6);
+}
+
+TEST(WebPageDrawing, ABallIsLitAsOnTheDesktop) {
+    if (!browserAtHand())
+        GTEST_SKIP() << "no Chromium or puppeteer-core (tools/install-deps.sh installs them)";
+    // A ball two meters across, three meters before the camera, in the middle of the view.
+    World world(QStringLiteral("Lit"),
+                "Object(kind='model', name='Ball', parent='Scene', firstclass=True, "
+                "position=(0.0, 0.5, -5.0), size=(2.0, 2.0, 2.0), model='Ball.mdl#0')\n");
+    QFile::copy(QStringLiteral(VESSA_HOME_DIR "/Objects/Shapes/Ball.mdl"),
+                QDir(world.folder).filePath(QStringLiteral("Ball.mdl")));
+    QTemporaryDir site;
+    exportPage(world.folder, site.path());
+    WebServer server(site.path());
+    ASSERT_TRUE(server.serving());
+    const QImage page = pageView(server, QStringLiteral("Lit.html"),
+                                 site.filePath(QStringLiteral("page.png")), false);
+    const QImage desktop =
+        DesktopRun(world.folder).picture(world.folder, kViewWidth, kViewHeight, false);
+    // Its colours, its light and dark sides and its highlight as the desktop's, give
+    // or take the difference between lighting each pixel and lighting each corner.
+    EXPECT_LT(meanDifference(page, desktop, {kViewWidth / 2, kViewHeight / 2}, 70), 8.0);
 }

@@ -82,11 +82,14 @@ Model files (.mdl, the engine's own, and those of other programs):
         leading out of it; "missing": what it named that is not there, as
         it names them. Raises ValueError with a message for the user when
         the file can't be read, or holds nothing that can be seen.
-    describe_model(path) -> [[mesh, ...] per part]   what the parts are made
-        of, to be drawn elsewhere (a web page): each mesh {"positions",
-        "normals", "colors", "triangles", "diffuse", "blended"}, numbers in
-        the file's right-handed axes (x mirrored from the engine's).
-        ValueError as load_model
+    describe_model(path) -> {"parts": [[mesh, ...] per part], "pictures": [...]}
+        what the parts are made of, to be drawn elsewhere (a web page):
+        each mesh {"positions", "normals", "colors", "texcoords" (none, or
+        s t a vertex), "triangles", "diffuse", "ambient", "specular",
+        "emission" (r g b, or None: the drawing's own), "shininess" (or
+        None), "blended", "picture" (index into pictures, or None)}, numbers in the file's right-handed axes
+        (x mirrored from the engine's); each picture {"width", "height",
+        "rgba" (bytes, bottom row first)}. ValueError as load_model
     store_model(path, parts)         writes nodes as one object (.mdl):
         parts are (node_id, name, parent index or None), the object first
 

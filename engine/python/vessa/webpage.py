@@ -7,10 +7,13 @@ archive `<name>.ves` beside it, and the shapes from `<name>.models.json`.
 The archive and the player's files are written by the front end.
 """
 
+import base64
 import html
 import json
 import os
 import re
+import struct
+import zlib
 
 from . import models
 
@@ -100,12 +103,33 @@ def model_shapes(things, folder, backend):
             continue
         try:
             model = backend.load_model(path)
-            meshes = backend.describe_model(path)
+            described = backend.describe_model(path)
         except ValueError:      # told when the world was loaded; drawn with nothing
             continue
         key = os.path.relpath(path, folder).replace(os.sep, "/")
-        shapes[key] = dict(model, meshes=meshes)
+        shapes[key] = dict(model, meshes=described["parts"],
+                           pictures=[png_data_url(p["width"], p["height"], p["rgba"])
+                                     for p in described["pictures"]])
     return shapes
+
+
+def png_data_url(width, height, rgba):
+    """A picture (red, green, blue, alpha bytes, bottom row first) as a PNG
+    the browser decodes itself, top row first as PNG has it; None when the
+    bytes are not width x height pixels."""
+    row = 4 * width
+    if width <= 0 or height <= 0 or len(rgba) != row * height:
+        return None
+    rows = b"".join(b"\0" + rgba[y * row:(y + 1) * row] for y in reversed(range(height)))
+
+    def chunk(kind, data):
+        return (struct.pack(">I", len(data)) + kind + data
+                + struct.pack(">I", zlib.crc32(kind + data) & 0xFFFFFFFF))
+
+    png = (b"\x89PNG\r\n\x1a\n"
+           + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 6, 0, 0, 0))
+           + chunk(b"IDAT", zlib.compress(rows, 6)) + chunk(b"IEND", b""))
+    return "data:image/png;base64," + base64.b64encode(png).decode("ascii")
 
 
 def write(things, backend, folder, page, width, height, position, navigator, player):

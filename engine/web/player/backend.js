@@ -10,6 +10,8 @@
 
 import * as THREE from "./three/three.module.min.js";
 import { WorldState, STYLES } from "./tweens.js";
+import { PlanarShadows } from "./shadows.js";
+import { SolidLetters } from "./letters.js";
 
 THREE.ColorManagement.enabled = false;
 
@@ -18,11 +20,23 @@ const NEAR = 0.05;
 const FAR = 2000;
 const SKY_HORIZON = [0.78, 0.87, 0.96];
 const SKY_TOP = [0.30, 0.52, 0.84];
-const AMBIENT = 0.32;
+// The desktop's lights: the world's ambient light, a fill light from above
+// and behind the default eye, and the world's own lights, unweakened by
+// distance. Shapes without a material of their own shine a little.
+const AMBIENT = [0.32, 0.32, 0.34];
 const FILL = 0.45;
 const FILL_DIRECTION = new THREE.Vector3(0.35, 1.0, -0.55);
-const SCENE_LIGHT = 0.8; // a light of the world, unweakened by distance
+const SCENE_LIGHT = 0.8;
+const SCENE_LIGHT_SPECULAR = 0.3;
+const SHININESS = 24;
+const SPECULAR = 0.15;
 const DEFAULT_EYE = [0, 1.5, -8];
+
+// How the export writes a model's picture into the page's files.
+const PICTURE_PREFIX = "data:image/png;base64,";
+
+// A shape whose lowest point is deeper than this is in the ground.
+const SUNK = 0.01;
 
 const toThreePoint = (p) => new THREE.Vector3(-p[0], p[1], p[2]);
 const fromThreePoint = (v) => [-v.x, v.y, v.z];
@@ -30,8 +44,10 @@ const toThreeRotation = (q) => new THREE.Quaternion(q[1], -q[2], -q[3], q[0]);
 
 export class WebBackend {
     // models: {file path in the page's file system: {name, parts, files,
-    // missing, meshes: [[mesh, ...] per part]}}; readFile(path) -> bytes or null.
-    constructor(canvas, models, readFile) {
+    // missing, meshes: [[mesh, ...] per part], pictures: [PNG data URL or
+    // null, ...]}}; readFile(path) -> bytes or null; font: the letters'
+    // typeface (three.js's JSON form), or null: texts are then not drawn.
+    constructor(canvas, models, readFile, font = null) {
         this.state = new WorldState();
         this.models = models;
         this.readFile = readFile;
@@ -41,16 +57,21 @@ export class WebBackend {
         this.frameTimes = [];
         this.scene = new THREE.Scene();
         this.scene.background = skyTexture();
-        this.scene.add(new THREE.AmbientLight(0xffffff, AMBIENT * Math.PI));
+        this.scene.add(new THREE.AmbientLight(new THREE.Color(...AMBIENT), Math.PI));
         const fill = new THREE.DirectionalLight(0xffffff, FILL * Math.PI);
         fill.position.copy(FILL_DIRECTION);
         this.scene.add(fill);
         this.camera = new THREE.PerspectiveCamera(FIELD_OF_VIEW_DEGREES, 4 / 3, NEAR, FAR);
         this.raycaster = new THREE.Raycaster();
-        this.renderer = canvas ? new THREE.WebGLRenderer({ canvas, antialias: true, preserveDrawingBuffer: true }) : null;
+        this.renderer = canvas ? new THREE.WebGLRenderer({ canvas, antialias: true, stencil: true,
+                                                           preserveDrawingBuffer: true }) : null;
         // Colours are drawn as the world gives them, as on the desktop.
         if (this.renderer)
             this.renderer.outputColorSpace = THREE.LinearSRGBColorSpace;
+        this.letters = font ? new SolidLetters(font) : null;
+        this.pictures = new Map(); // model file -> [texture promise or null, ...]
+        this.shadows = new PlanarShadows(this.scene);
+        this.highQuality = this.hardware_accelerated();
         this.sounds = new Map(); // path -> AudioBuffer promise
         this.audio = null;
         if (canvas)
@@ -176,26 +197,41 @@ export class WebBackend {
     }
 
     box() {
-        const mesh = new THREE.Mesh(new THREE.BoxGeometry(1, 1, 1), new THREE.MeshLambertMaterial());
+        const mesh = new THREE.Mesh(new THREE.BoxGeometry(1, 1, 1), worldMaterial());
         const shape = new THREE.Group();
         shape.add(mesh);
         return shape;
     }
 
-    // "<file>#<part>": the part's meshes as the export described them.
-    // Solid letters ("text:") are not drawn in the page.
+    // "text:<words>": solid letters; "<file>#<part>": the part's meshes as
+    // the export described them, with their pictures.
     modelShape(reference) {
+        if (reference.startsWith("text:")) {
+            const geometry = this.letters?.geometry(reference.slice("text:".length));
+            return geometry ? shapeOf([new THREE.Mesh(geometry, worldMaterial())]) : null;
+        }
         const hash = reference.lastIndexOf("#");
-        if (reference.startsWith("text:") || hash < 0)
+        if (hash < 0)
             return null;
-        const model = this.models[reference.slice(0, hash)];
-        const meshes = model?.meshes?.[Number(reference.slice(hash + 1))];
+        const file = reference.slice(0, hash);
+        const meshes = this.models[file]?.meshes?.[Number(reference.slice(hash + 1))];
         if (!meshes)
             return null;
-        const shape = new THREE.Group();
-        for (const described of meshes)
-            shape.add(meshFrom(described));
-        return shape;
+        const pictures = this.picturesOf(file);
+        return shapeOf(meshes.map((described) => meshFrom(described, pictures)));
+    }
+
+    // The model's pictures, decoded once for all its parts. One that the
+    // browser can't decode is left out: its meshes keep their colours. Only
+    // pictures held in the page's own files are read, never an address.
+    picturesOf(file) {
+        if (!this.pictures.has(file)) {
+            const urls = this.models[file]?.pictures;
+            this.pictures.set(file, (Array.isArray(urls) ? urls : []).map((url) =>
+                typeof url === "string" && url.startsWith(PICTURE_PREFIX)
+                    ? new THREE.TextureLoader().loadAsync(url).catch(() => null) : null));
+        }
+        return this.pictures.get(file);
     }
 
     shapeBox(id) {
@@ -218,6 +254,12 @@ export class WebBackend {
         made.shape.visible = styles.visible;
         for (const mesh of meshesOf(made.shape)) {
             mesh.material.wireframe = String(styles.filling).toLowerCase() === "lines";
+            mesh.userData.textured = styles.texture;
+            const map = styles.texture ? mesh.userData.picture ?? null : null;
+            if (mesh.material.map !== map) {
+                mesh.material.map = map;
+                mesh.material.needsUpdate = true;
+            }
         }
         this.recolor(id);
     }
@@ -252,10 +294,39 @@ export class WebBackend {
         }
         this.scene.updateMatrixWorld(true);
         this.placeCamera();
+        if (this.highQuality)
+            this.shadows.place(this.shadowCasters(), this.shadowSource());
+        else
+            this.shadows.hide();
         if (this.renderer) {
             this.renderer.render(this.scene, this.camera);
             this.frameTimes.push(performance.now());
         }
+    }
+
+    // The shapes that stand on or above the ground, as on the desktop: a
+    // shape sunk into it (the ground itself) throws no shadow.
+    shadowCasters() {
+        const casters = [];
+        for (const [id, made] of this.objects) {
+            const node = this.state.node(id);
+            if (!made.shape || !node.styles.visible || !node.styles.shadow || !this.state.inWorld(id))
+                continue;
+            const box = new THREE.Box3().setFromObject(made.shape);
+            if (!box.isEmpty() && box.min.y >= -SUNK)
+                casters.push(...meshesOf(made.shape));
+        }
+        return casters;
+    }
+
+    // The first light in the world (a point), else the fill light's direction.
+    shadowSource() {
+        const id = [...this.state.nodes.keys()].find(
+            (n) => this.state.node(n).kind === "light" && this.state.inWorld(n));
+        if (id === undefined)
+            return new THREE.Vector4(FILL_DIRECTION.x, FILL_DIRECTION.y, FILL_DIRECTION.z, 0);
+        const at = toThreePoint(this.state.worldPlace(id).position);
+        return new THREE.Vector4(at.x, at.y, at.z, 1);
     }
 
     placeCamera() {
@@ -387,8 +458,22 @@ export class WebBackend {
     close_view() {}
     focus_view() { this.canvas?.focus(); return null; }
     check_drawing() { return this.renderer ? "" : "This page can't draw: the browser gives it no WebGL"; }
-    hardware_accelerated() { return false; }
-    set_acceleration() { return null; }
+    // A browser that draws with a graphics card; software WebGL (SwiftShader,
+    // llvmpipe) draws the light path unless the world asks for more.
+    hardware_accelerated() {
+        const gl = this.renderer?.getContext();
+        if (!gl)
+            return false;
+        const info = gl.getExtension("WEBGL_debug_renderer_info");
+        const name = String(gl.getParameter(info ? info.UNMASKED_RENDERER_WEBGL : gl.RENDERER));
+        return !/swiftshader|llvmpipe|softpipe|software/i.test(name);
+    }
+
+    // The high-quality path adds shadows on the ground.
+    set_acceleration(on) {
+        this.highQuality = Boolean(on);
+        return null;
+    }
     save_picture(path) { return `${path} is not written: a web page keeps no pictures`; }
     screen_size() { return [window.screen?.width ?? 1920, window.screen?.height ?? 1080]; }
 
@@ -473,9 +558,53 @@ function meshesOf(shape) {
     return found;
 }
 
+function shapeOf(meshes) {
+    const shape = new THREE.Group();
+    for (const mesh of meshes)
+        shape.add(mesh);
+    return shape;
+}
+
+// A material lit per pixel as the desktop lights it: by default the
+// desktop's own (its colour in the ambient light as in the others, a small
+// highlight), or what a model file gives (look: ambient, specular, emission,
+// shininess). It marks the pixels the world covers, where shadows may fall.
+function worldMaterial(options = {}, look = {}) {
+    const shininess = Math.max(look.shininess ?? SHININESS, 1);
+    const specular = look.specular ?? [SPECULAR, SPECULAR, SPECULAR];
+    const material = new THREE.MeshPhongMaterial({
+        specular: new THREE.Color(...specular.map((k) => highlight(k, shininess))),
+        emissive: new THREE.Color(...(look.emission ?? [0, 0, 0])), shininess, ...options });
+    const diffuse = look.diffuse ?? [1, 1, 1];
+    const ambientShare = new THREE.Vector3(...(look.ambient ?? diffuse).map(
+        (a, i) => (diffuse[i] > 0 ? a / diffuse[i] : 0)));
+    // three.js lights every material's ambient in its diffuse colour; the
+    // desktop in the material's ambient colour, which may be darker.
+    material.onBeforeCompile = (shader) => {
+        shader.uniforms.ambientShare = { value: ambientShare };
+        shader.fragmentShader = "uniform vec3 ambientShare;\n" + shader.fragmentShader.replace(
+            "#include <lights_fragment_begin>",
+            THREE.ShaderChunk.lights_fragment_begin.replace(
+                "getAmbientLightIrradiance( ambientLightColor )",
+                "getAmbientLightIrradiance( ambientLightColor ) * ambientShare"));
+    };
+    material.customProgramCacheKey = () => "ambientShare";
+    PlanarShadows.markGround(material);
+    return material;
+}
+
+// The specular colour three.js's Blinn-Phong needs to give the desktop's
+// highlight: k of the world's light's specular strength at its peak, where
+// three.js scales the peak by (shininess / 2 + 1) / 4 and by the light's
+// whole strength.
+function highlight(k, shininess) {
+    return (k * SCENE_LIGHT_SPECULAR) / SCENE_LIGHT / ((shininess / 2 + 1) / 4);
+}
+
 // One mesh of a model file's description: positions, normals (none, one
-// for all, or one a vertex), colours (likewise, r g b a), triangles.
-function meshFrom(d) {
+// for all, or one a vertex), colours (likewise, r g b a), texture
+// coordinates (none, or s t a vertex) with a picture, triangles.
+function meshFrom(d, pictures) {
     const geometry = new THREE.BufferGeometry();
     const count = d.positions.length / 3;
     geometry.setAttribute("position", new THREE.Float32BufferAttribute(d.positions, 3));
@@ -487,10 +616,26 @@ function meshFrom(d) {
     const perVertex = d.colors.length === count * 4;
     if (perVertex)
         geometry.setAttribute("color", new THREE.Float32BufferAttribute(d.colors, 4));
-    const material = new THREE.MeshLambertMaterial({ vertexColors: perVertex, side: THREE.DoubleSide,
-                                                     transparent: Boolean(d.blended) });
+    const material = worldMaterial({ vertexColors: perVertex, side: THREE.DoubleSide,
+                                     transparent: Boolean(d.blended) },
+                                   { ...d, diffuse: perVertex ? null : d.diffuse });
     const mesh = new THREE.Mesh(geometry, material);
     mesh.userData.diffuse = d.colors.length === 4 ? d.colors.slice(0, 3) : d.diffuse ?? [1, 1, 1];
+    const picture = Number.isInteger(d.picture) ? pictures[d.picture] : null;
+    if (picture && d.texcoords?.length === count * 2) {
+        geometry.setAttribute("uv", new THREE.Float32BufferAttribute(d.texcoords, 2));
+        mesh.userData.textured = true;
+        picture.then((texture) => {
+            if (!texture)
+                return;
+            texture.wrapS = texture.wrapT = THREE.RepeatWrapping;
+            mesh.userData.picture = texture;
+            if (mesh.userData.textured) {
+                material.map = texture;
+                material.needsUpdate = true;
+            }
+        });
+    }
     return mesh;
 }
 

@@ -8,6 +8,7 @@ import { WebBackend } from "./backend.js";
 
 const WORLD = "/world";
 const ENGINE = "/engine";
+const TYPEFACE = "three/droid_sans_regular.typeface.json";
 
 async function fetchBytes(url) {
     const answer = await fetch(url);
@@ -20,7 +21,7 @@ async function fetchBytes(url) {
 // options: player (folder, ending in "/"), archive, models (URLs), canvas;
 // manualClock: the world's time moves only by advance() (for comparisons).
 export async function load(options) {
-    const [python, engineZip, archive, models] = await Promise.all([
+    const [python, engineZip, archive, models, typeface] = await Promise.all([
         loadPyodide({ indexURL: new URL(`${options.player}pyodide/`, document.baseURI).href,
                       fullStdLib: false, stdout: () => {}, stderr: () => {} }),
         fetchBytes(`${options.player}vessa.zip`),
@@ -30,6 +31,8 @@ export async function load(options) {
                 throw new Error(`${options.models} could not be loaded (${a.status})`);
             return a.json();
         }),
+        // Without its typeface the page plays on with its texts undrawn.
+        fetch(`${options.player}${TYPEFACE}`).then((a) => (a.ok ? a.json() : null)).catch(() => null),
     ]);
     python.unpackArchive(engineZip, "zip", { extractDir: ENGINE });
     python.unpackArchive(archive, "zip", { extractDir: WORLD });
@@ -43,7 +46,7 @@ export async function load(options) {
             return null;
         }
     };
-    const backend = new WebBackend(options.canvas, inPage, readFile);
+    const backend = new WebBackend(options.canvas, inPage, readFile, typeface);
     python.runPython(`import sys; sys.path.insert(0, ${JSON.stringify(ENGINE)})`,
                      { filename: "<Init>" });
     const web = python.pyimport("vessa.web");

@@ -5,7 +5,10 @@
 //   browse.mjs key URL KEY MS                holds KEY (a name puppeteer knows) MS
 //                                            milliseconds on the view; the camera before and after
 //   browse.mjs steps URL                     what the page at URL found (window.found)
-//   browse.mjs timing URL SECONDS            cold start to first frame, frames a second
+//   browse.mjs timing URL SECONDS [high]     cold start to first frame, frames a second
+//                                            (frames on the high-quality path with "high")
+//   browse.mjs look URL PNG high|low         the view on the high-quality or light path,
+//                                            its pictures decoded, saved as PNG
 // Requests to any address but the page's own are refused and listed (elsewhere).
 // VESSA_WEB_MODULES names the npm packages' folder (puppeteer-core).
 import { createRequire } from "node:module";
@@ -95,9 +98,32 @@ try {
         await page.waitForFunction(() => window.vessa47?.frames > 0 || window.vessa47?.failure,
                                    { timeout: WAIT_MS, polling: 10 });
         out.firstFrameSeconds = (Date.now() - start) / 1000;
+        if (rest[1] === "high") {
+            // Counted once the shadows' first frame (which builds their shader) is drawn.
+            await page.evaluate(() => window.vessa47.engine.SetAcceleration(1));
+            await page.waitForFunction((n) => window.vessa47.frames > n, { timeout: 20000 },
+                                       await page.evaluate(() => window.vessa47.frames) + 2);
+        }
         const before = await page.evaluate(() => window.vessa47.frames);
         await new Promise((done) => setTimeout(done, seconds * 1000));
         out.framesPerSecond = ((await page.evaluate(() => window.vessa47.frames)) - before) / seconds;
+    } else if (action === "look") {
+        const [picture, quality] = rest;
+        await page.goto(url);
+        await ready(page);
+        await page.evaluate(async (high) => {
+            const { engine, backend } = window.vessa47;
+            engine.SetAcceleration(high ? 1 : 0);
+            await Promise.all([...backend.pictures.values()].flat());
+            const drawn = window.vessa47.frames + 2;
+            await new Promise((done) => {
+                const wait = () => (window.vessa47.frames > drawn ? done() : requestAnimationFrame(wait));
+                wait();
+            });
+        }, quality === "high");
+        await (await page.$("canvas")).screenshot({ path: picture });
+        out.frames = await page.evaluate(() => window.vessa47.frames);
+        out.failure = await page.evaluate(() => window.vessa47.failure);
     } else {
         throw new Error(`no action ${action}`);
     }
