@@ -111,6 +111,7 @@ class Watchdog:
         self._lock = threading.Lock()
         self._wake = threading.Event()
         self._start_thread()
+        # Without a thread, the user's lines read the clock: whose lines they are.
         self._is_users = trust.judges()[1] if self._thread is None else None
         clock.on_advance(self._check)
 
@@ -120,8 +121,8 @@ class Watchdog:
     # -- the running thread -------------------------------------------------
 
     def __enter__(self):
-        if self._run is not None:
-            return False    # nested inside a run that is already watched
+        if self._run is not None or self._closed:
+            return False    # nested inside a run that is already watched, or closed
         thread_id = _get_ident()
         if not self._stopper.can_stop(thread_id):
             return False
@@ -130,7 +131,7 @@ class Watchdog:
         if run.counted:
             self._budget.begin(self.budget_bytes, self._over_budget)
         self._run = run
-        if self._thread is None:
+        if self._is_users is not None:
             run.reader = lineclock.Reader(self._clock.now, self._check, self._is_users,
                                           lambda: self._run is run and run.stopping is None)
             run.reader.on()
