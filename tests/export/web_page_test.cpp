@@ -547,3 +547,146 @@ TEST(WebPageDrawing, ABallIsLitAsOnTheDesktop) {
     // or take the difference between lighting each pixel and lighting each corner.
     EXPECT_LT(meanDifference(page, desktop, {kViewWidth / 2, kViewHeight / 2}, 70), 8.0);
 }
+
+namespace {
+
+// What the desktop's engine tells the user when `statement`, run in the
+// world's namespace, runs away: the text of its error dialog.
+QString desktopStopMessage(const QString& folder, const QString& statement) {
+    InterpreterRegistry registry;
+    registerPythonEngine(registry, qEnvironmentVariable("PYTHONPATH"));
+    EngineLink engine;
+    engine.attach(registry.create(kEngineProgId));
+    EXPECT_TRUE(engine.call(QStringLiteral("LoadWorld"), {folder}).isNull());
+    StandaloneScript script;
+    EXPECT_TRUE(script.LoadScriptFiles(folder).ok());
+    runPythonScript(engine, script.python());
+    engine.call(QStringLiteral("ExecuteCode"),
+                {statement, QStringLiteral("<Command Line>"), QStringLiteral("exec")});
+    engine.call(QStringLiteral("flushout"));
+    QString told;
+    for (const QVariant& record : engine.call(QStringLiteral("PollForMiscDifferences")).toList()) {
+        const QVariantList fields = record.toList();
+        if (fields.value(0).toString() == QStringLiteral("popuperrordialog"))
+            told = fields.value(1).toString();
+    }
+    engine.call(QStringLiteral("Close"));
+    return told;
+}
+
+// A mono 16-bit WAV file of `frames` samples at `rate` a second.
+QByteArray wav(quint32 frames, quint32 rate) {
+    QByteArray bytes;
+    const auto put = [&bytes](quint32 value, int size) {
+        for (int i = 0; i < size; ++i)
+            bytes.append(static_cast<char>((value >> (8 * i)) & 0xff));
+    };
+    bytes.append("RIFF");
+    put(36 + frames * 2, 4);
+    bytes.append("WAVEfmt ");
+    put(16, 4);
+    put(1, 2); // PCM
+    put(1, 2); // one channel
+    put(rate, 4);
+    put(rate * 2, 4);
+    put(2, 2);
+    put(16, 2);
+    bytes.append("data");
+    put(frames * 2, 4);
+    for (quint32 i = 0; i < frames; ++i)
+        put((i % 50) * 400, 2);
+    return bytes;
+}
+
+} // namespace
+
+TEST(WebPage, CodeThatRunsAwayInThePageIsStoppedAndTheWorldGoesOn) {
+    if (!browserAtHand())
+        GTEST_SKIP() << "no Chromium or puppeteer-core (tools/install-deps.sh installs them)";
+    // A click on Box spins for ever; one on Stone spins inside a loop whose bare
+    // `except:` catches everything; one on Ball lifts it a meter.
+    World world(QStringLiteral("Spin"),
+                "Object(kind='model', name='Box', parent='Scene', firstclass=True, "
+                "position=(-1.5, 0.5, 0.0))\n"
+                "Object(kind='model', name='Stone', parent='Scene', firstclass=True, "
+                "position=(0.0, 0.5, 0.0))\n"
+                "Object(kind='model', name='Ball', parent='Scene', firstclass=True, "
+                "position=(1.5, 0.5, 0.0))\n");
+    world.write(QStringLiteral("world_script.tv"),
+                "Hop = DoInOrder\r\n1\r\n1\r\n\r\nBall.Move(Up, 1, more...)\r\n2\r\n0\r\n\r\n"
+                "###\r\nLeftMouseButtonDown\r\nBall\r\nHop\r\n###\r\n"
+                "def spin(event):\r\n    while True: pass\r\n\r\n"
+                "def swallow(event):\r\n    while True:\r\n        try:\r\n"
+                "            while True: pass\r\n        except:\r\n            pass\r\n\r\n"
+                "Box.addresponse(LeftMouseDown, spin)\r\n"
+                "Stone.addresponse(LeftMouseDown, swallow)\r\n");
+    QTemporaryDir site;
+    exportPage(world.folder, site.path());
+    WebServer server(site.path());
+    ASSERT_TRUE(server.serving());
+
+    const QString desktopSays = desktopStopMessage(world.folder, QStringLiteral("spin(None)"));
+    ASSERT_TRUE(desktopSays.contains(QStringLiteral("took too long"))) << desktopSays.toStdString();
+    for (const QString& spinner : {QStringLiteral("Box"), QStringLiteral("Stone")}) {
+        // The page tells the stop in the desktop's words, goes on drawing, and
+        // the next click runs its animation.
+        const QJsonObject seen =
+            browse({QStringLiteral("stop"), server.url(QStringLiteral("Spin.html")), spinner,
+                    QStringLiteral("Ball")});
+        EXPECT_EQ(seen[QStringLiteral("told")].toString(), desktopSays) << spinner.toStdString();
+        EXPECT_DOUBLE_EQ(y(seen[QStringLiteral("before")].toObject()), 0.5);
+        EXPECT_GT(y(seen[QStringLiteral("after")].toObject()), 1.4) << spinner.toStdString();
+        EXPECT_GT(seen[QStringLiteral("framesSince")].toInt(), 0);
+    }
+}
+
+TEST(WebPage, TheWorldsSoundsAreDecodedFromItsFilesAndStarted) {
+    if (!browserAtHand())
+        GTEST_SKIP() << "no Chromium or puppeteer-core (tools/install-deps.sh installs them)";
+    // The world starts Crack (a damaged file) and Wind at half volume; a click on
+    // Box plays Pop at a quarter.
+    World world(QStringLiteral("Chime"), kBox + "Sound(name='Pop', file='Pop.wav')\n"
+                                                "Sound(name='Wind', file='Wind.wav')\n"
+                                                "Sound(name='Crack', file='Crack.wav')\n");
+    world.write(QStringLiteral("Pop.wav"), wav(11025, 22050));
+    world.write(QStringLiteral("Wind.wav"), wav(24000, 16000));
+    QByteArray damaged = wav(8000, 16000);
+    damaged.replace(0, 16, QByteArray(16, '\x7f')); // no header a reader knows
+    world.write(QStringLiteral("Crack.wav"), damaged);
+    world.write(
+        QStringLiteral("world_script.tv"),
+        "Chime = DoInOrder\r\n1\r\n1\r\n\r\nBox.PlaySound(Pop, Volume=0.25)\r\n2\r\n0\r\n\r\n"
+        "Breeze = DoInOrder\r\n1\r\n1\r\n\r\nBox.PlaySound(Crack, more...)\r\n2\r\n0\r\n\r\n"
+        "Box.PlaySound(Wind, Volume=0.5)\r\n2\r\n0\r\n\r\n"
+        "###\r\nLeftMouseButtonDown\r\nBox\r\nChime\r\nWorld Start\r\n- - -\r\nBreeze\r\n"
+        "###\r\n\r\n");
+    QTemporaryDir site;
+    exportPage(world.folder, site.path());
+    WebServer server(site.path());
+    ASSERT_TRUE(server.serving());
+
+    const QJsonObject heard =
+        browse({QStringLiteral("sound"), server.url(QStringLiteral("Chime.html")),
+                QStringLiteral("Box"), QStringLiteral("2")});
+    const auto expectStarted = [](const QJsonValue& sound, const char* file, double seconds,
+                                  double volume) {
+        const QJsonObject s = sound.toObject();
+        EXPECT_EQ(s[QStringLiteral("path")].toString(), QStringLiteral("/world/") + file);
+        EXPECT_NEAR(s[QStringLiteral("seconds")].toDouble(), seconds, 1e-3) << file;
+        EXPECT_DOUBLE_EQ(s[QStringLiteral("volume")].toDouble(), volume) << file;
+        EXPECT_EQ(s[QStringLiteral("loop")], QJsonValue(false)) << file;
+    };
+    // Before the click: Wind plays, 1.5 s as its file is long; Crack is refused.
+    const QJsonObject before = heard[QStringLiteral("beforeClick")].toObject();
+    const QJsonArray startedBefore = before[QStringLiteral("started")].toArray();
+    ASSERT_EQ(startedBefore.size(), 1);
+    expectStarted(startedBefore[0], "Wind.wav", 1.5, 0.5);
+    EXPECT_EQ(before[QStringLiteral("unplayable")].toArray(),
+              QJsonArray{QStringLiteral("/world/Crack.wav")});
+    // The click plays Pop, half a second, and the page's audio runs.
+    const QJsonObject after = heard[QStringLiteral("afterClick")].toObject();
+    const QJsonArray startedAfter = after[QStringLiteral("started")].toArray();
+    ASSERT_EQ(startedAfter.size(), 2);
+    expectStarted(startedAfter[1], "Pop.wav", 0.5, 0.25);
+    EXPECT_EQ(after[QStringLiteral("state")].toString(), QStringLiteral("running"));
+}

@@ -18,7 +18,9 @@ one and the thread its trace function back, before the user's handler runs.
 Another thread can't set a trace function, so the stop reaches the running
 thread through a signal handler (_thread.interrupt_main), which Python runs
 between two instructions of the main thread: the pure-Python stop needs the
-user's code to run on the main thread.
+user's code to run on the main thread. A stop asked for in the running thread
+itself (where no watchdog thread can be started, the user's lines read the
+clock) puts the tracers on at once.
 """
 
 import _thread
@@ -30,6 +32,7 @@ from . import native, trust
 
 # Bound now: the user's code may change what the modules hold while it runs.
 _settrace, _interrupt_main, _is_instance = sys.settrace, _thread.interrupt_main, isinstance
+_getframe, _get_ident = sys._getframe, _thread.get_ident
 
 
 def create():
@@ -112,7 +115,10 @@ class PythonStopper:
     def stop(self, thread_id, exception_type, message):
         self._exception = (exception_type, message)
         self.active = True
-        self.repeat()
+        if thread_id == _get_ident():
+            self._trace_all(_getframe(1))
+        else:
+            self.repeat()
 
     def repeat(self):
         """Asks the main thread again, should a tracer have been lost."""
@@ -129,10 +135,14 @@ class PythonStopper:
 
     def _on_signal(self, signum, frame):
         if self.active:
-            _settrace(self._on_call)
-            while frame is not None:
-                self._trace(frame)
-                frame = frame.f_back
+            self._trace_all(frame)
+
+    def _trace_all(self, frame):
+        """The thread's trace function, and a tracer on each user frame from frame out."""
+        _settrace(self._on_call)
+        while frame is not None:
+            self._trace(frame)
+            frame = frame.f_back
 
     def rearm(self):
         """The thread's trace function and the last frame's tracer, back."""

@@ -6,7 +6,9 @@ watchdog around it); arming and disarming one is a few assignments, so engine
 calls stay cheap. One thread waits for the deadline of the run in progress
 (woken by a run only when it waits for none, or for a later one); a
 ManualClock instead tells the watchdog each time it is advanced, so a test
-knows exactly when the limit passes. At the limit the stopper (stopper.py)
+knows exactly when the limit passes. Where no thread can be started (a
+browser's Python), the user's own lines read the clock (lineclock.py) and ask
+for the stop there and then. At the limit the stopper (stopper.py)
 makes every line and instruction of the user's frames raise CodeTookTooLong.
 Going past the memory budget (budget.py) stops the run the same way, with
 CodeTookTooMuchMemory, and a MemoryError that ends a run is told in the same
@@ -19,23 +21,18 @@ code. While a run is being stopped, the recursion limit has some room more, so
 that the tracers never meet it.
 
 Blocking calls (time.sleep, input) are not interrupted: the stop comes when
-they return. Where no thread can be started (a browser build of Python) the
-watchdog is off.
+they return.
 """
 
 import sys
+import threading
 
-from . import budget, stopper
-
-try:
-    import threading
-except ImportError:     # a Python built without thread support
-    threading = None
+from . import budget, lineclock, stopper, trust
 
 # Bound now: the user's code may change what the modules hold while it runs.
 _gettrace, _settrace = sys.gettrace, sys.settrace
 _getrecursionlimit, _setrecursionlimit = sys.getrecursionlimit, sys.setrecursionlimit
-_get_ident = threading.get_ident if threading is not None else None
+_get_ident = threading.get_ident
 
 DEFAULT_SECONDS = 5.0
 REPEAT_SECONDS = 0.1        # a pure-Python stop is asked for again this often
@@ -81,7 +78,7 @@ def _drop_repeated_entries(traceback):
 
 class _Run:
     __slots__ = ("thread_id", "deadline", "counted", "stopping", "stop_type", "tracer",
-                 "recursion_limit", "unraisable", "noted")
+                 "recursion_limit", "unraisable", "noted", "reader")
 
     def __init__(self, thread_id, deadline, counted):
         self.thread_id = thread_id
@@ -93,6 +90,7 @@ class _Run:
         self.recursion_limit = None
         self.unraisable = None      # Python's hook for errors it can only note
         self.noted = False          # a stop was only noted (in a __del__)
+        self.reader = None          # without a watchdog thread: the lines reading the clock
 
 
 class Watchdog:
@@ -110,15 +108,12 @@ class Watchdog:
         self._closed = False
         self._waiting_until = None      # the thread's deadline; None: none
         self._thread = None
-        if threading is not None:
-            self._lock = threading.Lock()
-            self._wake = threading.Event()
-            self._start_thread()
+        self._lock = threading.Lock()
+        self._wake = threading.Event()
+        self._start_thread()
+        # Without a thread, the user's lines read the clock: whose lines they are.
+        self._is_users = trust.judges()[1] if self._thread is None else None
         clock.on_advance(self._check)
-
-    @property
-    def enabled(self):
-        return self._thread is not None
 
     def message(self):
         return "Your code took too long (more than %g seconds) and was stopped" % self.seconds
@@ -126,8 +121,8 @@ class Watchdog:
     # -- the running thread -------------------------------------------------
 
     def __enter__(self):
-        if not self.enabled or self._run is not None:
-            return False    # off, or nested inside a run that is already watched
+        if self._run is not None or self._closed:
+            return False    # nested inside a run that is already watched, or closed
         thread_id = _get_ident()
         if not self._stopper.can_stop(thread_id):
             return False
@@ -136,6 +131,11 @@ class Watchdog:
         if run.counted:
             self._budget.begin(self.budget_bytes, self._over_budget)
         self._run = run
+        if self._is_users is not None:
+            run.reader = lineclock.Reader(self._clock.now, self._check, self._is_users,
+                                          lambda: self._run is run and run.stopping is None)
+            run.reader.on()
+            return True
         waiting_until = self._waiting_until
         if waiting_until is None or waiting_until is _DECIDING \
                 or waiting_until > run.deadline:
@@ -155,9 +155,12 @@ class Watchdog:
             self._budget.end()
         if stopping:
             self._stopper.release()
-            _settrace(run.tracer)
             _setrecursionlimit(run.recursion_limit)
             sys.unraisablehook = run.unraisable
+        if run.reader is not None:
+            run.reader.off(run.tracer)
+        elif stopping:
+            _settrace(run.tracer)
         told = self._as_told(run, exc, traceback)
         if told is not exc:
             raise told from None
@@ -222,7 +225,7 @@ class Watchdog:
         thread = threading.Thread(target=self._watch, name="vessa-watchdog", daemon=True)
         try:
             thread.start()
-        except RuntimeError:    # no threads on this platform
+        except RuntimeError:    # no threads on this platform: the user's lines look
             return
         self._thread = thread
 

@@ -31,6 +31,7 @@ const SCENE_LIGHT_SPECULAR = 0.3;
 const SHININESS = 24;
 const SPECULAR = 0.15;
 const DEFAULT_EYE = [0, 1.5, -8];
+const SOUNDS_KEPT = 32; // sounds started lately, as the page's state tells them
 
 // How the export writes a model's picture into the page's files.
 const PICTURE_PREFIX = "data:image/png;base64,";
@@ -72,8 +73,10 @@ export class WebBackend {
         this.pictures = new Map(); // model file -> [texture promise or null, ...]
         this.shadows = new PlanarShadows(this.scene);
         this.highQuality = this.hardware_accelerated();
-        this.sounds = new Map(); // path -> AudioBuffer promise
+        this.sounds = new Map(); // path -> its bytes, or once played the AudioBuffer promise
         this.audio = null;
+        this.soundsStarted = []; // the last SOUNDS_KEPT: {path, seconds, volume, loop}
+        this.unplayable = new Set(); // paths of sound files the browser could not decode
         if (canvas)
             this.listen(canvas);
     }
@@ -360,8 +363,10 @@ export class WebBackend {
         canvas.addEventListener("pointerdown", (e) => {
             canvas.focus();
             this.push(e, `${buttons[e.button]}MouseDown`, true);
-            this.startAudio();
         });
+        // Any touch of the page (the view, a key, the navigator) lets its sound out.
+        for (const touch of ["pointerdown", "keydown"])
+            canvas.ownerDocument.addEventListener(touch, () => this.startAudio(), true);
         canvas.addEventListener("pointerup", (e) => this.push(e, `${buttons[e.button]}MouseUp`, true));
         canvas.addEventListener("pointermove", (e) => this.push(e, "MouseMove", false));
         canvas.addEventListener("wheel", (e) => {
@@ -495,11 +500,17 @@ export class WebBackend {
 
     // -- sound ----------------------------------------------------------------
 
-    // Browsers let a page play sound only after the user touched it.
-    startAudio() {
+    // The page's audio. A browser holds a page's sound until the user first
+    // touches the page; sounds started before that (a World Start animation's)
+    // wait in the held audio and begin at that touch.
+    audioContext() {
         if (!this.audio && typeof AudioContext !== "undefined")
             this.audio = new AudioContext();
-        this.audio?.resume();
+        return this.audio;
+    }
+
+    startAudio() {
+        this.audioContext()?.resume().catch(() => {});
     }
 
     start_sound() {}
@@ -514,23 +525,29 @@ export class WebBackend {
         return null;
     }
 
+    // Decoded once, when first played; a file the browser can't decode is
+    // kept in `unplayable` and the world plays on without it.
     play_sound(path, volume = 1.0) {
         const failure = this.load_sound(path);
-        if (failure !== null || !this.audio)
+        const audio = this.audioContext();
+        if (failure !== null || !audio)
             return failure;
         let decoded = this.sounds.get(path);
         if (decoded instanceof Uint8Array) {
-            decoded = this.audio.decodeAudioData(decoded.slice().buffer);
+            decoded = audio.decodeAudioData(decoded.slice().buffer);
             this.sounds.set(path, decoded);
         }
         decoded.then((buffer) => {
-            const source = this.audio.createBufferSource();
-            const gain = this.audio.createGain();
+            const source = audio.createBufferSource();
+            const gain = audio.createGain();
             gain.gain.value = volume;
             source.buffer = buffer;
-            source.connect(gain).connect(this.audio.destination);
+            source.connect(gain).connect(audio.destination);
             source.start();
-        }).catch(() => {});
+            this.soundsStarted.push({ path, seconds: buffer.duration, volume: gain.gain.value,
+                                      loop: source.loop });
+            this.soundsStarted.splice(0, this.soundsStarted.length - SOUNDS_KEPT);
+        }, () => this.unplayable.add(path));
         return null;
     }
 }

@@ -9,6 +9,10 @@
 //                                            (frames on the high-quality path with "high")
 //   browse.mjs look URL PNG high|low         the view on the high-quality or light path,
 //                                            its pictures decoded, saved as PNG
+//   browse.mjs stop URL SPINNER OTHER        clicks SPINNER, whose code runs away, waits for
+//                                            the page to tell the stop, clicks OTHER
+//   browse.mjs sound URL OBJECT N            the page's sound once the world started N sounds
+//                                            itself, and after a click on OBJECT
 // Requests to any address but the page's own are refused and listed (elsewhere).
 // VESSA_WEB_MODULES names the npm packages' folder (puppeteer-core).
 import { createRequire } from "node:module";
@@ -43,6 +47,58 @@ async function screenPointOf(page, name) {
         const box = backend.canvas.getBoundingClientRect();
         return { x: box.left + (point.x + 1) / 2 * box.width, y: box.top + (1 - point.y) / 2 * box.height };
     }, name);
+}
+
+async function clickOn(page, name) {
+    const at = await screenPointOf(page, name);
+    await page.mouse.click(at.x, at.y);
+}
+
+// Waits until what(...args), run in the page, answers something true; answers that.
+async function until(page, what, ...args) {
+    return (await page.waitForFunction(what, { timeout: WAIT_MS, polling: 50 }, ...args)).jsonValue();
+}
+
+async function stopped(page, url, spinner, other) {
+    await page.goto(url);
+    await ready(page);
+    const before = (await page.evaluate(() => window.vessa47.objects()))[other];
+    await clickOn(page, spinner);
+    const told = await until(page, () => {
+        const text = document.getElementById("vessa47-status").textContent;
+        return /took too long/.test(text) && text;
+    });
+    const frames = await page.evaluate(() => window.vessa47.frames);
+    await clickOn(page, other);
+    const after = await until(page, (name, y) => {
+        const now = window.vessa47.objects()[name];
+        return now.position[1] > y + 0.9 && now;
+    }, other, before.position[1]);
+    const framesSince = (await page.evaluate(() => window.vessa47.frames)) - frames;
+    return { told, before, after, framesSince };
+}
+
+// The page's sound: what the world started by itself (STARTED sounds,
+// played or refused), then what a click on OBJECT started.
+async function heard(page, url, name, started) {
+    await page.goto(url);
+    await ready(page);
+    const sound = () => {
+        const { backend } = window.vessa47;
+        return { state: backend.audio?.state ?? null, started: backend.soundsStarted,
+                 unplayable: [...backend.unplayable] };
+    };
+    await page.evaluate(`window.vessa47.sound = ${sound}`);
+    const beforeClick = await until(page, (n) => {
+        const now = window.vessa47.sound();
+        return now.started.length + now.unplayable.length >= n && now;
+    }, Number(started));
+    await clickOn(page, name);
+    const afterClick = await until(page, (n) => {
+        const now = window.vessa47.sound();
+        return now.started.length > n && now.state === "running" && now;
+    }, beforeClick.started.length);
+    return { beforeClick, afterClick };
 }
 
 try {
@@ -124,6 +180,8 @@ try {
         await (await page.$("canvas")).screenshot({ path: picture });
         out.frames = await page.evaluate(() => window.vessa47.frames);
         out.failure = await page.evaluate(() => window.vessa47.failure);
+    } else if (action === "stop" || action === "sound") {
+        Object.assign(out, await (action === "stop" ? stopped : heard)(page, url, ...rest));
     } else {
         throw new Error(`no action ${action}`);
     }
