@@ -544,8 +544,34 @@ TEST(WebPageDrawing, ABallIsLitAsOnTheDesktop) {
     const QImage desktop =
         DesktopRun(world.folder).picture(world.folder, kViewWidth, kViewHeight, false);
     // Its colours, its light and dark sides and its highlight as the desktop's, give
-    // or take the difference between lighting each pixel and lighting each corner.
+    // or take the rounding of two different drawings.
     EXPECT_LT(meanDifference(page, desktop, {kViewWidth / 2, kViewHeight / 2}, 70), 8.0);
+}
+
+TEST(WebPageDrawing, LargeFlatFacesAreLitAtTheirCornersAsOnTheDesktop) {
+    if (!browserAtHand())
+        GTEST_SKIP() << "no Chromium or puppeteer-core (tools/install-deps.sh installs them)";
+    // The default world's ground, and a board two meters wide, its back to
+    // the world's light, with a lamp half a meter before its middle: far from
+    // their corners, a light barely brightens such faces on the desktop,
+    // however near their middles it is.
+    World world(QStringLiteral("Board"),
+                "Object(kind='model', name='Board', parent='Scene', firstclass=True, "
+                "position=(0.0, 1.5, -4.5), size=(2.0, 1.2, 0.1), color=(0.8, 0.8, 0.8))\n"
+                "Object(kind='light', name='Lamp', parent='Scene', firstclass=True, "
+                "position=(0.0, 1.5, -5.05))\n");
+    QTemporaryDir site;
+    exportPage(world.folder, site.path());
+    WebServer server(site.path());
+    ASSERT_TRUE(server.serving());
+    const QImage page = pageView(server, QStringLiteral("Board.html"),
+                                 site.filePath(QStringLiteral("page.png")), false);
+    const QImage desktop =
+        DesktopRun(world.folder).picture(world.folder, kViewWidth, kViewHeight, false);
+    const QPoint board(kViewWidth / 2, kViewHeight / 2);
+    const QPoint ground(kViewWidth / 2, kViewHeight * 7 / 8);
+    EXPECT_LT(meanDifference(page, desktop, board, 40), 6.0);
+    EXPECT_LT(meanDifference(page, desktop, ground, 25), 6.0);
 }
 
 namespace {

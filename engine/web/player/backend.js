@@ -12,6 +12,7 @@ import * as THREE from "./three/three.module.min.js";
 import { WorldState, STYLES } from "./tweens.js";
 import { PlanarShadows } from "./shadows.js";
 import { SolidLetters } from "./letters.js";
+import { LitMaterial, SCENE_LIGHT } from "./lighting.js";
 
 THREE.ColorManagement.enabled = false;
 
@@ -21,15 +22,10 @@ const FAR = 2000;
 const SKY_HORIZON = [0.78, 0.87, 0.96];
 const SKY_TOP = [0.30, 0.52, 0.84];
 // The desktop's lights: the world's ambient light, a fill light from above
-// and behind the default eye, and the world's own lights, unweakened by
-// distance. Shapes without a material of their own shine a little.
+// and behind the default eye, and the world's own lights (lighting.js).
 const AMBIENT = [0.32, 0.32, 0.34];
 const FILL = 0.45;
 const FILL_DIRECTION = new THREE.Vector3(0.35, 1.0, -0.55);
-const SCENE_LIGHT = 0.8;
-const SCENE_LIGHT_SPECULAR = 0.3;
-const SHININESS = 24;
-const SPECULAR = 0.15;
 const DEFAULT_EYE = [0, 1.5, -8];
 const SOUNDS_KEPT = 32; // sounds started lately, as the page's state tells them
 
@@ -58,8 +54,8 @@ export class WebBackend {
         this.frameTimes = [];
         this.scene = new THREE.Scene();
         this.scene.background = skyTexture();
-        this.scene.add(new THREE.AmbientLight(new THREE.Color(...AMBIENT), Math.PI));
-        const fill = new THREE.DirectionalLight(0xffffff, FILL * Math.PI);
+        this.scene.add(new THREE.AmbientLight(new THREE.Color(...AMBIENT), 1));
+        const fill = new THREE.DirectionalLight(0xffffff, FILL);
         fill.position.copy(FILL_DIRECTION);
         this.scene.add(fill);
         this.camera = new THREE.PerspectiveCamera(FIELD_OF_VIEW_DEGREES, 4 / 3, NEAR, FAR);
@@ -90,7 +86,7 @@ export class WebBackend {
         group.userData.nodeId = id;
         const made = { group, shape: null, light: null, model: null };
         if (kind === "light") {
-            made.light = new THREE.PointLight(0xffffff, SCENE_LIGHT * Math.PI, 0, 0);
+            made.light = new THREE.PointLight(0xffffff, SCENE_LIGHT, 0, 0);
             group.add(made.light);
         }
         this.objects.set(id, made);
@@ -258,11 +254,7 @@ export class WebBackend {
         for (const mesh of meshesOf(made.shape)) {
             mesh.material.wireframe = String(styles.filling).toLowerCase() === "lines";
             mesh.userData.textured = styles.texture;
-            const map = styles.texture ? mesh.userData.picture ?? null : null;
-            if (mesh.material.map !== map) {
-                mesh.material.map = map;
-                mesh.material.needsUpdate = true;
-            }
+            mesh.material.picture = styles.texture ? mesh.userData.picture ?? null : null;
         }
         this.recolor(id);
     }
@@ -272,10 +264,8 @@ export class WebBackend {
         if (!made?.shape)
             return;
         const [r, g, b] = this.state.node(id).values.color;
-        for (const mesh of meshesOf(made.shape)) {
-            const own = mesh.userData.diffuse ?? [1, 1, 1];
-            mesh.material.color.setRGB(own[0] * r, own[1] * g, own[2] * b, THREE.LinearSRGBColorSpace);
-        }
+        for (const mesh of meshesOf(made.shape))
+            mesh.material.setTint(r, g, b);
         made.colorDirty = false;
     }
 
@@ -582,40 +572,12 @@ function shapeOf(meshes) {
     return shape;
 }
 
-// A material lit per pixel as the desktop lights it: by default the
-// desktop's own (its colour in the ambient light as in the others, a small
-// highlight), or what a model file gives (look: ambient, specular, emission,
-// shininess). It marks the pixels the world covers, where shadows may fall.
+// A material lit as the desktop lights it (lighting.js). It marks the
+// pixels the world covers, where shadows may fall.
 function worldMaterial(options = {}, look = {}) {
-    const shininess = Math.max(look.shininess ?? SHININESS, 1);
-    const specular = look.specular ?? [SPECULAR, SPECULAR, SPECULAR];
-    const material = new THREE.MeshPhongMaterial({
-        specular: new THREE.Color(...specular.map((k) => highlight(k, shininess))),
-        emissive: new THREE.Color(...(look.emission ?? [0, 0, 0])), shininess, ...options });
-    const diffuse = look.diffuse ?? [1, 1, 1];
-    const ambientShare = new THREE.Vector3(...(look.ambient ?? diffuse).map(
-        (a, i) => (diffuse[i] > 0 ? a / diffuse[i] : 0)));
-    // three.js lights every material's ambient in its diffuse colour; the
-    // desktop in the material's ambient colour, which may be darker.
-    material.onBeforeCompile = (shader) => {
-        shader.uniforms.ambientShare = { value: ambientShare };
-        shader.fragmentShader = "uniform vec3 ambientShare;\n" + shader.fragmentShader.replace(
-            "#include <lights_fragment_begin>",
-            THREE.ShaderChunk.lights_fragment_begin.replace(
-                "getAmbientLightIrradiance( ambientLightColor )",
-                "getAmbientLightIrradiance( ambientLightColor ) * ambientShare"));
-    };
-    material.customProgramCacheKey = () => "ambientShare";
+    const material = new LitMaterial(options, look);
     PlanarShadows.markGround(material);
     return material;
-}
-
-// The specular colour three.js's Blinn-Phong needs to give the desktop's
-// highlight: k of the world's light's specular strength at its peak, where
-// three.js scales the peak by (shininess / 2 + 1) / 4 and by the light's
-// whole strength.
-function highlight(k, shininess) {
-    return (k * SCENE_LIGHT_SPECULAR) / SCENE_LIGHT / ((shininess / 2 + 1) / 4);
 }
 
 // One mesh of a model file's description: positions, normals (none, one
@@ -633,11 +595,12 @@ function meshFrom(d, pictures) {
     const perVertex = d.colors.length === count * 4;
     if (perVertex)
         geometry.setAttribute("color", new THREE.Float32BufferAttribute(d.colors, 4));
+    // One colour for the whole mesh stands for its material's diffuse colour.
+    const own = d.colors.length === 4 ? d.colors : d.diffuse ?? [1, 1, 1];
     const material = worldMaterial({ vertexColors: perVertex, side: THREE.DoubleSide,
                                      transparent: Boolean(d.blended) },
-                                   { ...d, diffuse: perVertex ? null : d.diffuse });
+                                   { ...d, diffuse: own.slice(0, 3), opacity: own[3] ?? 1 });
     const mesh = new THREE.Mesh(geometry, material);
-    mesh.userData.diffuse = d.colors.length === 4 ? d.colors.slice(0, 3) : d.diffuse ?? [1, 1, 1];
     const picture = Number.isInteger(d.picture) ? pictures[d.picture] : null;
     if (picture && d.texcoords?.length === count * 2) {
         geometry.setAttribute("uv", new THREE.Float32BufferAttribute(d.texcoords, 2));
@@ -647,10 +610,8 @@ function meshFrom(d, pictures) {
                 return;
             texture.wrapS = texture.wrapT = THREE.RepeatWrapping;
             mesh.userData.picture = texture;
-            if (mesh.userData.textured) {
-                material.map = texture;
-                material.needsUpdate = true;
-            }
+            if (mesh.userData.textured)
+                material.picture = texture;
         });
     }
     return mesh;
