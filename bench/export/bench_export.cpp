@@ -14,7 +14,8 @@
 // what it writes, and the page in Debian's Chromium, headless with software
 // WebGL, served over the loopback address: from opening it to its first drawn
 // frame, then its frames a second; the same for a world of letters, a ball and
-// a model with a picture, drawn with shadows on the high-quality path.
+// a model with a picture, drawn with shadows on the high-quality path; and what
+// watching the world's code for time costs there.
 
 namespace {
 
@@ -85,6 +86,50 @@ void BM_ExportDefaultWorld(benchmark::State& state) {
 }
 BENCHMARK(BM_ExportDefaultWorld)->Unit(benchmark::kMillisecond)->Iterations(5)->UseRealTime();
 
+// A static web server over `folder` on the loopback address, for as long as it lives.
+class LoopbackServer {
+public:
+    explicit LoopbackServer(const QString& folder) {
+        server_.setProcessChannelMode(QProcess::MergedChannels);
+        server_.start(QStringLiteral("/usr/bin/python3"),
+                      {QStringLiteral("-u"), QStringLiteral("-m"), QStringLiteral("http.server"),
+                       QStringLiteral("0"), QStringLiteral("--bind"), QStringLiteral("127.0.0.1"),
+                       QStringLiteral("--directory"), folder});
+        static const QRegularExpression portSaid(QStringLiteral(R"(port (\d+))"));
+        QString said;
+        while (port_.isEmpty() && server_.waitForReadyRead(30000)) {
+            said += QString::fromUtf8(server_.readAll());
+            port_ = portSaid.match(said).captured(1);
+        }
+    }
+    ~LoopbackServer() {
+        server_.kill();
+        server_.waitForFinished();
+    }
+    QString url(const QString& page) const {
+        return QStringLiteral("http://127.0.0.1:%1/%2").arg(port_, page);
+    }
+
+private:
+    QProcess server_;
+    QString port_;
+};
+
+// What the tests' browser script found doing `action` with the page; on
+// failure, an empty object and its words in `failure`.
+QJsonObject browse(const QStringList& action, int waitMs, QByteArray& failure) {
+    QProcess node;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("VESSA_WEB_MODULES"), QStringLiteral(VESSA_WEB_MODULES));
+    node.setProcessEnvironment(env);
+    node.start(QStringLiteral("node"),
+               QStringList{QStringLiteral(VESSA_SOURCE_DIR "/tests/export/web/browse.mjs")} +
+                   action);
+    node.waitForFinished(waitMs);
+    failure = node.readAllStandardError();
+    return QJsonDocument::fromJson(node.readAllStandardOutput()).object();
+}
+
 // Each iteration's time is the cold start: a fresh browser, nothing cached.
 // Argument 0: the default world on the page's own path (the light one with
 // software WebGL); 1: the drawing world on the high-quality path.
@@ -97,41 +142,22 @@ void BM_PageColdStartToFirstFrame(benchmark::State& state) {
         state.SkipWithError("the export did not end cleanly");
         return;
     }
-    QProcess server;
-    server.setProcessChannelMode(QProcess::MergedChannels);
-    server.start(QStringLiteral("/usr/bin/python3"),
-                 {QStringLiteral("-u"), QStringLiteral("-m"), QStringLiteral("http.server"),
-                  QStringLiteral("0"), QStringLiteral("--bind"), QStringLiteral("127.0.0.1"),
-                  QStringLiteral("--directory"), out.path()});
-    static const QRegularExpression portSaid(QStringLiteral(R"(port (\d+))"));
-    QString said, port;
-    while (port.isEmpty() && server.waitForReadyRead(30000)) {
-        said += QString::fromUtf8(server.readAll());
-        port = portSaid.match(said).captured(1);
-    }
+    const LoopbackServer server(out.path());
     double fps = 0;
     for (auto _ : state) {
-        QProcess node;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("VESSA_WEB_MODULES"), QStringLiteral(VESSA_WEB_MODULES));
-        node.setProcessEnvironment(env);
-        node.start(QStringLiteral("node"),
-                   {QStringLiteral(VESSA_SOURCE_DIR "/tests/export/web/browse.mjs"),
-                    QStringLiteral("timing"),
-                    QStringLiteral("http://127.0.0.1:%1/%2").arg(port, page), QStringLiteral("3"),
-                    drawing ? QStringLiteral("high") : QStringLiteral("low")});
-        node.waitForFinished(180000);
-        const QJsonObject seen = QJsonDocument::fromJson(node.readAllStandardOutput()).object();
+        QByteArray failure;
+        const QJsonObject seen =
+            browse({QStringLiteral("timing"), server.url(page), QStringLiteral("3"),
+                    drawing ? QStringLiteral("high") : QStringLiteral("low")},
+                   180000, failure);
         if (!seen.contains(QStringLiteral("firstFrameSeconds"))) {
-            state.SkipWithError(node.readAllStandardError().constData());
+            state.SkipWithError(failure.constData());
             break;
         }
         state.SetIterationTime(seen[QStringLiteral("firstFrameSeconds")].toDouble());
         fps += seen[QStringLiteral("framesPerSecond")].toDouble();
     }
     state.counters["frames_per_second"] = fps / static_cast<double>(state.iterations());
-    server.kill();
-    server.waitForFinished();
 }
 BENCHMARK(BM_PageColdStartToFirstFrame)
     ->Arg(0)
@@ -139,6 +165,38 @@ BENCHMARK(BM_PageColdStartToFirstFrame)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(3)
     ->UseManualTime();
+
+// What watching the world's code for time costs in the page, where no thread
+// can watch it and the code's own lines read the clock: a tight loop of a
+// million turns run as the world's code, against the same loop run by the page
+// unwatched.
+void BM_PageTightLoopWatched(benchmark::State& state) {
+    constexpr int kLoops = 1000000;
+    QTemporaryDir out;
+    if (!exportPage(out.path()) ||
+        !QFile::copy(QStringLiteral(VESSA_SOURCE_DIR "/bench/export/tight_loop.html"),
+                     out.filePath(QStringLiteral("tight_loop.html")))) {
+        state.SkipWithError("the export did not end cleanly");
+        return;
+    }
+    const LoopbackServer server(out.path());
+    double plain = 0;
+    for (auto _ : state) {
+        QByteArray failure;
+        const QJsonObject seen = browse(
+            {QStringLiteral("steps"),
+             server.url(QStringLiteral("tight_loop.html?world=Default&loops=%1").arg(kLoops))},
+            300000, failure);
+        if (!seen.contains(QStringLiteral("watched"))) {
+            state.SkipWithError(failure.constData());
+            break;
+        }
+        state.SetIterationTime(seen[QStringLiteral("watched")].toDouble());
+        plain += seen[QStringLiteral("plain")].toDouble();
+    }
+    state.counters["unwatched_ms"] = plain * 1000 / static_cast<double>(state.iterations());
+}
+BENCHMARK(BM_PageTightLoopWatched)->Unit(benchmark::kMillisecond)->Iterations(3)->UseManualTime();
 
 } // namespace
 

@@ -18,6 +18,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include <cmath>
 
 // The exported page in a real browser: Debian's Chromium, headless, drawing
@@ -313,6 +315,27 @@ QImage pageView(const WebServer& server, const QString& page, const QString& int
     return QImage(into).convertToFormat(QImage::Format_RGB32);
 }
 
+// A world exported into a folder of its own and served on the loopback address.
+struct ServedWorld {
+    QTemporaryDir site;
+    QString page; // the page's file name
+    std::unique_ptr<WebServer> server;
+
+    ServedWorld(const World& world, const QString& name) : page(name + QStringLiteral(".html")) {
+        exportPage(world.folder, site.path());
+        server = std::make_unique<WebServer>(site.path());
+    }
+    // The page's view on the high-quality or the light path, kept as `file`.
+    QImage view(bool high, const QString& file = QStringLiteral("page.png")) const {
+        return pageView(*server, page, site.filePath(file), high);
+    }
+};
+
+// The desktop's picture of the world, at the page's size.
+QImage desktopView(const World& world, bool high) {
+    return DesktopRun(world.folder).picture(world.folder, kViewWidth, kViewHeight, high);
+}
+
 using PixelTest = bool (*)(QRgb);
 
 QList<QPoint> pixelsWhere(const QImage& image, PixelTest test) {
@@ -424,15 +447,11 @@ TEST(WebPageDrawing, TextsStandAsSolidLettersWhereTheDesktopDrawsThem) {
                 "model='text:HELLO')\n"
                 "Object(kind='model', name='Blank', parent='Scene', firstclass=True, "
                 "position=(0.0, 2.5, 0.0), color=(1.0, 0.0, 1.0), model='text:')\n");
-    QTemporaryDir site;
-    exportPage(world.folder, site.path());
-    WebServer server(site.path());
-    ASSERT_TRUE(server.serving());
+    ServedWorld served(world, QStringLiteral("Sign"));
+    ASSERT_TRUE(served.server->serving());
 
-    const QImage page = pageView(server, QStringLiteral("Sign.html"),
-                                 site.filePath(QStringLiteral("page.png")), false);
-    const QImage desktop =
-        DesktopRun(world.folder).picture(world.folder, kViewWidth, kViewHeight, false);
+    const QImage page = served.view(false);
+    const QImage desktop = desktopView(world, false);
     const QList<QPoint> letters = pixelsWhere(page, reddish);
     // Letters most of a meter high, eight meters away, stand in the view
     // where the desktop draws its own; the text of no words draws nothing.
@@ -446,16 +465,12 @@ TEST(WebPageDrawing, AModelsPictureIsOnItsSidesAndABrokenOneLeavesItsColour) {
         GTEST_SKIP() << "no Chromium or puppeteer-core (tools/install-deps.sh installs them)";
     World world(QStringLiteral("Crate"), kCrate);
     writeTexturedCube(world, yellowOverMagenta(), "1 1 1");
-    QTemporaryDir site;
-    exportPage(world.folder, site.path());
-    WebServer server(site.path());
-    ASSERT_TRUE(server.serving());
+    ServedWorld served(world, QStringLiteral("Crate"));
+    ASSERT_TRUE(served.server->serving());
 
     // The picture the right way up, where the desktop puts it.
-    const QImage page = pageView(server, QStringLiteral("Crate.html"),
-                                 site.filePath(QStringLiteral("page.png")), false);
-    const QImage desktop =
-        DesktopRun(world.folder).picture(world.folder, kViewWidth, kViewHeight, false);
+    const QImage page = served.view(false);
+    const QImage desktop = desktopView(world, false);
     EXPECT_GT(pixelsWhere(page, yellowish).size(), 1000);
     EXPECT_GT(overlap(pixelsWhere(page, yellowish), pixelsWhere(desktop, yellowish)), 0.7);
     EXPECT_GT(overlap(pixelsWhere(page, magentaish), pixelsWhere(desktop, magentaish)), 0.7);
@@ -463,7 +478,7 @@ TEST(WebPageDrawing, AModelsPictureIsOnItsSidesAndABrokenOneLeavesItsColour) {
     // A picture the browser can't decode, and one named by an address, which
     // is not fetched: the page plays on, the cube in its material's white
     // where the picture was.
-    QFile shapes(site.filePath(QStringLiteral("Crate.models.json")));
+    QFile shapes(served.site.filePath(QStringLiteral("Crate.models.json")));
     ASSERT_TRUE(shapes.open(QIODevice::ReadOnly));
     const QString exported = QString::fromUtf8(shapes.readAll());
     shapes.close();
@@ -475,8 +490,7 @@ TEST(WebPageDrawing, AModelsPictureIsOnItsSidesAndABrokenOneLeavesItsColour) {
         ASSERT_TRUE(shapes.open(QIODevice::WriteOnly | QIODevice::Truncate));
         shapes.write(QString(exported).replace(picture, instead).toUtf8());
         shapes.close();
-        const QImage broken = pageView(server, QStringLiteral("Crate.html"),
-                                       site.filePath(QStringLiteral("broken.png")), false);
+        const QImage broken = served.view(false, QStringLiteral("broken.png"));
         EXPECT_TRUE(pixelsWhere(broken, yellowish).isEmpty()) << instead.toStdString();
         EXPECT_TRUE(pixelsWhere(broken, magentaish).isEmpty()) << instead.toStdString();
         EXPECT_GT(overlap(cube, pixelsWhere(broken, greyish)), 0.8) << instead.toStdString();
@@ -489,12 +503,9 @@ TEST(WebPageDrawing, APictureFileThatIsNotOneLeavesTheModelColoured) {
     World world(QStringLiteral("Crate"), kCrate);
     writeTexturedCube(world, QByteArray("\x89PNG\r\n\x1a\n") + QByteArray(500, '\x7f'),
                       "0.2 0.3 1.0");
-    QTemporaryDir site;
-    exportPage(world.folder, site.path());
-    WebServer server(site.path());
-    ASSERT_TRUE(server.serving());
-    const QImage page = pageView(server, QStringLiteral("Crate.html"),
-                                 site.filePath(QStringLiteral("page.png")), false);
+    ServedWorld served(world, QStringLiteral("Crate"));
+    ASSERT_TRUE(served.server->serving());
+    const QImage page = served.view(false);
     EXPECT_GT(pixelsWhere(page, [](QRgb c) { return qBlue(c) > qRed(c) + 80; }).size(), 1000);
 }
 
@@ -507,14 +518,10 @@ TEST(WebPageDrawing, ShadowsAndLightAsOnTheDesktop) {
                        "position=(-2.0, 1.5, 0.0), color=(0.9, 0.8, 0.2), model='Ball.mdl#0')\n");
     QFile::copy(QStringLiteral(VESSA_HOME_DIR "/Objects/Shapes/Ball.mdl"),
                 QDir(world.folder).filePath(QStringLiteral("Ball.mdl")));
-    QTemporaryDir site;
-    exportPage(world.folder, site.path());
-    WebServer server(site.path());
-    ASSERT_TRUE(server.serving());
-    const QImage pageLight = pageView(server, QStringLiteral("Shade.html"),
-                                      site.filePath(QStringLiteral("light.png")), false);
-    const QImage pageHigh = pageView(server, QStringLiteral("Shade.html"),
-                                     site.filePath(QStringLiteral("high.png")), true);
+    ServedWorld served(world, QStringLiteral("Shade"));
+    ASSERT_TRUE(served.server->serving());
+    const QImage pageLight = served.view(false, QStringLiteral("light.png"));
+    const QImage pageHigh = served.view(true, QStringLiteral("high.png"));
     DesktopRun desktop(world.folder);
     const QImage desktopLight = desktop.picture(world.folder, kViewWidth, kViewHeight, false);
     const QImage desktopHigh = desktop.picture(world.folder, kViewWidth, kViewHeight, true);
@@ -535,14 +542,10 @@ TEST(WebPageDrawing, ABallIsLitAsOnTheDesktop) {
                 "position=(0.0, 0.5, -5.0), size=(2.0, 2.0, 2.0), model='Ball.mdl#0')\n");
     QFile::copy(QStringLiteral(VESSA_HOME_DIR "/Objects/Shapes/Ball.mdl"),
                 QDir(world.folder).filePath(QStringLiteral("Ball.mdl")));
-    QTemporaryDir site;
-    exportPage(world.folder, site.path());
-    WebServer server(site.path());
-    ASSERT_TRUE(server.serving());
-    const QImage page = pageView(server, QStringLiteral("Lit.html"),
-                                 site.filePath(QStringLiteral("page.png")), false);
-    const QImage desktop =
-        DesktopRun(world.folder).picture(world.folder, kViewWidth, kViewHeight, false);
+    ServedWorld served(world, QStringLiteral("Lit"));
+    ASSERT_TRUE(served.server->serving());
+    const QImage page = served.view(false);
+    const QImage desktop = desktopView(world, false);
     // Its colours, its light and dark sides and its highlight as the desktop's, give
     // or take the rounding of two different drawings.
     EXPECT_LT(meanDifference(page, desktop, {kViewWidth / 2, kViewHeight / 2}, 70), 8.0);
@@ -560,14 +563,10 @@ TEST(WebPageDrawing, LargeFlatFacesAreLitAtTheirCornersAsOnTheDesktop) {
                 "position=(0.0, 1.5, -4.5), size=(2.0, 1.2, 0.1), color=(0.8, 0.8, 0.8))\n"
                 "Object(kind='light', name='Lamp', parent='Scene', firstclass=True, "
                 "position=(0.0, 1.5, -5.05))\n");
-    QTemporaryDir site;
-    exportPage(world.folder, site.path());
-    WebServer server(site.path());
-    ASSERT_TRUE(server.serving());
-    const QImage page = pageView(server, QStringLiteral("Board.html"),
-                                 site.filePath(QStringLiteral("page.png")), false);
-    const QImage desktop =
-        DesktopRun(world.folder).picture(world.folder, kViewWidth, kViewHeight, false);
+    ServedWorld served(world, QStringLiteral("Board"));
+    ASSERT_TRUE(served.server->serving());
+    const QImage page = served.view(false);
+    const QImage desktop = desktopView(world, false);
     const QPoint board(kViewWidth / 2, kViewHeight / 2);
     const QPoint ground(kViewWidth / 2, kViewHeight * 7 / 8);
     EXPECT_LT(meanDifference(page, desktop, board, 40), 6.0);
@@ -646,10 +645,8 @@ TEST(WebPage, CodeThatRunsAwayInThePageIsStoppedAndTheWorldGoesOn) {
                 "            while True: pass\r\n        except:\r\n            pass\r\n\r\n"
                 "Box.addresponse(LeftMouseDown, spin)\r\n"
                 "Stone.addresponse(LeftMouseDown, swallow)\r\n");
-    QTemporaryDir site;
-    exportPage(world.folder, site.path());
-    WebServer server(site.path());
-    ASSERT_TRUE(server.serving());
+    ServedWorld served(world, QStringLiteral("Spin"));
+    ASSERT_TRUE(served.server->serving());
 
     const QString desktopSays = desktopStopMessage(world.folder, QStringLiteral("spin(None)"));
     ASSERT_TRUE(desktopSays.contains(QStringLiteral("took too long"))) << desktopSays.toStdString();
@@ -657,8 +654,8 @@ TEST(WebPage, CodeThatRunsAwayInThePageIsStoppedAndTheWorldGoesOn) {
         // The page tells the stop in the desktop's words, goes on drawing, and
         // the next click runs its animation.
         const QJsonObject seen =
-            browse({QStringLiteral("stop"), server.url(QStringLiteral("Spin.html")), spinner,
-                    QStringLiteral("Ball")});
+            browse({QStringLiteral("stop"), served.server->url(QStringLiteral("Spin.html")),
+                    spinner, QStringLiteral("Ball")});
         EXPECT_EQ(seen[QStringLiteral("told")].toString(), desktopSays) << spinner.toStdString();
         EXPECT_DOUBLE_EQ(y(seen[QStringLiteral("before")].toObject()), 0.5);
         EXPECT_GT(y(seen[QStringLiteral("after")].toObject()), 1.4) << spinner.toStdString();
@@ -686,13 +683,11 @@ TEST(WebPage, TheWorldsSoundsAreDecodedFromItsFilesAndStarted) {
         "Box.PlaySound(Wind, Volume=0.5)\r\n2\r\n0\r\n\r\n"
         "###\r\nLeftMouseButtonDown\r\nBox\r\nChime\r\nWorld Start\r\n- - -\r\nBreeze\r\n"
         "###\r\n\r\n");
-    QTemporaryDir site;
-    exportPage(world.folder, site.path());
-    WebServer server(site.path());
-    ASSERT_TRUE(server.serving());
+    ServedWorld served(world, QStringLiteral("Chime"));
+    ASSERT_TRUE(served.server->serving());
 
     const QJsonObject heard =
-        browse({QStringLiteral("sound"), server.url(QStringLiteral("Chime.html")),
+        browse({QStringLiteral("sound"), served.server->url(QStringLiteral("Chime.html")),
                 QStringLiteral("Box"), QStringLiteral("2")});
     const auto expectStarted = [](const QJsonValue& sound, const char* file, double seconds,
                                   double volume) {
