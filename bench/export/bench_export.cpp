@@ -1,3 +1,5 @@
+#include "support/web_server.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
@@ -86,35 +88,6 @@ void BM_ExportDefaultWorld(benchmark::State& state) {
 }
 BENCHMARK(BM_ExportDefaultWorld)->Unit(benchmark::kMillisecond)->Iterations(5)->UseRealTime();
 
-// A static web server over `folder` on the loopback address, for as long as it lives.
-class LoopbackServer {
-public:
-    explicit LoopbackServer(const QString& folder) {
-        server_.setProcessChannelMode(QProcess::MergedChannels);
-        server_.start(QStringLiteral("/usr/bin/python3"),
-                      {QStringLiteral("-u"), QStringLiteral("-m"), QStringLiteral("http.server"),
-                       QStringLiteral("0"), QStringLiteral("--bind"), QStringLiteral("127.0.0.1"),
-                       QStringLiteral("--directory"), folder});
-        static const QRegularExpression portSaid(QStringLiteral(R"(port (\d+))"));
-        QString said;
-        while (port_.isEmpty() && server_.waitForReadyRead(30000)) {
-            said += QString::fromUtf8(server_.readAll());
-            port_ = portSaid.match(said).captured(1);
-        }
-    }
-    ~LoopbackServer() {
-        server_.kill();
-        server_.waitForFinished();
-    }
-    QString url(const QString& page) const {
-        return QStringLiteral("http://127.0.0.1:%1/%2").arg(port_, page);
-    }
-
-private:
-    QProcess server_;
-    QString port_;
-};
-
 // What the tests' browser script found doing `action` with the page; on
 // failure, an empty object and its words in `failure`.
 QJsonObject browse(const QStringList& action, int waitMs, QByteArray& failure) {
@@ -142,7 +115,7 @@ void BM_PageColdStartToFirstFrame(benchmark::State& state) {
         state.SkipWithError("the export did not end cleanly");
         return;
     }
-    const LoopbackServer server(out.path());
+    const vessa::testing::WebServer server(out.path());
     double fps = 0;
     for (auto _ : state) {
         QByteArray failure;
@@ -179,7 +152,7 @@ void BM_PageTightLoopWatched(benchmark::State& state) {
         state.SkipWithError("the export did not end cleanly");
         return;
     }
-    const LoopbackServer server(out.path());
+    const vessa::testing::WebServer server(out.path());
     double plain = 0;
     for (auto _ : state) {
         QByteArray failure;

@@ -4,6 +4,8 @@
 #include "world/script_run.h"
 #include "world/standalone_script.h"
 
+#include "support/web_server.h"
+
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
@@ -18,15 +20,15 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-#include <memory>
-
 #include <cmath>
+#include <memory>
 
 // The exported page in a real browser: Debian's Chromium, headless, drawing
 // with software WebGL, the page served over the loopback address as a web
 // site would serve it.
 
 using namespace vessa;
+using vessa::testing::WebServer;
 
 namespace {
 
@@ -82,36 +84,6 @@ QString exportPage(const QString& world, const QString& out) {
     EXPECT_EQ(exitCode, 0);
     return page;
 }
-
-// A static web server on the loopback address over a folder, on a free port.
-class WebServer {
-public:
-    explicit WebServer(const QString& folder) {
-        server_.setProcessChannelMode(QProcess::MergedChannels);
-        server_.start(QStringLiteral("/usr/bin/python3"),
-                      {QStringLiteral("-u"), QStringLiteral("-m"), QStringLiteral("http.server"),
-                       QStringLiteral("0"), QStringLiteral("--bind"), QStringLiteral("127.0.0.1"),
-                       QStringLiteral("--directory"), folder});
-        static const QRegularExpression port(QStringLiteral(R"(port (\d+))"));
-        QString said;
-        while (port_.isEmpty() && server_.waitForReadyRead(30000)) {
-            said += QString::fromUtf8(server_.readAll());
-            port_ = port.match(said).captured(1);
-        }
-    }
-    ~WebServer() {
-        server_.kill();
-        server_.waitForFinished();
-    }
-    QString url(const QString& path) const {
-        return QStringLiteral("http://127.0.0.1:%1/%2").arg(port_, path);
-    }
-    bool serving() const { return !port_.isEmpty(); }
-
-private:
-    QProcess server_;
-    QString port_;
-};
 
 QJsonObject browse(const QStringList& arguments) {
     QProcess node;
