@@ -5,7 +5,6 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
 #include <QRegularExpression>
@@ -88,21 +87,6 @@ void BM_ExportDefaultWorld(benchmark::State& state) {
 }
 BENCHMARK(BM_ExportDefaultWorld)->Unit(benchmark::kMillisecond)->Iterations(5)->UseRealTime();
 
-// What the tests' browser script found doing `action` with the page; on
-// failure, an empty object and its words in `failure`.
-QJsonObject browse(const QStringList& action, int waitMs, QByteArray& failure) {
-    QProcess node;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("VESSA_WEB_MODULES"), QStringLiteral(VESSA_WEB_MODULES));
-    node.setProcessEnvironment(env);
-    node.start(QStringLiteral("node"),
-               QStringList{QStringLiteral(VESSA_SOURCE_DIR "/tests/export/web/browse.mjs")} +
-                   action);
-    node.waitForFinished(waitMs);
-    failure = node.readAllStandardError();
-    return QJsonDocument::fromJson(node.readAllStandardOutput()).object();
-}
-
 // Each iteration's time is the cold start: a fresh browser, nothing cached.
 // Argument 0: the default world on the page's own path (the light one with
 // software WebGL); 1: the drawing world on the high-quality path.
@@ -118,11 +102,10 @@ void BM_PageColdStartToFirstFrame(benchmark::State& state) {
     const vessa::testing::WebServer server(out.path());
     double fps = 0;
     for (auto _ : state) {
-        QByteArray failure;
-        const QJsonObject seen =
-            browse({QStringLiteral("timing"), server.url(page), QStringLiteral("3"),
-                    drawing ? QStringLiteral("high") : QStringLiteral("low")},
-                   180000, failure);
+        const auto [seen, failure] = vessa::testing::browsePage(
+            {QStringLiteral("timing"), server.url(page), QStringLiteral("3"),
+             drawing ? QStringLiteral("high") : QStringLiteral("low")},
+            180000);
         if (!seen.contains(QStringLiteral("firstFrameSeconds"))) {
             state.SkipWithError(failure.constData());
             break;
@@ -155,11 +138,10 @@ void BM_PageTightLoopWatched(benchmark::State& state) {
     const vessa::testing::WebServer server(out.path());
     double plain = 0;
     for (auto _ : state) {
-        QByteArray failure;
-        const QJsonObject seen = browse(
+        const auto [seen, failure] = vessa::testing::browsePage(
             {QStringLiteral("steps"),
              server.url(QStringLiteral("tight_loop.html?world=Default&loops=%1").arg(kLoops))},
-            300000, failure);
+            300000);
         if (!seen.contains(QStringLiteral("watched"))) {
             state.SkipWithError(failure.constData());
             break;

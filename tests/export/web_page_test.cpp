@@ -86,19 +86,9 @@ QString exportPage(const QString& world, const QString& out) {
 }
 
 QJsonObject browse(const QStringList& arguments) {
-    QProcess node;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("VESSA_WEB_MODULES"), QStringLiteral(VESSA_WEB_MODULES));
-    node.setProcessEnvironment(env);
-    node.start(QStringLiteral("node"),
-               QStringList{QStringLiteral(VESSA_SOURCE_DIR "/tests/export/web/browse.mjs")} +
-                   arguments);
-    if (!node.waitForFinished(kWaitMs))
-        node.kill();
-    node.waitForFinished();
-    const QByteArray err = node.readAllStandardError();
-    EXPECT_TRUE(err.trimmed().isEmpty()) << err.toStdString();
-    return QJsonDocument::fromJson(node.readAllStandardOutput()).object();
+    const vessa::testing::Browsed browsed = vessa::testing::browsePage(arguments, kWaitMs);
+    EXPECT_TRUE(browsed.errors.trimmed().isEmpty()) << browsed.errors.toStdString();
+    return browsed.seen;
 }
 
 bool browserAtHand() {

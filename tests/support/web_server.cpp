@@ -1,5 +1,7 @@
 #include "support/web_server.h"
 
+#include <QJsonDocument>
+#include <QProcessEnvironment>
 #include <QRegularExpression>
 
 namespace vessa::testing {
@@ -25,6 +27,21 @@ WebServer::~WebServer() {
 
 QString WebServer::url(const QString& path) const {
     return QStringLiteral("http://127.0.0.1:%1/%2").arg(port_, path);
+}
+
+Browsed browsePage(const QStringList& action, int waitMs) {
+    QProcess node;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("VESSA_WEB_MODULES"), QStringLiteral(VESSA_WEB_MODULES));
+    node.setProcessEnvironment(env);
+    node.start(QStringLiteral("node"),
+               QStringList{QStringLiteral(VESSA_SOURCE_DIR "/tests/export/web/browse.mjs")} +
+                   action);
+    if (!node.waitForFinished(waitMs))
+        node.kill();
+    node.waitForFinished();
+    return {QJsonDocument::fromJson(node.readAllStandardOutput()).object(),
+            node.readAllStandardError()};
 }
 
 } // namespace vessa::testing

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QByteArray>
+#include <QJsonObject>
 #include <QProcess>
 #include <QString>
+#include <QStringList>
 
 namespace vessa::testing {
 
@@ -18,5 +21,14 @@ private:
     QProcess server_;
     QString port_;
 };
+
+// What the browser script (tests/export/web/browse.mjs, in headless Chromium) found
+// doing `action` with a page, empty when it printed nothing readable, and what it said
+// on its error output; a browser still at work after waitMs is ended.
+struct Browsed {
+    QJsonObject seen;
+    QByteArray errors;
+};
+Browsed browsePage(const QStringList& action, int waitMs);
 
 } // namespace vessa::testing
